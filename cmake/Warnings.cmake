@@ -1,0 +1,11 @@
+# The warnings that all of our own code is built with; they are errors.
+add_library(vorn_warnings INTERFACE)
+if(MSVC)
+    target_compile_options(vorn_warnings INTERFACE /W4 /WX /permissive-)
+else()
+    target_compile_options(vorn_warnings INTERFACE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-align
+        -Wcast-qual -Wformat=2 -Wundef -Wunused -Wdouble-promotion -Werror
+        $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+            -Wextra-semi -Wzero-as-null-pointer-constant>)
+endif()

@@ -1,0 +1,24 @@
+#pragma once
+
+/**
+ * The widgets of a page's form, set up when this member is constructed. With it as a page's first
+ * member, the members behind it, the device handles above all, come to life after the widgets.
+ */
+template <typename Widgets>
+class Form
+{
+public:
+    template <typename Page>
+    explicit Form(Page *page)
+    {
+        widgets.setupUi(page);
+    }
+    Form(const Form &) = delete;
+    Form &operator=(const Form &) = delete;
+
+    Widgets *operator->() { return &widgets; }
+    const Widgets *operator->() const { return &widgets; }
+
+private:
+    Widgets widgets;
+};

@@ -1,0 +1,23 @@
+#include "frame/tabDlg.h"
+
+#include "frame/reportError.h"
+
+#include <QMessageBox>
+
+tabDlg::tabDlg(QWidget *parent) : QDialog(parent, Qt::WindowFlags()), title(QStringLiteral("Vornsettings")) {}
+
+void tabDlg::reportError(std::int32_t code, const char *operation)
+{
+    if (code == DEVICE_OK)
+        return;
+    showMessage(errorText(code, operation));
+}
+
+void tabDlg::showMessage(const QString &text)
+{
+    QMessageBox box(this);
+    box.setWindowTitle(title);
+    box.setText(text);
+    box.setIcon(QMessageBox::Critical);
+    box.exec();
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+
+#include <cstdint>
+
+/**
+ * Base of every page of the main window. The frame shows a page's windowTitle in its title strip.
+ * A plain tabDlg is the stand-in for a feature that the unit doesn't have. Main thread only.
+ */
+class tabDlg : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit tabDlg(QWidget *parent = nullptr);
+
+protected:
+    /**
+     * Modal error box "Error(code) in operation: text of the code" over this page. Silent on
+     * success only: a page for which "not supported" is no fault tests for that code first.
+     * @param operation inserted as it stands, the device's or the page's own name for what failed
+     */
+    void reportError(std::int32_t code, const char *operation);
+
+    /** Modal box with the critical icon, for wrong input, which has no code. */
+    void showMessage(const QString &text);
+
+private:
+    QString title;
+};
