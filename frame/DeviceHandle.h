@@ -17,7 +17,9 @@ class DeviceHandle
 public:
     using Raw = std::invoke_result_t<decltype(Create)>;
 
-    DeviceHandle() : raw(Create()) {}
+    DeviceHandle()
+        : raw(Create())
+    {}
     ~DeviceHandle()
     {
         if (owned)

@@ -4,13 +4,25 @@
 
 #include <QMessageBox>
 
-tabDlg::tabDlg(QWidget *parent) : QDialog(parent, Qt::WindowFlags()), title(QStringLiteral("Vornsettings")) {}
+tabDlg::tabDlg(QWidget *parent)
+    : QDialog(parent, Qt::WindowFlags())
+    , title(QStringLiteral("Vornsettings"))
+{}
 
 void tabDlg::reportError(std::int32_t code, const char *operation)
 {
     if (code == DEVICE_OK)
         return;
     showMessage(errorText(code, operation));
+}
+
+void tabDlg::hideOrReport(
+    std::int32_t code, const char *operation, std::initializer_list<QWidget *> widgets)
+{
+    if (code != DEVICE_NOT_SUPPORTED)
+        return reportError(code, operation);
+    for (QWidget *widget : widgets)
+        widget->hide();
 }
 
 void tabDlg::showMessage(const QString &text)

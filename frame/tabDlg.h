@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <initializer_list>
 
 /**
  * Base of every page of the main window. The frame shows a page's windowTitle in its title strip.
@@ -23,6 +24,14 @@ protected:
      * @param operation inserted as it stands, the device's or the page's own name for what failed
      */
     void reportError(std::int32_t code, const char *operation);
+
+    /**
+     * The answer of most pages to a failed operation: "not supported" means that the feature
+     * doesn't exist, so the widgets that stand for it go without a word; any other failure is
+     * reported under that name. Not for a success.
+     */
+    void hideOrReport(
+        std::int32_t code, const char *operation, std::initializer_list<QWidget *> widgets);
 
     /** Modal box with the critical icon, for wrong input, which has no code. */
     void showMessage(const QString &text);

@@ -1,0 +1,246 @@
+#include "tests/support/DeviceTest.h"
+
+#include "virtualunit/VirtualUnit.h"
+
+#include <QAbstractButton>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMutex>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+// A Friday noon: daylight for the light sensor, and far from any change of summer time.
+constexpr std::int64_t testTime = 1'773'000'000'000;
+
+QMutex warningsLock;
+QStringList warnings;
+
+void collectWarning(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    // The offscreen platform says so for every window; it has no window manager to tell sizes to.
+    if (text.contains(QLatin1String("propagateSizeHints")))
+        return;
+    if (type == QtDebugMsg || type == QtInfoMsg)
+        return;
+    const QMutexLocker locker(&warningsLock);
+    warnings << text;
+    if (type == QtFatalMsg)
+        fprintf(stderr, "%s\n", qPrintable(text));
+}
+
+QtMessageHandler testlibHandler = nullptr;
+
+QStringList buttonTexts(const QMessageBox *box)
+{
+    QStringList texts;
+    for (const QAbstractButton *button : box->buttons())
+        texts << button->text().remove(QLatin1Char('&'));
+    return texts;
+}
+
+void clickDefault(QDialog *dialog)
+{
+    if (const auto *box = qobject_cast<QMessageBox *>(dialog)) {
+        if (box->defaultButton())
+            return box->defaultButton()->click();
+        if (!box->buttons().isEmpty())
+            return box->buttons().constFirst()->click();
+    }
+    dialog->reject();
+}
+
+QString text(const std::string &bytes)
+{
+    return QString::fromLatin1(bytes.data(), int(bytes.size()));
+}
+
+std::string bytes(const QString &text)
+{
+    return text.toLatin1().toStdString();
+}
+
+void require(const virtualunit::Error &error)
+{
+    if (!error.empty())
+        qFatal("virtual unit: %s", error.c_str());
+}
+
+} // namespace
+
+namespace support {
+
+void prepareEnvironment()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORMTHEME", "");
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+}
+
+Dialogs::Dialogs()
+{
+    qApp->installEventFilter(this);
+}
+
+Dialogs::~Dialogs()
+{
+    qApp->removeEventFilter(this);
+}
+
+void Dialogs::plan(QMessageBox::StandardButton button)
+{
+    plan([button](QDialog *dialog) {
+        auto *box = qobject_cast<QMessageBox *>(dialog);
+        auto *target = box ? box->button(button) : nullptr;
+        if (target)
+            target->click();
+        else
+            clickDefault(dialog);
+    });
+}
+
+void Dialogs::plan(Answer answer)
+{
+    answers.enqueue(std::move(answer));
+}
+
+void Dialogs::planFile(const QString &path)
+{
+    plan([path](QDialog *dialog) {
+        auto *files = qobject_cast<QFileDialog *>(dialog);
+        if (!files || path.isEmpty())
+            return dialog->reject();
+        child<QLineEdit>(files, "fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(files, "accept");
+    });
+}
+
+QList<Dialog> Dialogs::take()
+{
+    return std::exchange(seen, {});
+}
+
+QStringList Dialogs::takeTexts()
+{
+    QStringList texts;
+    for (const Dialog &dialog : take())
+        texts << dialog.text;
+    return texts;
+}
+
+bool Dialogs::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Show)
+        return false;
+    auto *dialog = qobject_cast<QDialog *>(watched);
+    if (!dialog || !dialog->isModal() || qobject_cast<QProgressDialog *>(dialog))
+        return false;
+    // From the dialog's own event loop, when it stands as a user would see it.
+    QTimer::singleShot(0, dialog, [this, dialog] { answer(dialog); });
+    return false;
+}
+
+void Dialogs::answer(QDialog *dialog)
+{
+    if (!dialog->isVisible())
+        return;
+    Dialog record;
+    record.className = QString::fromLatin1(dialog->metaObject()->className());
+    record.title = dialog->windowTitle();
+    record.parent = dialog->parentWidget();
+    record.modal = dialog->isModal();
+    if (const auto *box = qobject_cast<QMessageBox *>(dialog)) {
+        record.text = box->text();
+        record.icon = box->icon();
+        record.buttons = buttonTexts(box);
+    }
+    seen << record;
+    if (answers.isEmpty())
+        clickDefault(dialog);
+    else
+        answers.dequeue()(dialog);
+}
+
+} // namespace support
+
+void DeviceTest::useProfile(const QString &profile)
+{
+    require(virtualunit::loadProfile(bytes(profile)));
+    require(virtualunit::setClock(testTime));
+    virtualunit::takeJournal();
+}
+
+void DeviceTest::setUnit(const QString &name, const QString &value)
+{
+    require(virtualunit::set(bytes(name), bytes(value)));
+}
+
+QString DeviceTest::unit(const QString &name)
+{
+    std::string value;
+    require(virtualunit::get(bytes(name), value));
+    return text(value);
+}
+
+void DeviceTest::fault(const QString &operation, int code, unsigned times, unsigned after)
+{
+    require(virtualunit::addFault(bytes(operation), code, times, after));
+}
+
+void DeviceTest::clearFaults()
+{
+    require(virtualunit::clearFaults());
+}
+
+QStringList DeviceTest::calls()
+{
+    QStringList lines;
+    for (const virtualunit::Call &call : virtualunit::takeJournal()) {
+        QString line =
+            text(call.operation) + QLatin1Char('(') + text(call.arguments) + QLatin1Char(')');
+        const QString result = text(call.result);
+        if (!result.isEmpty() && !result.startsWith(QLatin1Char('#')))
+            line += QLatin1String(" = ") + result;
+        if (!call.outs.empty())
+            line += QLatin1String(" [") + text(call.outs) + QLatin1Char(']');
+        lines << line;
+    }
+    return lines;
+}
+
+QStringList DeviceTest::journal()
+{
+    QStringList lines;
+    for (const virtualunit::Call &call : virtualunit::takeJournal())
+        lines << text(call.text());
+    return lines;
+}
+
+QStringList DeviceTest::takeWarnings()
+{
+    const QMutexLocker locker(&warningsLock);
+    return std::exchange(warnings, {});
+}
+
+void DeviceTest::init()
+{
+    takeWarnings();
+    testlibHandler = qInstallMessageHandler(collectWarning);
+    require(virtualunit::open(":memory:"));
+    useProfile(QStringLiteral("full"));
+    virtualunit::startJournal();
+}
+
+void DeviceTest::cleanup()
+{
+    virtualunit::stopJournal();
+    qInstallMessageHandler(testlibHandler);
+    QCOMPARE(dialogs.takeTexts(), QStringList());
+    QCOMPARE(takeWarnings(), QStringList());
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        QVERIFY2(
+            !window->isVisible(), qPrintable(QLatin1String("left open: ") + window->objectName()));
+}

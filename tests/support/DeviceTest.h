@@ -1,0 +1,117 @@
+#pragma once
+
+#include <QApplication>
+#include <QDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QQueue>
+#include <QStringList>
+#include <QtTest>
+
+#include <functional>
+
+namespace support {
+
+/** A modal dialog that came up in a test, and what it showed. */
+struct Dialog {
+    QString className;
+    QString title;
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QStringList buttons; ///< captions of a message box's buttons: "Yes", "No", "OK"
+    QWidget *parent = nullptr;
+    bool modal = false;
+};
+
+/**
+ * Answers every modal dialog as soon as it shows, so that code which blocks in one goes on.
+ * Without a plan a dialog is answered by its default, or else its first button. Progress dialogs,
+ * which nobody answers, are left alone.
+ */
+class Dialogs : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Answer = std::function<void(QDialog *)>;
+
+    Dialogs();
+    ~Dialogs() override;
+
+    /** Answers of the next dialogs, in order. */
+    void plan(QMessageBox::StandardButton button);
+    void plan(Answer answer);
+    /** Types the path into the next file dialog and accepts it; an empty path cancels it. */
+    void planFile(const QString &path);
+
+    /** What came since the last call. */
+    QList<Dialog> take();
+    /** The texts alone of what came since the last call. */
+    QStringList takeTexts();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void answer(QDialog *dialog);
+
+    QQueue<Answer> answers;
+    QList<Dialog> seen;
+    QList<QPointer<QDialog>> open;
+};
+
+/** The widget of that kind and name below the page; ends the test program if there is none. */
+template <typename Widget>
+Widget *child(const QWidget *page, const char *name)
+{
+    auto *widget = page->findChild<Widget *>(QString::fromLatin1(name));
+    if (!widget)
+        qFatal("no widget %s", name);
+    return widget;
+}
+
+/** Offscreen, and nothing from the user's own settings. Before the application object. */
+void prepareEnvironment();
+
+} // namespace support
+
+/**
+ * Base of tests on the virtual unit: each test function has a unit of its own in memory, of the
+ * profile "full", with a clock that stands still, a journal of calls from the start of the
+ * function, and dialogs that answer themselves. A dialog or a Qt warning that the function hasn't
+ * taken fails it.
+ */
+class DeviceTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    support::Dialogs dialogs;
+
+    /** Replaces the unit by that profile and empties the journal. */
+    void useProfile(const QString &profile);
+    void setUnit(const QString &name, const QString &value);
+    QString unit(const QString &name);
+    void fault(const QString &operation, int code, unsigned times = 0, unsigned after = 0);
+    void clearFaults();
+
+    /** The calls since the last time, without handles and threads: "Buzzer_create()",
+     *  "Buzzer_getVolume() = 0 [25]", "Buzzer_setVolume(30) = 0". */
+    QStringList calls();
+    /** The same with thread and handle numbers, as the journal's file has them. */
+    QStringList journal();
+    /** Qt's warnings since the last time. */
+    static QStringList takeWarnings();
+
+private slots:
+    void init();
+    void cleanup();
+};
+
+#define VORN_TEST_MAIN(Test)                    \
+    int main(int argc, char *argv[])            \
+    {                                           \
+        support::prepareEnvironment();          \
+        QApplication application(argc, argv);   \
+        Test test;                              \
+        return QTest::qExec(&test, argc, argv); \
+    }
