@@ -1,0 +1,7 @@
+#include "pages/tabAdvancedDlg.h"
+
+tabAdvancedDlg::tabAdvancedDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Advanced"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabBacklightDlg.h"
+
+tabBacklightDlg::tabBacklightDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Display"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabBuzzerDlg.h"
+
+tabBuzzerDlg::tabBuzzerDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Buzzer"));
+}

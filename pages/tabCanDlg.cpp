@@ -1,0 +1,7 @@
+#include "pages/tabCanDlg.h"
+
+tabCanDlg::tabCanDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("CAN"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabDigIODlg.h"
+
+tabDigIODlg::tabDigIODlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Digital Input/Output"));
+}

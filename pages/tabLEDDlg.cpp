@@ -1,0 +1,7 @@
+#include "pages/tabLEDDlg.h"
+
+tabLEDDlg::tabLEDDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Led"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabOnOffDlg.h"
+
+tabOnOffDlg::tabOnOffDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("On/Off Settings"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabPowerDlg.h"
+
+tabPowerDlg::tabPowerDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Power"));
+}

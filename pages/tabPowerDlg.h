@@ -1,0 +1,12 @@
+#pragma once
+
+#include "frame/tabDlg.h"
+
+/** Power page. */
+class tabPowerDlg : public tabDlg
+{
+    Q_OBJECT
+
+public:
+    explicit tabPowerDlg(QWidget *parent = nullptr);
+};

@@ -1,0 +1,7 @@
+#include "pages/tabSysConfDlg.h"
+
+tabSysConfDlg::tabSysConfDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Heater"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabTouchDlg.h"
+
+tabTouchDlg::tabTouchDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Touch Screen"));
+}

@@ -1,0 +1,7 @@
+#include "pages/tabVersionDlg.h"
+
+tabVersionDlg::tabVersionDlg(QWidget *parent)
+    : tabDlg(parent)
+{
+    setWindowTitle(tr("Version"));
+}
