@@ -1,0 +1,21 @@
+#pragma once
+
+#include "virtualunit/VirtualUnit.h"
+
+#include <optional>
+
+namespace virtualunit {
+
+/** Whether calls are recorded at all, in memory or in VORN_JOURNAL's file. Cheap. */
+bool journalRuns() noexcept;
+/** Changes with each startJournal(): numbers of handles and threads begin anew then. */
+unsigned journalGeneration() noexcept;
+
+/** Records one call. No handle for what takes none; 0 for an invalid one. */
+void journal(const char *operation, std::optional<unsigned> handle, std::string result,
+    std::string arguments, std::string outs);
+
+/** A text in double quotes that stays on one line, in UTF-8. */
+std::string quoted(std::string_view latin1);
+
+} // namespace virtualunit

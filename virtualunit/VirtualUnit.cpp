@@ -1,0 +1,175 @@
+#include "virtualunit/VirtualUnit.h"
+
+#include "virtualunit/Operation.h"
+#include "virtualunit/Profile.h"
+#include "virtualunit/assign.h"
+
+namespace virtualunit {
+
+namespace {
+
+template <typename Function>
+Error guarded(const Function &function)
+{
+    try {
+        function();
+        return {};
+    } catch (const Failure &failure) {
+        return failure.text;
+    } catch (const std::exception &exception) {
+        return std::string("It went wrong: ") + exception.what() + ".";
+    }
+}
+
+template <typename Function>
+Error reading(const Function &function)
+{
+    return guarded([&] {
+        auto &unit = Unit::instance();
+        const Access access(unit);
+        function(unit);
+    });
+}
+
+template <typename Function>
+Error changing(const Function &function)
+{
+    return reading([&](Unit &unit) {
+        Change change(unit);
+        function(unit);
+        change.commit();
+    });
+}
+
+std::string valueText(const Unit &unit, Key key)
+{
+    const auto &spec = key.spec();
+    return spec.isText() ? unit.text(key) : formatNumber(spec, unit.number(key));
+}
+
+Property stringProperty(const std::string &key, const std::string &value)
+{
+    return {std::string(stringPrefix) + key, value,
+        "at most " + std::to_string(longestString) + " characters", "stored string"};
+}
+
+void apply(Unit &unit, const Assignment &wanted)
+{
+    if (!wanted.string.empty())
+        unit.writeString(wanted.string, wanted.text);
+    else if (wanted.key.spec().isText())
+        unit.write(wanted.key, wanted.text);
+    else if (wanted.live)
+        unit.release(wanted.key, wanted.from ? std::optional(wanted.number) : std::nullopt);
+    else
+        unit.write(wanted.key, wanted.number);
+}
+
+} // namespace
+
+Error open(const std::string &file)
+{
+    return guarded([&] { Unit::instance().use(file); });
+}
+
+Error loadProfile(const std::string &nameOrPath)
+{
+    return changing([&](Unit &unit) {
+        auto made = profileSnapshot(nameOrPath, unit.now());
+        made.clock = unit.snapshot().clock;
+        unit.replace(made);
+    });
+}
+
+std::vector<std::string> profiles()
+{
+    return profileNames();
+}
+
+Error profileText(std::string &text)
+{
+    return reading([&](Unit &unit) { text = writeProfile(unit.snapshot(), unit.now()); });
+}
+
+Error list(std::vector<Property> &properties)
+{
+    return reading([&](Unit &unit) {
+        properties.clear();
+        for (std::size_t index = 0; index < specCount; ++index) {
+            const auto &spec = specs[index];
+            properties.push_back({std::string(spec.name), valueText(unit, Key(index)),
+                rangeText(spec), std::string(spec.description)});
+        }
+        for (const auto &[key, value] : unit.snapshot().strings)
+            properties.push_back(stringProperty(key, value));
+    });
+}
+
+Error get(const std::string &name, std::string &value)
+{
+    return reading([&](Unit &unit) {
+        const auto &strings = unit.snapshot().strings;
+        const auto index = findProperty(name);
+        if (index != specCount) {
+            value = valueText(unit, Key(index));
+            return;
+        }
+        const auto found = name.starts_with(stringPrefix)
+                               ? strings.find(name.substr(stringPrefix.size()))
+                               : strings.end();
+        if (found == strings.end())
+            throw Failure{ValueOutOfRange, "There is no value \"" + name + "\"."};
+        value = found->second;
+    });
+}
+
+Error set(const std::string &name, const std::string &value)
+{
+    return changing([&](Unit &unit) { apply(unit, readAssignment(name, value)); });
+}
+
+Error addFault(
+    const std::string &operation, std::int32_t code, std::uint32_t times, std::uint32_t after)
+{
+    return changing([&](Unit &unit) {
+        unit.writeFault(checkedOperation(operation), {code, times, after, 0});
+    });
+}
+
+Error clearFaults()
+{
+    return changing([](Unit &unit) { unit.clearFaults(); });
+}
+
+Error setDelay(const std::string &operation, std::uint32_t milliseconds)
+{
+    return changing(
+        [&](Unit &unit) { unit.writeDelay(checkedOperation(operation), milliseconds); });
+}
+
+std::vector<std::string> operations()
+{
+    return operationNames();
+}
+
+Error setClock(std::int64_t milliseconds)
+{
+    return changing([&](Unit &unit) {
+        // Time passes only from one standing clock to a later one.
+        const auto &clock = unit.snapshot().clock;
+        unit.moveClock(milliseconds, clock && milliseconds >= *clock);
+    });
+}
+
+Error advanceClock(std::int64_t milliseconds)
+{
+    return changing(
+        [&](Unit &unit) { unit.moveClock(unit.now() + milliseconds, milliseconds >= 0); });
+}
+
+Error releaseClock()
+{
+    return changing([](Unit &unit) { unit.moveClock(std::nullopt, false); });
+}
+
+} // namespace virtualunit
