@@ -202,6 +202,12 @@ In(Key, T) -> In<T>;
 template <typename T>
 In(const char *, T) -> In<T>;
 
+/** A property and the value that an operation without arguments gives it. */
+struct Fixed {
+    Key key;
+    double value;
+};
+
 /** Reads properties, all or none. */
 template <typename Device, typename... T>
 DeviceCode get(const char *operation, Device *handle, Out<T>... outs)
@@ -224,6 +230,15 @@ DeviceCode set(const char *operation, Device *handle, In<T>... ins)
         ((code = code != Ok ? code : unit.missing(ins.key)), ...);
         ((code = code != Ok ? code : unit.store(ins.key, static_cast<double>(ins.value))), ...);
         return code;
+    });
+}
+
+template <typename Device>
+DeviceCode set(const char *operation, Device *handle, Fixed fixed)
+{
+    return perform(operation, handle, {}, Does::Write, [&](Unit &unit) {
+        const Code code = unit.missing(fixed.key);
+        return code == Ok ? unit.store(fixed.key, fixed.value) : code;
     });
 }
 

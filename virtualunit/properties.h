@@ -371,7 +371,8 @@ inline constexpr auto specs = std::to_array<Spec>({
     choice("LightSensor.operatingRange", 0, 1, 0, "(0 standard, 1 extended)", "operating range")
         .needing("Feature.lightSensor")
         .drives(),
-    flag("LightSensor.averaging", false, "the averaged measurement runs"),
+    flag("LightSensor.averaging", false, "the averaged measurement runs")
+        .needing("Feature.lightSensor"),
     integer("LightSensor.averageWindowSize", 1, 255, 5, "samples", "filter of the measurement")
         .needing("Feature.lightSensor"),
     integer("LightSensor.rejectWindowSize", 0, 255, 5, "samples", "filter of the measurement"),
