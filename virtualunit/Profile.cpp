@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
 
@@ -87,7 +88,7 @@ Json writeValue(const Spec &spec, const Cell &cell, double number)
     if (spec.isText())
         return cell.text;
     if (spec.living != Living::No && spec.living != Living::Ramp && !cell.pinned)
-        return "live " + formatReal(number);
+        return "live " + formatReal(std::round(number * 100) / 100);
     return Json::parse(formatNumber(spec, number));
 }
 
