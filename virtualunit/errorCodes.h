@@ -39,8 +39,7 @@ enum ErrorCode : std::int32_t {
     FirmwareFileTooLarge = 26,   ///< file or addresses exceed the memory of the controller
     FirmwareFileEmpty = 27,      ///< a sound file without one data byte
     FirmwareDiffers = 28,        ///< verification: the controller holds another image
-    FirmwareNotProgrammed = 29,  ///< verification: the controller holds no image to compare with
-    HardwareFault = 30,          ///< the part reports a fault of its own
+    HardwareFault = 29,          ///< the part reports a fault of its own
 };
 
 } // namespace virtualunit

@@ -108,8 +108,6 @@ const char *errorText(std::int32_t code)
         return "The firmware file holds no data";
     case FirmwareDiffers:
         return "The firmware in the controller differs from the file";
-    case FirmwareNotProgrammed:
-        return "The controller holds no image to compare with";
     case HardwareFault:
         return "Hardware fault";
     default:
