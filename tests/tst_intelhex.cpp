@@ -1,7 +1,7 @@
 #include "virtualunit/IntelHex.h"
 
 #include "tests/support/hexFile.h"
-#include "virtualunit/errorCodes.h"
+#include "virtualunit/codes.h"
 
 #include <QtTest>
 
@@ -57,7 +57,7 @@ void IntelHexTest::refuses_data()
     QTest::addColumn<int>("line");
     const QByteArray good = hexRecord(0, 0, "abcd") + '\n';
     const QByteArray tail = '\n' + end + '\n';
-    const int malformed = FirmwareFileMalformed;
+    const int malformed = FileMalformed;
 
     QTest::newRow("nothing") << QByteArray() << malformed << 0;
     QTest::newRow("one empty line") << QByteArray("\n") << malformed << 1;
@@ -86,9 +86,8 @@ void IntelHexTest::refuses_data()
     QTest::newRow("long linear base") << good + hexRecord(4, 0, "xyz") + tail << malformed << 2;
     QTest::newRow("short segment start") << good + hexRecord(3, 0, "xyz") + tail << malformed << 2;
     QTest::newRow("long linear start") << good + hexRecord(5, 0, "vwxyz") + tail << malformed << 2;
-    QTest::newRow("checksum") << good + ":0100000041BF" + tail << int(FirmwareFileChecksum) << 2;
-    QTest::newRow("checksum of the end") << good + ":00000001FE\n"
-                                         << int(FirmwareFileChecksum) << 2;
+    QTest::newRow("checksum") << good + ":0100000041BF" + tail << int(FileChecksum) << 2;
+    QTest::newRow("checksum of the end") << good + ":00000001FE\n" << int(FileChecksum) << 2;
     QTest::newRow("byte given twice")
         << hexRecord(0, 4, "abcd") + '\n' + hexRecord(0, 1, "efgh") + tail << malformed << 0;
     QTest::newRow("same record twice") << good + good + end << malformed << 0;
@@ -100,15 +99,14 @@ void IntelHexTest::refuses_data()
     QTest::newRow("beyond 4 GiB") << hexRecord(4, 0, word(0xFFFF)) + '\n' +
                                          hexRecord(0, 0xFFFE, "abc") + tail
                                   << malformed << 2;
-    QTest::newRow("no data") << end << int(FirmwareFileEmpty) << 0;
-    QTest::newRow("empty data records only")
-        << hexRecord(0, 16) + tail << int(FirmwareFileEmpty) << 0;
+    QTest::newRow("no data") << end << int(FileMalformed) << 0;
+    QTest::newRow("empty data records only") << hexRecord(0, 16) + tail << int(FileMalformed) << 0;
     QTest::newRow("more data than memory")
-        << hexFile(QByteArray(64 * 1024 + 1, 'x')) << int(FirmwareFileTooLarge) << 4098;
+        << hexFile(QByteArray(64 * 1024 + 1, 'x')) << int(FileTooLarge) << 4098;
     QTest::newRow("spread beyond the memory")
         << hexRecord(0, 0, "a") + '\n' + hexRecord(4, 0, word(1)) + '\n' + hexRecord(0, 0, "b") +
                tail
-        << int(FirmwareFileTooLarge) << 0;
+        << int(FileTooLarge) << 0;
 }
 
 void IntelHexTest::refuses()
@@ -180,7 +178,7 @@ void IntelHexTest::keepsToTheMemory()
     const QByteArray full(64 * 1024, 'x');
     QCOMPARE(int(read(hexFile(full)).code), 0);
     QCOMPARE(int(read(hexFile(full), std::size_t(full.size()) - 1).code),
-        int(virtualunit::FirmwareFileTooLarge));
+        int(virtualunit::FileTooLarge));
     // Where in the address range it lies doesn't matter.
     QCOMPARE(int(read(hexFile(full, 0x08008000)).code), 0);
 }

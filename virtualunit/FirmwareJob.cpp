@@ -1,6 +1,6 @@
 #include "virtualunit/FirmwareJob.h"
 
-#include "virtualunit/errorCodes.h"
+#include "virtualunit/codes.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -105,7 +105,7 @@ std::int32_t FirmwareJob::finishStage(ControllerMemory &memory)
         return kind == Kind::Upgrade ? memory.store(controller, image)
                                      : memory.compare(controller, image);
     default:
-        return Success;
+        return Ok;
     }
 }
 
@@ -115,21 +115,21 @@ std::int32_t FirmwareJob::readFile()
     std::error_code error;
     const auto found = std::filesystem::status(file, error);
     if (found.type() == std::filesystem::file_type::not_found)
-        return FirmwareFileMissing;
+        return FileNotFound;
     // Anything but a plain file could keep the reader waiting for ever.
     if (found.type() != std::filesystem::file_type::regular)
-        return FirmwareFileUnreadable;
+        return FileUnreadable;
     const auto limit = memorySize(controller) * textPerByte;
     const auto size = std::filesystem::file_size(file, error);
     if (error)
-        return FirmwareFileUnreadable;
+        return FileUnreadable;
     if (size > limit)
-        return FirmwareFileTooLarge;
+        return FileTooLarge;
     std::ifstream stream(file, std::ios::binary);
     text.resize(static_cast<std::size_t>(size));
     if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))
-        return FirmwareFileUnreadable;
-    return Success;
+        return FileUnreadable;
+    return Ok;
 }
 
 std::int32_t FirmwareJob::convertFile()

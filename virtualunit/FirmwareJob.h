@@ -21,9 +21,9 @@ class ControllerMemory
 public:
     virtual ~ControllerMemory() = default;
     /** Makes the image the one that the controller holds: wholly, or not at all on failure.
-     *  Returns 0 or an ErrorCode. */
+     *  Returns 0 or a Code. */
     virtual std::int32_t store(Controller controller, const FirmwareImage &image) = 0;
-    /** Whether it holds exactly this image: 0, FirmwareDiffers, or another ErrorCode. */
+    /** Whether it holds exactly this image: 0, VerificationFailed, or another Code. */
     virtual std::int32_t compare(Controller controller, const FirmwareImage &image) = 0;
 };
 

@@ -1,6 +1,6 @@
 #include "virtualunit/IntelHex.h"
 
-#include "virtualunit/errorCodes.h"
+#include "virtualunit/codes.h"
 
 #include <algorithm>
 #include <array>
@@ -55,24 +55,24 @@ int hexDigit(char digit)
 std::optional<Fault> decode(std::string_view line, Record &record)
 {
     if (line.empty() || line.front() != ':')
-        return Fault{FirmwareFileMalformed, "a record must begin with a colon"};
+        return Fault{FileMalformed, "a record must begin with a colon"};
     line.remove_prefix(1);
     const auto count = line.size() / 2;
     if (line.size() % 2 != 0 || count < 5 || count > record.raw.size())
-        return Fault{FirmwareFileMalformed, "a record of an impossible length"};
+        return Fault{FileMalformed, "a record of an impossible length"};
     unsigned sum = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const int high = hexDigit(line[2 * i]);
         const int low = hexDigit(line[2 * i + 1]);
         if (high < 0 || low < 0)
-            return Fault{FirmwareFileMalformed, "a character that is no hexadecimal digit"};
+            return Fault{FileMalformed, "a character that is no hexadecimal digit"};
         record.raw[i] = static_cast<std::uint8_t>(high << 4 | low);
         sum += record.raw[i];
     }
     if (record.dataSize() + 5 != count)
-        return Fault{FirmwareFileMalformed, "a record whose length field is wrong"};
+        return Fault{FileMalformed, "a record whose length field is wrong"};
     if ((sum & 0xFF) != 0)
-        return Fault{FirmwareFileChecksum, "a record whose checksum is wrong"};
+        return Fault{FileChecksum, "a record whose checksum is wrong"};
     return std::nullopt;
 }
 
@@ -88,9 +88,9 @@ public:
         // Data has any length, an empty one included; every other type has exactly one.
         constexpr std::size_t lengths[] = {0, 0, 2, 4, 2, 4};
         if (record.type() >= std::size(lengths))
-            return Fault{FirmwareFileMalformed, "a record of an unknown type"};
+            return Fault{FileMalformed, "a record of an unknown type"};
         if (record.type() != 0 && record.dataSize() != lengths[record.type()])
-            return Fault{FirmwareFileMalformed, "a record whose length does not suit its type"};
+            return Fault{FileMalformed, "a record whose length does not suit its type"};
         switch (record.type()) {
         case 0:
             return takeData(record);
@@ -117,16 +117,16 @@ public:
     std::optional<Fault> assemble(FirmwareImage &image)
     {
         if (runs.empty())
-            return Fault{FirmwareFileEmpty, "no data"};
+            return Fault{FileMalformed, "no data"};
         std::sort(runs.begin(), runs.end(),
             [](const Run &a, const Run &b) { return a.address < b.address; });
         for (std::size_t i = 1; i < runs.size(); ++i) {
             if (end(runs[i - 1]) > runs[i].address)
-                return Fault{FirmwareFileMalformed, "an address that is given twice"};
+                return Fault{FileMalformed, "an address that is given twice"};
         }
         const auto size = end(runs.back()) - runs.front().address;
         if (size > memorySize)
-            return Fault{FirmwareFileTooLarge, "more than the controller's memory takes"};
+            return Fault{FileTooLarge, "more than the controller's memory takes"};
         image.address = runs.front().address;
         image.bytes.assign(static_cast<std::size_t>(size), erased);
         for (const auto &run : runs) {
@@ -151,9 +151,9 @@ private:
         const auto address = base + record.address();
         const auto limit = linear ? addressRange : base + segmentSize;
         if (address + record.dataSize() > limit)
-            return Fault{FirmwareFileMalformed, "data beyond the end of its segment"};
+            return Fault{FileMalformed, "data beyond the end of its segment"};
         if (data.size() + record.dataSize() > memorySize)
-            return Fault{FirmwareFileTooLarge, "more than the controller's memory takes"};
+            return Fault{FileTooLarge, "more than the controller's memory takes"};
         const auto size = static_cast<std::uint32_t>(record.dataSize());
         if (!runs.empty() && end(runs.back()) == address)
             runs.back().size += size;
@@ -212,7 +212,7 @@ IntelHexResult readIntelHex(std::string_view text, std::size_t memorySize)
         if (reader.hasEnded()) {
             if (line.empty())
                 continue;
-            return failure({FirmwareFileMalformed, "something after the end record"}, number);
+            return failure({FileMalformed, "something after the end record"}, number);
         }
         auto fault = decode(line, record);
         if (!fault)
@@ -221,7 +221,7 @@ IntelHexResult readIntelHex(std::string_view text, std::size_t memorySize)
             return failure(*fault, number);
     }
     if (!reader.hasEnded())
-        return failure({FirmwareFileMalformed, "no end record"}, number);
+        return failure({FileMalformed, "no end record"}, number);
     IntelHexResult result;
     if (const auto fault = reader.assemble(result.image))
         return failure(*fault, 0);

@@ -1,6 +1,6 @@
 #include "virtualunit/texts.h"
 
-#include "virtualunit/errorCodes.h"
+#include "virtualunit/codes.h"
 
 #include <iterator>
 #include <map>
@@ -48,68 +48,70 @@ std::string describeFaults(std::uint16_t status)
 const char *errorText(std::int32_t code)
 {
     switch (code) {
-    case Unspecified:
+    case -1:
         return "Unspecified error";
-    case Success:
+    case Ok:
         return "No error";
-    case InternalError:
-        return "Internal error of the device library";
+    case GeneralFault:
+        return "General error";
     case NotSupported:
         return "Not supported by this unit or its firmware";
     case InvalidHandle:
         return "Invalid handle";
-    case NullArgument:
+    case MissingArgument:
         return "Missing argument";
-    case NoAnswer:
-        return "The device does not answer";
-    case Timeout:
-        return "Timeout while waiting for the device";
-    case Busy:
-        return "The device is busy";
-    case OutOfRange:
+    case ValueOutOfRange:
         return "Value out of range";
     case NoSuchChannel:
-        return "No such channel or number";
-    case NoSuchKey:
-        return "No such key";
-    case TextTooLong:
-        return "Text too long";
-    case TransferDamaged:
-        return "Checksum error in the answer of the device";
-    case StateNotOpened:
+        return "No such channel or setting";
+    case NoSuchSensor:
+        return "No such sensor";
+    case StateUnavailable:
         return "The state file of the unit can't be opened";
     case StateDamaged:
         return "The state file of the unit is damaged";
     case StateForeign:
-        return "The state file does not hold a unit of this version";
+        return "The state file is not that of a virtual unit";
+    case StateBusy:
+        return "The state file of the unit is locked by another process";
     case StateNotWritten:
         return "The state file of the unit can't be written";
-    case StateLocked:
-        return "The state file of the unit is locked by another process";
-    case DataNotAvailable:
+    case Timeout:
+        return "Timeout while waiting for the controller";
+    case CommunicationFault:
+        return "Communication error";
+    case DeviceBusy:
+        return "The device is busy";
+    case FileNotFound:
+        return "The firmware file does not exist";
+    case FileUnreadable:
+        return "The firmware file can't be read";
+    case NotAvailable:
         return "Data not available";
-    case PowerOff:
-        return "The device has no power";
+    case FileMalformed:
+        return "The firmware file is not a complete Intel HEX file";
     case AutomaticBacklight:
         return "Refused while the automatic backlight is running";
-    case NoFirmwareJob:
-        return "No firmware job was started";
-    case FirmwareFileMissing:
-        return "The firmware file does not exist";
-    case FirmwareFileUnreadable:
-        return "The firmware file can't be read";
-    case FirmwareFileMalformed:
-        return "The firmware file is not a complete Intel HEX file";
-    case FirmwareFileChecksum:
+    case FileChecksum:
         return "Wrong checksum in the firmware file";
-    case FirmwareFileTooLarge:
+    case FileTooLarge:
         return "The firmware file is too large for the controller";
-    case FirmwareFileEmpty:
-        return "The firmware file holds no data";
-    case FirmwareDiffers:
+    case VerificationFailed:
         return "The firmware in the controller differs from the file";
+    case NoJob:
+        return "No firmware job was started";
+    case JobRunning:
+        return "A firmware job is already running";
+    case UnknownKey:
+        return "No such key";
     case HardwareFault:
         return "Hardware fault";
+    case AccessDenied:
+        return "Access denied";
+    case FileWrongType:
+        return "The firmware file is for another controller";
+    case NoImage:
+        return "The unit holds no image to compare with";
     default:
         return "Unknown error";
     }

@@ -5,7 +5,7 @@
 /** The constant texts of the virtual unit. Never null, never freed; any thread. */
 namespace virtualunit {
 
-/** One English sentence without a full stop for a code, known (ErrorCode) or not. */
+/** One English sentence without a full stop for a code, known (Code) or not. */
 const char *errorText(std::int32_t code);
 
 /** What started the computer: 1 to 9 have a meaning, all others are unknown. */

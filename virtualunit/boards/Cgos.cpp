@@ -49,10 +49,10 @@ BOARD_API std::int32_t CgosBoardGetInfoW(std::uint32_t handle, void *info)
 {
     return board.getInfo<CgosBoardInfo>(handle, info, [](CgosBoardInfo &record) {
         return readText("name", record.name) && readText("subName", record.subName) &&
-               readDate(record.manufacturingDate) &&
+               readDate("manufacturingDate", record.manufacturingDate) &&
                readText("serialNumber", record.serialNumber) &&
                readCharacterPair("productRevision", record.productRevision) &&
-               readNumber("systemBiosRevision", record.systemBiosRevision) &&
+               readNumber("biosRevision", record.systemBiosRevision) &&
                readText("partNumber", record.partNumber) && readText("ean", record.ean);
     });
 }

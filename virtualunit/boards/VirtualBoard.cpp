@@ -4,6 +4,7 @@
 #include "virtualunit/boards/boardRecords.h"
 
 #include <charconv>
+#include <cstdio>
 #include <string>
 
 namespace boards {
@@ -104,10 +105,21 @@ bool readNumber(const char *name, std::uint16_t &out)
     return error == std::errc() && rest == value.data() + value.size();
 }
 
-bool readDate(BoardDate &out)
+bool readDate(const char *name, BoardDate &out)
 {
-    return readNumber("manufacturingYear", out.year) &&
-           readNumber("manufacturingMonth", out.month) && readNumber("manufacturingDay", out.day);
+    std::string value;
+    unsigned year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    int length = 0;
+    if (!readValue(name, value) ||
+        std::sscanf(value.c_str(), "%4u-%2u-%2u%n", &year, &month, &day, &length) != 3 ||
+        static_cast<std::size_t>(length) != value.size())
+        return false;
+    out.year = static_cast<std::uint16_t>(year);
+    out.month = static_cast<std::uint16_t>(month);
+    out.day = static_cast<std::uint16_t>(day);
+    return true;
 }
 
 } // namespace boards

@@ -62,10 +62,11 @@ private:
 };
 
 /** The unit's values of the board, "CpuBoard." before the name. Each returns false, and leaves out
- *  as it is, when the unit can't be asked. */
+ *  as it is, when the unit can't be asked or the value makes no sense. */
 bool readText(const char *name, char16_t *out, std::size_t size);
 bool readNumber(const char *name, std::uint16_t &out);
-bool readDate(BoardDate &out);
+/** A date as "2022-01-24". */
+bool readDate(const char *name, BoardDate &out);
 
 /** A text that is too long is cut, never within a character. */
 template <std::size_t Size>

@@ -38,7 +38,8 @@ BOARD_API std::int32_t JidaBoardClose(std::uint32_t handle)
 BOARD_API std::int32_t JidaBoardGetInfoW(std::uint32_t handle, void *info)
 {
     return board.getInfo<JidaBoardInfo>(handle, info, [](JidaBoardInfo &record) {
-        return readText("name", record.name) && readDate(record.manufacturingDate) &&
+        return readText("name", record.name) &&
+               readDate("manufacturingDate", record.manufacturingDate) &&
                readText("serialNumber", record.serialNumber) &&
                readNumber("hardwareRevision", record.hardwareRevision) &&
                readNumber("firmwareRevision", record.firmwareRevision);
