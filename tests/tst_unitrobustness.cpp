@@ -1,0 +1,372 @@
+#include "frame/DeviceHandle.h"
+#include "tests/support/hexFile.h"
+#include "virtualunit/VirtualUnit.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sqlite3.h>
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace {
+
+constexpr int startTimeout = 30'000; // milliseconds; sanitizers and a busy machine are slow
+
+QString fromBytes(const std::string &text)
+{
+    return QString::fromUtf8(text.data(), int(text.size()));
+}
+
+/// SQLite's own judgement on a file.
+QString integrity(const QString &file)
+{
+    sqlite3 *database = nullptr;
+    QString answer;
+    const auto note = [](void *out, int, char **values, char **) {
+        *static_cast<QString *>(out) += QString::fromUtf8(values[0]);
+        return 0;
+    };
+    sqlite3_open_v2(QFile::encodeName(file), &database, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_busy_timeout(database, startTimeout);
+    if (sqlite3_exec(database, "PRAGMA integrity_check", note, &answer, nullptr) != SQLITE_OK)
+        answer = QString::fromUtf8(sqlite3_errmsg(database));
+    sqlite3_close(database);
+    return answer;
+}
+
+/// One operation of each family, as what the unit's file is to them all.
+std::vector<std::pair<QString, DeviceCode>> callEachFamily()
+{
+    std::vector<std::pair<QString, DeviceCode>> codes;
+    uint8_t byte = 7;
+    uint16_t word = 7;
+    int16_t celsius = 7;
+    int32_t number = 7;
+    uint32_t windows[3] = {};
+    double volts = 7;
+    char text[32] = "as it was";
+    DiagnosticTimes times{};
+    const auto call = [&codes](const char *name, auto operation, const auto &handle, auto... rest) {
+        codes.emplace_back(QString::fromLatin1(name), operation(handle, rest...));
+    };
+#define CALL(Family, operation, ...)                   \
+    call(#Family "_" #operation, Family##_##operation, \
+        DeviceHandle<Family##_create, Family##_release>() __VA_OPT__(, ) __VA_ARGS__)
+    CALL(Hardware, getMainPcbSerial, text, uint32_t(sizeof text));
+    CALL(Hardware, getCanCount, &byte);
+    CALL(Hardware, hasDisplay, &byte);
+    CALL(Adc, getVoltage, 0U, &volts);
+    CALL(Versions, getFPGAVersion, &byte, &byte, &byte, &byte);
+    CALL(Backlight, getIntensity, &byte);
+    CALL(Backlight, setIntensity, uint8_t(1));
+    CALL(Backlight, getAutomaticBLFilter, &windows[0], &windows[1], &windows[2], &number);
+    CALL(Buzzer, getVolume, &word);
+    CALL(Buzzer, setTrigger, true);
+    CALL(Can, getBaudrate, uint8_t(1), &word);
+    CALL(Config, getHeatingTempLimit, &celsius);
+    CALL(Config, setPowerOnStartup, 1);
+    CALL(Power, getVideoPowerStatus, &byte);
+    CALL(Diagnostics, getPMTemp, uint8_t(0), &celsius, &number);
+    CALL(Diagnostics, getTimers, &times);
+    CALL(Smart, getDeviceSerial, text, uint32_t(sizeof text));
+    CALL(DigIO, setDigIO, uint8_t(3));
+    CALL(Firmware, startSSUpgrade, "none.hex", false);
+    CALL(FrontLED, setColor, uint8_t(1), uint8_t(2), uint8_t(3));
+    CALL(LightSensor, stopAverageCalc);
+    CALL(LightSensor, getIlluminance, &word);
+    CALL(Telematics, getAvailable, &number);
+    CALL(Touch, getMode, &number);
+    CALL(Battery, isAvailable, &byte);
+    CALL(Settings, getString, "VornsettingsGsmPort", text, uint32_t(sizeof text));
+    CALL(Settings, setString, "VornsettingsGsmPort", "COM9");
+#undef CALL
+    if (byte != 7 || word != 7 || celsius != 7 || number != 7 || qstrcmp(text, "as it was") != 0)
+        codes.emplace_back(QStringLiteral("an out value was written"), DEVICE_OK);
+    return codes;
+}
+
+} // namespace
+
+/** The unit's file under several processes, under kill -9, and when it is not what it should be. */
+class UnitRobustnessTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void survivesKilledWriters();
+    void survivesKilledProgrammers();
+    void servesSeveralProcesses();
+    void showsChangesOfOthersAtOnce();
+    void leavesBadFilesAlone_data();
+    void leavesBadFilesAlone();
+
+private:
+    static void start(QProcess &process, const QStringList &arguments);
+    void checkWholeValues();
+    QString unitFile() const { return folder->filePath(QStringLiteral("unit.sqlite")); }
+
+    std::unique_ptr<QTemporaryDir> folder;
+};
+
+void UnitRobustnessTest::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder->isValid());
+    qputenv("VORN_UNIT", QFile::encodeName(unitFile()));
+    QCOMPARE(fromBytes(virtualunit::open(unitFile().toStdString())), QString());
+}
+
+void UnitRobustnessTest::start(QProcess &process, const QStringList &arguments)
+{
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QStringLiteral(VORN_TEST_PROGRAMS "/unitwriter"), arguments);
+    QVERIFY2(process.waitForStarted(startTimeout), qPrintable(process.errorString()));
+}
+
+/// What unitwriter writes in one operation comes from one round.
+void UnitRobustnessTest::checkWholeValues()
+{
+    const DeviceHandle<Backlight_create, Backlight_release> backlight;
+    const DeviceHandle<FrontLED_create, FrontLED_release> led;
+    const DeviceHandle<Settings_create, Settings_release> settings;
+    uint32_t average = 0;
+    uint32_t reject = 0;
+    uint32_t delta = 0;
+    int32_t mode = 0;
+    QCOMPARE(Backlight_getAutomaticBLFilter(backlight, &average, &reject, &delta, &mode), 0);
+    QCOMPARE(reject, average);
+    QCOMPARE(delta, average);
+    QCOMPARE(uint32_t(mode), average % 3);
+    uint8_t red = 0;
+    uint8_t green = 0;
+    uint8_t blue = 0;
+    QCOMPARE(FrontLED_getColor(led, &red, &green, &blue), 0);
+    QCOMPARE(green, red);
+    QCOMPARE(blue, red);
+    char text[255] = {};
+    QCOMPARE(Settings_getString(settings, "unitwriter", text, sizeof text), 0);
+    QCOMPARE(QByteArray(text), QByteArray(200, text[0]));
+}
+
+void UnitRobustnessTest::survivesKilledWriters()
+{
+    QProcess first;
+    start(first, {QStringLiteral("write")});
+    QVERIFY(first.waitForReadyRead(startTimeout));
+    first.kill();
+    QVERIFY(first.waitForFinished(startTimeout));
+    for (int kills = 0; kills < 220; ++kills) {
+        QProcess writer;
+        start(writer, {QStringLiteral("write")});
+        QVERIFY(writer.waitForReadyRead(startTimeout));
+        // At any point of its work, so some of them while it writes to the disk.
+        QElapsedTimer timer;
+        timer.start();
+        const qint64 patience = QRandomGenerator::global()->bounded(3'000'000);
+        while (timer.nsecsElapsed() < patience) {
+        }
+        writer.kill();
+        QVERIFY(writer.waitForFinished(startTimeout));
+        checkWholeValues();
+        if (QTest::currentTestFailed())
+            return;
+        if (kills % 20 == 0)
+            QCOMPARE(integrity(unitFile()), QStringLiteral("ok"));
+    }
+    QCOMPARE(integrity(unitFile()), QStringLiteral("ok"));
+}
+
+void UnitRobustnessTest::survivesKilledProgrammers()
+{
+    const QString files[] = {
+        folder->filePath(QStringLiteral("a.hex")), folder->filePath(QStringLiteral("b.hex"))};
+    for (int i = 0; i < 2; ++i) {
+        QFile file(files[i]);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(support::hexFile(QByteArray(300'000, char('a' + i)), 0, 128));
+    }
+    QCOMPARE(virtualunit::set("Firmware.duration", "0"), std::string());
+    QStringList versions[2];
+    for (int kills = 0; kills < 20; ++kills) {
+        QProcess programmer;
+        start(programmer, {QStringLiteral("program"), files[kills % 2], files[1 - kills % 2]});
+        QVERIFY(programmer.waitForReadyRead(startTimeout));
+        QTest::qWait(QRandomGenerator::global()->bounded(15));
+        programmer.kill();
+        QVERIFY(programmer.waitForFinished(startTimeout));
+
+        // One of the two images is there, wholly, with its version.
+        int matching = 0;
+        for (int i = 0; i < 2; ++i) {
+            const DeviceHandle<Firmware_create, Firmware_release> firmware;
+            const auto path = files[i].toLatin1();
+            QCOMPARE(Firmware_startSSVerification(firmware, path.constData(), false), 0);
+            FirmwareUpgradeStatus status{};
+            while (status.state < FIRMWARE_DONE)
+                QCOMPARE(Firmware_getUpgradeStatus(firmware, &status, true), 0);
+            if (status.errorCode != 0)
+                continue;
+            ++matching;
+            std::string version;
+            QCOMPARE(virtualunit::get("Versions.ss", version), std::string());
+            versions[i] << fromBytes(version);
+            versions[i].removeDuplicates();
+        }
+        QCOMPARE(matching, 1);
+    }
+    for (const auto &seen : versions)
+        QVERIFY2(seen.size() <= 1, qPrintable(seen.join(QLatin1Char(' '))));
+    QCOMPARE(integrity(unitFile()), QStringLiteral("ok"));
+}
+
+void UnitRobustnessTest::servesSeveralProcesses()
+{
+    constexpr int last = 300;
+    std::array<QProcess, 3> writers;
+    QProcess rounds;
+    start(rounds, {QStringLiteral("write")});
+    QVERIFY(rounds.waitForReadyRead(startTimeout));
+    for (std::size_t i = 0; i < writers.size(); ++i) {
+        const auto key = QStringLiteral("key%1").arg(i);
+        start(writers[i], {QStringLiteral("count"), key, QString::number(last)});
+    }
+    while (writers[0].state() != QProcess::NotRunning) {
+        checkWholeValues();
+        if (QTest::currentTestFailed())
+            return;
+        writers[0].waitForFinished(1);
+    }
+    const DeviceHandle<Settings_create, Settings_release> settings;
+    for (std::size_t i = 0; i < writers.size(); ++i) {
+        QVERIFY(writers[i].state() == QProcess::NotRunning ||
+                writers[i].waitForFinished(startTimeout * 4));
+        QCOMPARE(writers[i].exitCode(), 0);
+        char text[32] = {};
+        const auto key = QStringLiteral("key%1").arg(i).toLatin1();
+        QCOMPARE(Settings_getString(settings, key.constData(), text, sizeof text), 0);
+        QCOMPARE(QByteArray(text), QByteArray::number(last));
+    }
+    QCOMPARE(rounds.state(), QProcess::Running);
+    rounds.kill();
+    QVERIFY(rounds.waitForFinished(startTimeout));
+}
+
+void UnitRobustnessTest::showsChangesOfOthersAtOnce()
+{
+    const DeviceHandle<Buzzer_create, Buzzer_release> buzzer;
+    uint16_t volume = 0;
+    for (const uint16_t wanted : {11, 12, 13, 49}) {
+        QCOMPARE(
+            QProcess::execute(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+                {QStringLiteral("set"), QStringLiteral("Buzzer.volume"), QString::number(wanted)}),
+            0);
+        QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
+        QCOMPARE(volume, wanted);
+    }
+    QCOMPARE(
+        QProcess::execute(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+            {QStringLiteral("fault"), QStringLiteral("Buzzer_getVolume"), QStringLiteral("-1")}),
+        0);
+    QCOMPARE(Buzzer_getVolume(buzzer, &volume), -1);
+}
+
+void UnitRobustnessTest::leavesBadFilesAlone_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"text", "zero bytes", "damaged middle", "cut", "foreign database",
+             "folder", "below a file"})
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+}
+
+void UnitRobustnessTest::leavesBadFilesAlone()
+{
+    QFETCH(QString, kind);
+    const QString file = folder->filePath(QStringLiteral("bad.sqlite"));
+    QString path = file;
+    if (kind == QLatin1String("folder")) {
+        QVERIFY(QDir().mkdir(file));
+    } else if (kind == QLatin1String("foreign database")) {
+        sqlite3 *database = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(file), &database), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(database,
+                     "CREATE TABLE letters(text); INSERT INTO letters VALUES('dear');", nullptr,
+                     nullptr, nullptr),
+            SQLITE_OK);
+        sqlite3_close(database);
+    } else {
+        // A sound unit first, all of it in its one file.
+        QCOMPARE(
+            QProcess::execute(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+                {QStringLiteral("--unit"), file, QStringLiteral("init"), QStringLiteral("full")}),
+            0);
+        QFile unit(file);
+        QVERIFY(unit.open(QIODevice::ReadWrite));
+        QVERIFY(unit.size() > 8192);
+        if (kind == QLatin1String("text")) {
+            unit.resize(0);
+            unit.write("Dear Sir or Madam,\nthis is no unit.\n");
+        } else if (kind == QLatin1String("zero bytes")) {
+            const auto size = unit.size();
+            unit.resize(0);
+            unit.resize(size);
+        } else if (kind == QLatin1String("damaged middle")) {
+            unit.seek(100);
+            unit.write(QByteArray(int(unit.size()) - 100, '\xA5'));
+        } else if (kind == QLatin1String("cut")) {
+            unit.resize(unit.size() / 2);
+        } else {
+            path = file + QLatin1String("/unit.sqlite");
+        }
+        unit.close();
+    }
+    const auto content = [&file] {
+        QFile bad(file);
+        return bad.open(QIODevice::ReadOnly) ? bad.readAll() : QByteArray();
+    };
+    const auto before = content();
+
+    const bool openSays = !virtualunit::open(path.toStdString()).empty();
+    for (const auto &[operation, code] : callEachFamily()) {
+        const QString what = QStringLiteral("%1 = %2 %3")
+                                 .arg(operation)
+                                 .arg(code)
+                                 .arg(QString::fromLatin1(deviceErrorText(code)));
+        QVERIFY2(code != 0 && code != 2 && code != 18 && code != 20, qPrintable(what));
+        QVERIFY2(what.contains(QLatin1String("state file")), qPrintable(what));
+    }
+    std::string value;
+    QVERIFY(openSays);
+    QVERIFY(!virtualunit::get("Buzzer.volume", value).empty());
+    QVERIFY(!virtualunit::set("Buzzer.volume", "1").empty());
+
+    for (const auto &arguments : {QStringList{QStringLiteral("list")},
+             QStringList{QStringLiteral("init"), QStringLiteral("basic")}}) {
+        QProcess tool;
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+            QStringList{QStringLiteral("--unit"), path} + arguments);
+        QVERIFY(tool.waitForFinished(startTimeout));
+        QCOMPARE(tool.exitCode(), 1);
+        QVERIFY(tool.readAllStandardError().startsWith("vornunit: "));
+    }
+    QCOMPARE(content(), before);
+    QCOMPARE(QFileInfo(file).isDir(), kind == QLatin1String("folder"));
+
+    // The library recovers as soon as it is given a sound file.
+    QCOMPARE(virtualunit::open(unitFile().toStdString()), std::string());
+    const DeviceHandle<Buzzer_create, Buzzer_release> buzzer;
+    uint16_t volume = 0;
+    QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
+}
+
+QTEST_GUILESS_MAIN(UnitRobustnessTest)
+#include "tst_unitrobustness.moc"
