@@ -49,6 +49,11 @@ Board load(const char *library, const char *const *names)
     return board;
 }
 
+int recordSize(bool jida)
+{
+    return jida ? 464 : 304;
+}
+
 /// The fields by their offsets in bytes, as the vendors publish them.
 QString text(const QByteArray &record, int offset)
 {
@@ -105,11 +110,11 @@ void BoardsTest::vendors()
 #define FETCH_BOARD()                                                              \
     QFETCH(bool, jida);                                                            \
     const auto board = load(jida ? "jida" : "Cgos", jida ? jidaNames : cgosNames); \
-    const int size = jida ? 464 : 304
+    [[maybe_unused]] const int size = recordSize(jida)
 
 QByteArray BoardsTest::info(const Board &board, bool jida)
 {
-    const std::uint32_t size = jida ? 464 : 304;
+    const auto size = std::uint32_t(recordSize(jida));
     // At an odd address, and with guards on both sides.
     QByteArray memory(int(size) + 2, '\xA5');
     std::memcpy(memory.data() + 1, &size, sizeof size);
@@ -174,7 +179,6 @@ void BoardsTest::cutsLongTexts()
 void BoardsTest::opensItsOwnBoardOnly()
 {
     FETCH_BOARD();
-    Q_UNUSED(size);
     QVERIFY(board.initialise() != 0);
     std::uint32_t handle = 0;
     QVERIFY(board.openByName(jida ? u"CCR6" : u"BQ77", &handle) != 0);
@@ -202,7 +206,7 @@ void BoardsTest::refusesWrongRecords()
     std::uint32_t handle = 0;
     QVERIFY(board.open(0, 0, 0, &handle) != 0);
     QCOMPARE(board.getInfo(handle, nullptr), 0);
-    for (const int wrong : {0, size - 1, size + 1, jida ? 304 : 464, -1}) {
+    for (const int wrong : {0, size - 1, size + 1, recordSize(!jida), -1}) {
         QByteArray record(1000, '\xA5');
         std::memcpy(record.data(), &wrong, sizeof wrong);
         const auto before = record;

@@ -35,7 +35,7 @@ QString integrity(const QString &file)
         *static_cast<QString *>(out) += QString::fromUtf8(values[0]);
         return 0;
     };
-    sqlite3_open_v2(QFile::encodeName(file), &database, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_open_v2(QFile::encodeName(file).constData(), &database, SQLITE_OPEN_READWRITE, nullptr);
     sqlite3_busy_timeout(database, startTimeout);
     if (sqlite3_exec(database, "PRAGMA integrity_check", note, &answer, nullptr) != SQLITE_OK)
         answer = QString::fromUtf8(sqlite3_errmsg(database));
@@ -265,13 +265,13 @@ void UnitRobustnessTest::showsChangesOfOthersAtOnce()
 {
     const DeviceHandle<Buzzer_create, Buzzer_release> buzzer;
     uint16_t volume = 0;
-    for (const uint16_t wanted : {11, 12, 13, 49}) {
+    for (const int wanted : {11, 12, 13, 49}) {
         QCOMPARE(
             QProcess::execute(QStringLiteral(VORN_BIN_DIR "/vornunit"),
                 {QStringLiteral("set"), QStringLiteral("Buzzer.volume"), QString::number(wanted)}),
             0);
         QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
-        QCOMPARE(volume, wanted);
+        QCOMPARE(int(volume), wanted);
     }
     QCOMPARE(
         QProcess::execute(QStringLiteral(VORN_BIN_DIR "/vornunit"),
@@ -297,7 +297,7 @@ void UnitRobustnessTest::leavesBadFilesAlone()
         QVERIFY(QDir().mkdir(file));
     } else if (kind == QLatin1String("foreign database")) {
         sqlite3 *database = nullptr;
-        QCOMPARE(sqlite3_open(QFile::encodeName(file), &database), SQLITE_OK);
+        QCOMPARE(sqlite3_open(QFile::encodeName(file).constData(), &database), SQLITE_OK);
         QCOMPARE(sqlite3_exec(database,
                      "CREATE TABLE letters(text); INSERT INTO letters VALUES('dear');", nullptr,
                      nullptr, nullptr),
