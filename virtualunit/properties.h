@@ -440,6 +440,8 @@ inline constexpr auto specs = std::to_array<Spec>({
     battery(version("Battery.swVersion", 65535, "1.0.9.214", "software version")),
     battery(text("Battery.serialNumber", "BP24-22013-0088", "serial number")),
 
+    integer("Firmware.duration", 0, 600000, 4000, "ms", "time that a firmware job takes"),
+
     // What the board vendors' libraries tell.
     text("CpuBoard.name", "CCR6", "name of the CPU board"),
     text("CpuBoard.subName", "CCR6-i3", "sub name of the CPU board"),
