@@ -1,10 +1,40 @@
-#include <QApplication>
-#include <QMainWindow>
+#include "frame/graphicalMode.h"
+#include "platform/platform.h"
+#include "report/factoryDefaults.h"
+#include "report/systemReport.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cstring>
+
+namespace {
+
+/** The modes without a window keep the standard error stream for the device's failures: nobody is
+ *  there to act on what the toolkit thinks of the user's locale. */
+void dropToolkitWarnings(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        platform::printErrorLine(message);
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
-    QApplication application(argc, argv);
-    QMainWindow window;
-    window.show();
-    return application.exec();
+    platform::ensureStandardStreams();
+
+    if (argc == 3 && std::strcmp(argv[1], "--systemreport") == 0) {
+        qInstallMessageHandler(dropToolkitWarnings);
+        QCoreApplication application(argc, argv);
+        writeSystemReport(QFile::decodeName(argv[2]));
+        return 0;
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--factorydefault") == 0) {
+        qInstallMessageHandler(dropToolkitWarnings);
+        QCoreApplication application(argc, argv);
+        applyFactoryDefaults();
+        return 0;
+    }
+    return runGraphicalMode(argc, argv);
 }

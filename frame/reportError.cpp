@@ -1,5 +1,8 @@
 #include "frame/reportError.h"
 
+#include "platform/platform.h"
+
+#include <QApplication>
 #include <QMessageBox>
 
 QString errorText(std::int32_t code, const char *operation)
@@ -13,9 +16,14 @@ void reportError(std::int32_t code, const char *operation)
 {
     if (code == DEVICE_OK || code == DEVICE_NOT_SUPPORTED)
         return;
+    const QString text = errorText(code, operation);
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance())) {
+        platform::printErrorLine(text);
+        return;
+    }
     QMessageBox box;
     box.setWindowTitle(QStringLiteral("Vornsettings"));
-    box.setText(errorText(code, operation));
+    box.setText(text);
     box.setIcon(QMessageBox::Critical);
     box.exec();
 }

@@ -1,9 +1,82 @@
 #pragma once
 
+#include <QString>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
 /** The operating system, in the words of the program. */
 namespace platform {
 
-/** Stands still for that many milliseconds; no events are handled meanwhile. */
+/**
+ * Makes sure that the standard streams are open and that a reader who goes away ends nothing. Comes
+ * first in main(): else the next file that is opened gets the number of a closed stream, and a
+ * message would be written into a report or into the unit's memory.
+ */
+void ensureStandardStreams();
+
+/** Writes one line to the standard error stream, in the encoding of the user's terminal. Failures
+ *  are ignored, there being nowhere left to tell them. */
+void printErrorLine(const QString &line);
+
+/** Shows a plain box with an OK button and waits until it is closed. In a run without windows it
+ *  becomes an error line, and nothing waits. Main thread only. */
+void showBlockingMessage(const QString &title, const QString &text);
+
+/** Stands still for that many milliseconds, signals or not; no events are handled meanwhile. */
 void pause(int milliseconds);
+
+/** What the program wants to know of the computer's BIOS data. */
+enum class BiosValue {
+    BaseBoardProduct, ///< name of the CPU board
+    SystemBiosVersion ///< version of the BIOS, first text if there are several
+};
+
+/**
+ * A text of the BIOS data, nothing if there is none or if it is longer than 126 characters.
+ *
+ * Linux: the files board_name and bios_version of /sys/class/dmi/id, or of the folder that the
+ * environment variable VORN_DMI_DIR names. The files are Latin-1; one line end at the end is not
+ * part of the value.
+ */
+std::optional<std::u16string> biosText(BiosValue value);
+
+/** "Thu Jan  1 01:00:00 1970\n" for seconds since 1970, in local time and always in English. Where
+ *  the system can't represent the time only the line feed is left. Main thread only. */
+std::string timeStampLine(std::int64_t secondsSince1970);
+
+/** Log file of the hardware service. Linux: in /var/log, or in the folder that the environment
+ *  variable VORN_LOG_DIR names. */
+std::filesystem::path hardwareErrorLog();
+
+/** Log file of the device library, in the program's folder. */
+std::filesystem::path deviceServiceLog();
+
+/**
+ * A library that is loaded at run time, for as long as this object lives.
+ *
+ * It is named as on Windows. Linux: "jida.dll" is libjida.so, looked for in the program's folder,
+ * in the folder of the loaded device library and where the system looks for libraries.
+ */
+class DynamicLibrary
+{
+public:
+    explicit DynamicLibrary(const char *windowsName);
+    ~DynamicLibrary();
+    DynamicLibrary(const DynamicLibrary &) = delete;
+    DynamicLibrary &operator=(const DynamicLibrary &) = delete;
+
+    bool isLoaded() const { return handle != nullptr; }
+
+    /** A procedure of any type, to be cast to its own; null if the library has none of that name.
+     */
+    using Procedure = void (*)();
+    Procedure procedure(const char *name) const;
+
+private:
+    void *handle = nullptr;
+};
 
 } // namespace platform

@@ -1,0 +1,117 @@
+#include "report/systemReport.h"
+
+#include "frame/DeviceHandle.h"
+#include "platform/platform.h"
+#include "report/formatters.h"
+#include "report/sections.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct VersionRow {
+    const char *name;
+    DeviceCode (*read)(
+        VersionsHandle, std::uint8_t *, std::uint8_t *, std::uint8_t *, std::uint8_t *);
+};
+
+constexpr VersionRow versionRows[] = {
+    {"Vornaux API", Versions_getVornAuxVersion},
+    {"Vornaux Driver", Versions_getVornAuxDrvVersion},
+    {"FPGA", Versions_getFPGAVersion},
+    {"Front uc", Versions_getFrontVersion},
+    {"System Supervisor", Versions_getSSVersion},
+    {"OS version", Versions_getOSVersion},
+};
+
+QString versionLines()
+{
+    const DeviceHandle<Versions_create, Versions_release> versions;
+    QString text = QStringLiteral("Vornsettings v" VORN_VERSION "\n");
+    for (const VersionRow &row : versionRows) {
+        std::uint8_t major = 0;
+        std::uint8_t minor = 0;
+        std::uint8_t release = 0;
+        std::uint8_t build = 0;
+        const DeviceCode code = row.read(versions, &major, &minor, &release, &build);
+        text += formatVersionLine(row.name, major, minor, release, build, code);
+    }
+    return text;
+}
+
+QString banner(const char *title)
+{
+    return QStringLiteral("\n------------------  ") + QString::fromLatin1(title) +
+           QStringLiteral("  ------------------\n");
+}
+
+/** Appends one log file, each line with a plain line feed. A file that can't be opened leaves no
+ *  trace; only regular files count as openable, since a pipe could wait for ever. */
+void addLog(QString &text, const std::filesystem::path &path, const char *header)
+{
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error))
+        return;
+    std::vector<char> buffer(1 << 16); // outlives the stream
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    file.open(path, std::ios::binary);
+    if (!file.is_open())
+        return;
+    text += QString::fromLatin1(header);
+
+    // Logs may be large: growing step by step would need the memory twice.
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!error)
+        text.reserve(text.size() + static_cast<decltype(text.size())>(size) + 1024);
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        text += QLatin1String(line.data(), line.data() + line.size());
+        text += QLatin1Char('\n');
+    }
+}
+
+} // namespace
+
+QString generateSystemReport()
+{
+    const QString started = QDateTime::currentDateTime().toString(Qt::TextDate);
+    QString text = QStringLiteral("\nSystem report generated on: %1\n").arg(started);
+    text += banner("SW Versions") + versionLines();
+    text += banner("EEPROM data") + eepromDataText();
+    text += banner("Diagnostic data") + diagnosticDataText();
+    text += banner("ADC data") + adcDataText();
+    text += banner("CPU board data") + cpuBoardDataText();
+    text += banner("Settings") + settingsDataText();
+    text += banner("Log Files");
+    addLog(text, platform::hardwareErrorLog(), "\n\nFile:HardwareErrorLog.log:\n");
+    addLog(text, platform::deviceServiceLog(), "\n\nFile:VornAuxService.log:\n");
+    text += banner("End of report");
+    return text;
+}
+
+void writeReportText(QIODevice &device, const QString &text)
+{
+    // Piece by piece, so that a large report isn't held twice.
+    constexpr int pieceLength = 1 << 16;
+    for (auto start = text.size() * 0; start < text.size(); start += pieceLength) {
+        const QByteArray piece = text.mid(start, pieceLength).toLatin1();
+        if (device.write(piece) != piece.size())
+            return;
+    }
+}
+
+void writeSystemReport(const QString &fileName)
+{
+    QFile file(fileName);
+    if (fileName.isEmpty() || !file.open(QIODevice::WriteOnly))
+        return;
+    writeReportText(file, generateSystemReport());
+}
