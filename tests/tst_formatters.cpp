@@ -77,8 +77,7 @@ void tst_formatters::failure_data()
     }
 
     const std::pair<const char *, Formatter> settings[] = {
-        {"version",
-            [](DeviceCode code) { return formatVersionLine("Name", 1, 2, 3, 4, code); }},
+        {"version", [](DeviceCode code) { return formatVersionLine("Name", 1, 2, 3, 4, code); }},
         {"int", [](DeviceCode code) { return formatIntLine("Name", 1, code); }},
         {"double", [](DeviceCode code) { return formatDoubleLine("Name", 1.5, code); }},
         {"enabled", [](DeviceCode code) { return formatEnabledLine("Name", 1, code); }},
@@ -100,9 +99,8 @@ void tst_formatters::failure_data()
     QTest::newRow("button configuration, not available")
         << formatButtonConfigLine(18, "Name", 4)
         << latin1("Name: ") + errorText(18) + QLatin1Char('\n');
-    QTest::newRow("button configuration, 5")
-        << formatButtonConfigLine(5, "Name", 1)
-        << latin1("Name: ") + errorText(5) + QLatin1Char('\n');
+    QTest::newRow("button configuration, 5") << formatButtonConfigLine(5, "Name", 1)
+                                             << latin1("Name: ") + errorText(5) + QLatin1Char('\n');
 }
 
 void tst_formatters::failure()
@@ -166,8 +164,7 @@ void tst_formatters::success_data()
     row("trigger 3", formatStartupTriggerLine("T", 3, 0),
         "T: Both Front button and OnOff signal\n");
     for (const int undefined : {0, 4, -1})
-        row("trigger, other", formatStartupTriggerLine("T", undefined, 0),
-            "T: Undefined value\n");
+        row("trigger, other", formatStartupTriggerLine("T", undefined, 0), "T: Undefined value\n");
     row("action 0", formatButtonActionLine("A", 0, 0), "A: NoAction\n");
     row("action 1", formatButtonActionLine("A", 1, 0), "A: Suspend\n");
     row("action 2", formatButtonActionLine("A", 2, 0), "A: ShutDown\n");
@@ -207,8 +204,7 @@ void tst_formatters::text_isTakenAsItStands()
     QCOMPARE(formatConnectionsLine(0, "%1", 3), latin1("Number of %1 connections: 3\n"));
     QCOMPARE(formatMountedLine(18, "%1", true), latin1("%1 device mounted: N/A\n"));
     QCOMPARE(formatIntLine("%1 %2", 7, 0), latin1("%1 %2: 7\n"));
-    QCOMPARE(
-        formatIntLine("%3", 7, 5), latin1("%3: ") + errorText(5) + QLatin1Char('\n'));
+    QCOMPARE(formatIntLine("%3", 7, 5), latin1("%3: ") + errorText(5) + QLatin1Char('\n'));
 }
 
 void tst_formatters::number_isQtsGeneralFormat_data()

@@ -1,0 +1,93 @@
+#include "tests/support/ProgramTree.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace support {
+
+ProgramTree::ProgramTree(const QString &deviceLibrary)
+    : environment(QProcessEnvironment::systemEnvironment())
+{
+    for (const char *name : {"bin", "lib", "dmi", "log"})
+        QDir().mkpath(path(QString::fromLatin1(name)));
+    putIn(QStringLiteral(VORN_BIN_DIR "/VornSettings"), QStringLiteral("bin/VornSettings"));
+    putIn(deviceLibrary, QStringLiteral("lib/libVornAux2.so"));
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "LD_LIBRARY_PATH"})
+        environment.remove(QString::fromLatin1(name));
+    environment.insert(QStringLiteral("VORN_DMI_DIR"), path(QStringLiteral("dmi")));
+    environment.insert(QStringLiteral("VORN_LOG_DIR"), path(QStringLiteral("log")));
+    environment.insert(QStringLiteral("VORN_UNIT"), path(QStringLiteral("unit")));
+}
+
+QString ProgramTree::path(const QString &name) const
+{
+    return folder.filePath(name);
+}
+
+QString ProgramTree::putIn(const QString &file, const QString &name) const
+{
+    const QString copy = path(name);
+    QFile::remove(copy);
+    if (!QFile::copy(file, copy))
+        qFatal("no file %s", qPrintable(file));
+    return copy;
+}
+
+void ProgramTree::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("can't write %s", qPrintable(name));
+}
+
+QByteArray ProgramTree::read(const QString &name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void ProgramTree::prepare(QProcess &process) const
+{
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder.path());
+}
+
+Run ProgramTree::run(const QStringList &arguments) const
+{
+    return runOther(program(), arguments);
+}
+
+Run ProgramTree::runOther(const QString &name, const QStringList &arguments) const
+{
+    QProcess process;
+    prepare(process);
+    process.start(name, arguments);
+    Run run;
+    const bool ended = process.waitForFinished(60'000);
+    run.endedNormally = ended && process.exitStatus() == QProcess::NormalExit;
+    run.exitCode = process.exitCode();
+    run.output = process.readAllStandardOutput();
+    run.errors = process.readAllStandardError();
+    return run;
+}
+
+QByteArray ProgramTree::report() const
+{
+    run({QStringLiteral("--systemreport"), path(QStringLiteral("report.txt"))});
+    const QByteArray text = read(QStringLiteral("report.txt"));
+    return text.mid(text.indexOf('\n', 1) + 1);
+}
+
+QByteArray section(const QByteArray &report, const char *title)
+{
+    const QByteArray banner =
+        QByteArray("\n------------------  ") + title + "  ------------------\n";
+    const auto start = report.indexOf(banner);
+    if (start < 0)
+        return "no such banner";
+    const auto text = start + banner.size();
+    const auto end = report.indexOf("\n------------------  ", text - 1);
+    return report.mid(text, end < 0 ? -1 : end - text);
+}
+
+} // namespace support

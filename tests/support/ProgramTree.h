@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace support {
+
+/** What a run of a program left. */
+struct Run {
+    bool endedNormally = false;
+    int exitCode = -1;
+    QByteArray output; ///< standard output
+    QByteArray errors; ///< standard error stream
+};
+
+/**
+ * The program as it is installed, in a temporary folder: bin/VornSettings beside lib/ with the
+ * device library, dmi/ for BIOS data, log/ for the hardware service's log. Libraries and logs can
+ * be put in without disturbing another test. Runs there have neither a display nor a user's unit.
+ */
+class ProgramTree
+{
+public:
+    /** @param deviceLibrary a file that becomes lib/libVornAux2.so */
+    explicit ProgramTree(const QString &deviceLibrary);
+
+    /** A path below the tree. */
+    QString path(const QString &name) const;
+    /** Copies a file into the tree; the path is the copy's. */
+    QString putIn(const QString &file, const QString &name) const;
+    void write(const QString &name, const QByteArray &content) const;
+    QByteArray read(const QString &name) const;
+
+    /** Environment of the runs, to be changed as a test needs. */
+    QProcessEnvironment environment;
+
+    /** Runs the program to its end. */
+    Run run(const QStringList &arguments) const;
+    /** Runs another program in the same surroundings. */
+    Run runOther(const QString &program, const QStringList &arguments) const;
+    /** Runs the report mode and gives what it wrote, from the second line feed on: without the
+     *  line that holds the time. */
+    QByteArray report() const;
+
+    /** Readies a process for this tree without starting it. */
+    void prepare(QProcess &process) const;
+    QString program() const { return path(QStringLiteral("bin/VornSettings")); }
+
+private:
+    QTemporaryDir folder;
+};
+
+/** The part of a report between the banner of that title and the next banner. */
+QByteArray section(const QByteArray &report, const char *title);
+
+} // namespace support

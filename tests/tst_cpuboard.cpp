@@ -1,0 +1,218 @@
+#include "report/BoardType.h"
+#include "tests/support/ProgramTree.h"
+
+#include <QtTest>
+
+using support::ProgramTree;
+using support::Run;
+
+namespace {
+
+QString tiny(const QString &file)
+{
+    return QStringLiteral(VORN_TINYUNIT_DIR "/") + file;
+}
+
+const QByteArray jidaInfo = "Board name: Board %1\n"
+                            "Manufacturing Date: 2011.12.31\n"
+                            "Serial Number: SN-0001\n"
+                            "Hardware Revision: 16689\n"
+                            "Firmware Revision: 65535\n";
+const QByteArray cgosInfo = "Board name: Board %1\n"
+                            "Board sub name: Sub \xB5\n"
+                            "Manufacturing Date: 2011.12.31\n"
+                            "Serial Number: SN-0001\n"
+                            "Part Number: PN 220\n"
+                            "EAN: EAN4567890123456789012\n"
+                            "Product Revision: A.1\n"
+                            "System BIOS Revision: 65535\n";
+const QByteArray bios = "\nBIOS version: BIOS 1.2 \xE9\n";
+const QByteArray missing = "failed to LoadLibrary(\"jida.dll\")\n";
+
+} // namespace
+
+/** The CPU board section of the real program, with vendors' libraries of many makes beside it. */
+class tst_cpuboard : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void boardType_data();
+    void boardType();
+    void library_data();
+    void library();
+    void libraryIsFoundBesideTheDeviceLibrary();
+    void libraryIsFoundOnTheSearchPath();
+    void missingLibraryIsToldInABox();
+};
+
+void tst_cpuboard::boardType_data()
+{
+    QTest::addColumn<QByteArray>("product");
+    QTest::addColumn<bool>("readable");
+    QTest::addColumn<int>("type");
+    const auto row = [](const char *name, const QByteArray &product, int type) {
+        QTest::newRow(name) << product << true << type;
+    };
+    QTest::newRow("no file") << QByteArray() << false << 0;
+    row("empty", "\n", 0);
+    row("other", "Standard PC", 0);
+    row("whole name", "COMe-bIP6", 1);
+    row("whole name, line end", "COMe-bIP6\n", 1);
+    row("whole name, more behind", "COMe-bIP6 B", 0);
+    row("whole name, blank in front", " COMe-bIP6", 0);
+    row("whole name, two line ends", "COMe-bIP6\n\n", 0);
+    row("ChiefRiver", "ChiefRiver", 1);
+    row("ChiefRiver inside", "an Old ChiefRiver board", 1);
+    row("TS77", "TS77", 2);
+    row("TS77 inside", "xxTS77yy", 2);
+    row("case matters", "ts77", 0);
+    row("Aptio CRB", "Aptio CRB", 4);
+    row("TCA3", "congaTCA3\n", 4);
+    row("ChiefRiver before TS77", "TS77 ChiefRiver", 1);
+    row("TS77 before TCA3", "TCA3 TS77", 2);
+    row("text ends at zero", QByteArray("TCA3\0TS77", 9), 4);
+    row("longest", QByteArray(122, 'x') + "TS77\n", 2);
+    QTest::newRow("too long") << QByteArray(123, 'x') + "TS77\n" << false << 0;
+    QTest::newRow("far too long") << "TS77" + QByteArray(100'000, 'x') << false << 0;
+}
+
+void tst_cpuboard::boardType()
+{
+    QFETCH(QByteArray, product);
+    QFETCH(bool, readable);
+    QFETCH(int, type);
+    const QTemporaryDir folder;
+    qputenv("VORN_DMI_DIR", QFile::encodeName(folder.path()));
+    if (!product.isNull()) {
+        QFile file(folder.filePath(QStringLiteral("board_name")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(product);
+    }
+    // Untouched when there is nothing to read.
+    BoardType found = product.isNull() || !readable ? BOARD_CGOS : BOARD_UNRECOGNISED;
+    QCOMPARE(readBoardType(found), readable);
+    QCOMPARE(int(found), readable ? type : int(BOARD_CGOS));
+}
+
+void tst_cpuboard::library_data()
+{
+    QTest::addColumn<QByteArray>("product");
+    QTest::addColumn<QString>("installed");  // library of the tests
+    QTest::addColumn<QByteArray>("failing"); // procedure
+    QTest::addColumn<QByteArray>("section");
+    QTest::addColumn<QByteArrayList>("calls");
+    QTest::addColumn<QByteArray>("errors");
+
+    struct Vendor {
+        QByteArray name;
+        QByteArray info;
+        QByteArray recordCall;
+        QByteArray product;
+        QByteArray openCall;
+    };
+    const Vendor vendors[] = {
+        {"jida", jidaInfo, "info 0x4711 464", "unknown", "numbers 0 0 0"},
+        {"jida", jidaInfo, "info 0x4711 464", "COMe-bIP6", "name CCR6"},
+        {"cgos", cgosInfo, "info 0x4711 304", "TS77", "name BQ77"},
+        {"cgos", cgosInfo, "info 0x4711 304", "TCA3", "numbers 0 0 0"},
+    };
+    for (const Vendor &vendor : vendors) {
+        const QString complete = QStringLiteral("board_") + QString::fromLatin1(vendor.name);
+        const auto row = [&](const char *name, const QString &installed, const char *failing,
+                             const QByteArray &text, const QByteArrayList &calls,
+                             const QByteArray &errors = {}) {
+            QTest::addRow("%s, %s", vendor.product.constData(), name)
+                << vendor.product << installed << QByteArray(failing) << text << calls << errors;
+        };
+        const QByteArray open = vendor.openCall;
+        const QByteArray info = vendor.recordCall;
+        row("sound", complete, "", vendor.info + bios,
+            {"initialise", open, "open", info, "info", "uninitialise"});
+        row("initialise fails", complete, "initialise", bios, {"initialise", "uninitialise"});
+        row("open fails", complete, "open", "", {"initialise", open, "open", "uninitialise"});
+        row("info fails", complete, "info", bios,
+            {"initialise", open, "open", info, "info", "uninitialise"});
+        row("no library", QString(), "", "", {}, vendor.name == "jida" ? missing : QByteArray());
+        for (const char *role : {"INITIALISE", "UNINITIALISE", "OPEN_BY_NAME", "CLOSE", "GET_INFO"})
+            row(role, complete + QStringLiteral("_without_") + QString::fromLatin1(role), "", "",
+                {});
+    }
+    // The one procedure that only one vendor must have.
+    const QString jida = QStringLiteral("board_jida_without_OPEN");
+    const QString cgos = QStringLiteral("board_cgos_without_OPEN");
+    QTest::newRow("unknown, OPEN") << QByteArray("unknown") << jida << QByteArray() << QByteArray()
+                                   << QByteArrayList() << QByteArray();
+    QTest::newRow("COMe-bIP6, OPEN") << QByteArray("COMe-bIP6") << jida << QByteArray()
+                                     << QByteArray() << QByteArrayList() << QByteArray();
+    QTest::newRow("TS77, OPEN") << QByteArray("TS77") << cgos << QByteArray() << cgosInfo + bios
+                                << QByteArrayList{"initialise", "name BQ77", "open",
+                                       "info 0x4711 304", "info", "uninitialise"}
+                                << QByteArray();
+    QTest::newRow("TCA3, OPEN") << QByteArray("TCA3") << cgos << QByteArray() << QByteArray()
+                                << QByteArrayList{"initialise", "uninitialise"} << QByteArray();
+}
+
+void tst_cpuboard::library()
+{
+    QFETCH(QByteArray, product);
+    QFETCH(QString, installed);
+    QFETCH(QByteArray, failing);
+    QFETCH(QByteArray, section);
+    QFETCH(QByteArrayList, calls);
+    QFETCH(QByteArray, errors);
+
+    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
+    tree.write(QStringLiteral("dmi/board_name"), product);
+    tree.write(QStringLiteral("dmi/bios_version"), "BIOS 1.2 \xE9\n");
+    if (!installed.isEmpty())
+        tree.putIn(tiny(installed + QStringLiteral(".so")),
+            installed.contains(QLatin1String("jida")) ? QStringLiteral("bin/libjida.so")
+                                                      : QStringLiteral("bin/libCgos.so"));
+    tree.environment.insert(QStringLiteral("BOARD_FAIL"), QString::fromLatin1(failing));
+    tree.environment.insert(QStringLiteral("BOARD_LOG"), tree.path(QStringLiteral("calls")));
+
+    const Run run = tree.run({QStringLiteral("--systemreport"), QStringLiteral("report.txt")});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.errors, errors);
+    QCOMPARE(support::section(tree.read(QStringLiteral("report.txt")), "CPU board data"), section);
+    const QByteArray lines = calls.isEmpty() ? QByteArray() : calls.join('\n') + '\n';
+    QCOMPARE(tree.read(QStringLiteral("calls")), lines);
+}
+
+void tst_cpuboard::libraryIsFoundBesideTheDeviceLibrary()
+{
+    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
+    tree.write(QStringLiteral("dmi/board_name"), "TCA3");
+    tree.putIn(tiny(QStringLiteral("board_cgos.so")), QStringLiteral("lib/libCgos.so"));
+    QCOMPARE(support::section(tree.report(), "CPU board data"), cgosInfo);
+
+    // A file in the program's folder comes first.
+    tree.putIn(
+        tiny(QStringLiteral("board_cgos_without_OPEN.so")), QStringLiteral("bin/libCgos.so"));
+    QCOMPARE(support::section(tree.report(), "CPU board data"), QByteArray());
+}
+
+void tst_cpuboard::libraryIsFoundOnTheSearchPath()
+{
+    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
+    tree.putIn(tiny(QStringLiteral("board_jida.so")), QStringLiteral("log/libjida.so"));
+    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("log")));
+    QCOMPARE(support::section(tree.report(), "CPU board data"), jidaInfo);
+}
+
+void tst_cpuboard::missingLibraryIsToldInABox()
+{
+    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
+    tree.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("lib")));
+    const Run run = tree.runOther(tiny(QStringLiteral("boardbox")), {});
+    QVERIFY(!run.errors.contains("jida"));
+    QCOMPARE(run.output,
+        QByteArray("error|failed to LoadLibrary(\"jida.dll\")|icon 0|parent 0|OK\ntext ''\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_cpuboard)
+#include "tst_cpuboard.moc"

@@ -1,0 +1,415 @@
+#include "tests/support/ProgramTree.h"
+
+#include <QtTest>
+
+#include <sys/stat.h>
+
+using support::ProgramTree;
+using support::Run;
+
+namespace {
+
+const QString ours = QStringLiteral(VORN_LIB_DIR "/libVornAux2.so");
+const QString tiny = QStringLiteral(VORN_TINYUNIT_DIR "/libVornAux2.so");
+const QString reportMode = QStringLiteral("--systemreport");
+const QString resetMode = QStringLiteral("--factorydefault");
+const QString reportFile = QStringLiteral("report.txt");
+
+const char reportBanners[] = "SW Versions|EEPROM data|Diagnostic data|SMART data|ADC data|"
+                             "CPU board data|Settings|Log Files|End of report";
+
+/** Titles of a report's banners in their order. */
+QByteArray banners(const QByteArray &report)
+{
+    static const QRegularExpression banner(
+        QStringLiteral("\\n-{18}  (.*)  -{18}(?=\\n)"), QRegularExpression::MultilineOption);
+    QStringList titles;
+    auto matches = banner.globalMatch(QString::fromLatin1(report));
+    while (matches.hasNext())
+        titles << matches.next().captured(1);
+    return titles.join(QLatin1Char('|')).toLatin1();
+}
+
+/** The error lines of a reset that fails throughout, on a unit without CAN and video. */
+QByteArray resetErrors(const QByteArray &text)
+{
+    QByteArray lines;
+    for (const char *operation : {"setIntensity", "stopAutomaticBL", "setAutomaticBLParams",
+             "setAutomaticBLFilter", "setLedDimming", "setFrequency", "setVolume", "setTrigger",
+             "setExtFanStartupPowerConfig", "setExtOnOffSigTrigTime", "setFrontBtnTrigTime",
+             "setHeatingTempLimit", "setLongButtonPressAction", "setOnOffSigAction",
+             "setShortButtonPressAction", "setStartupTriggerConfig", "setStartupVoltageConfig",
+             "setSuspendMaxTime", "setPowerOnStartup", "setColor", "setEnabledDuringStartup",
+             "setIdleTime", "setNrOfPulses", "setOffTime", "setOnTime", "setOperatingRange",
+             "setBLPowerStatus", "setExtFanPowerStatus", "setMode", "setMode",
+             "setMouseRightClickTime", "setMode"})
+        lines += "Error(5) in " + QByteArray(operation) + ": " + text + '\n';
+    return lines;
+}
+
+} // namespace
+
+/** The real program, run as a user runs it, with our own unit and with others put in. */
+class tst_executable : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void report_isWritten();
+    void report_replacesFormerContent();
+    void report_toWhatCantBeOpened_data();
+    void report_toWhatCantBeOpened();
+    void report_toAFullDisk();
+    void report_isLatin1InEveryLocale_data();
+    void report_isLatin1InEveryLocale();
+    void report_withClosedStreams_data();
+    void report_withClosedStreams();
+    void report_startsWithItsTime();
+    void reset_needsNoDisplay();
+    void reset_tellsFailuresOnTheErrorStream();
+    void reset_outlivesItsReader();
+    void otherCommandLines_data();
+    void otherCommandLines();
+    void library_isReplacedBySearchPath();
+    void library_isReplacedByAnotherFile();
+    void library_mayFailWithAnyCode_data();
+    void library_mayFailWithAnyCode();
+    void logs_data();
+    void logs();
+    void logs_stayOutIfTheyAreNoFiles();
+    void logs_largerThanAnyBuffer();
+};
+
+void tst_executable::report_isWritten()
+{
+    const ProgramTree tree(ours);
+    const Run run = tree.run({reportMode, reportFile});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray());
+    const QByteArray report = tree.read(reportFile);
+    QCOMPARE(banners(report), QByteArray(reportBanners));
+    QVERIFY(report.startsWith("\nSystem report generated on: "));
+    QVERIFY(report.contains("------\nVornsettings v2.7.2.0\nVornaux API: v"));
+    QVERIFY(report.endsWith("\n------------------  Log Files  ------------------\n"
+                            "\n------------------  End of report  ------------------\n"));
+    QVERIFY(!report.contains('\r'));
+}
+
+void tst_executable::report_replacesFormerContent()
+{
+    const ProgramTree tree(tiny);
+    tree.write(reportFile, QByteArray(1'000'000, 'x'));
+    tree.run({reportMode, reportFile});
+    const QByteArray report = tree.read(reportFile);
+    QVERIFY(report.startsWith("\nSystem"));
+    QVERIFY(report.endsWith("  End of report  ------------------\n"));
+}
+
+void tst_executable::report_toWhatCantBeOpened_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("folder") << QStringLiteral("log");
+    QTest::newRow("missing folder") << QStringLiteral("nowhere/report.txt");
+    QTest::newRow("name too long") << QStringLiteral("x").repeated(5000);
+}
+
+void tst_executable::report_toWhatCantBeOpened()
+{
+    QFETCH(QString, path);
+    ProgramTree tree(ours);
+    tree.environment.insert(QStringLiteral("VORN_JOURNAL"), tree.path(QStringLiteral("journal")));
+    const Run run = tree.run({reportMode, path});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(tree.read(QStringLiteral("journal")), QByteArray());
+}
+
+void tst_executable::report_toAFullDisk()
+{
+    ProgramTree tree(tiny);
+    tree.write(QStringLiteral("log/HardwareErrorLog.log"), QByteArray(10'000'000, 'x'));
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("2"));
+    const Run run = tree.run({reportMode, QStringLiteral("/dev/full")});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.errors, QByteArray("failed to LoadLibrary(\"jida.dll\")\n"));
+}
+
+void tst_executable::report_isLatin1InEveryLocale_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const char *locale : {"C", "C.UTF-8", "POSIX", "de_DE.UTF-8", "ja_JP.SJIS", "none"})
+        QTest::newRow(locale) << QString::fromLatin1(locale);
+}
+
+void tst_executable::report_isLatin1InEveryLocale()
+{
+    QFETCH(QString, locale);
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("LC_ALL"), locale);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("5"));
+    tree.write(QStringLiteral("dmi/bios_version"), "\xE9\n");
+    tree.write(QStringLiteral("log/HardwareErrorLog.log"), "\x80\xC3\xA9\xFF\n");
+    const Run run = tree.run({reportMode, QStringLiteral("r\u00E9port \u20AC.txt")});
+    QCOMPARE(run.errors, QByteArray("failed to LoadLibrary(\"jida.dll\")\n"));
+    const QByteArray report = tree.read(QStringLiteral("r\u00E9port \u20AC.txt"));
+    QVERIFY(report.contains("Total run time above 80\xB0"
+                            "C: Error(5) tiny %1 caf\xE9 %2\xFF\n"));
+    QVERIFY(report.contains("File:HardwareErrorLog.log:\n\x80\xC3\xA9\xFF\n\n"));
+    QVERIFY(!report.contains("\xC2\xB0"));
+}
+
+void tst_executable::report_withClosedStreams_data()
+{
+    QTest::addColumn<QString>("closing");
+    QTest::newRow("all") << QStringLiteral("<&- >&- 2>&-");
+    QTest::newRow("input") << QStringLiteral("<&-");
+    QTest::newRow("output") << QStringLiteral(">&-");
+    QTest::newRow("errors") << QStringLiteral("2>&-");
+}
+
+void tst_executable::report_withClosedStreams()
+{
+    QFETCH(QString, closing);
+    const ProgramTree tree(tiny); // no board library: there is a line for the error stream
+    const QByteArray expected = tree.report();
+    QVERIFY(expected.contains("End of report"));
+    const Run run = tree.runOther(QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" ") + closing, tree.program(),
+            reportMode, QStringLiteral("closed.txt")});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    const QByteArray report = tree.read(QStringLiteral("closed.txt"));
+    QVERIFY(report.startsWith("\nSystem"));
+    QCOMPARE(report.mid(report.indexOf('\n', 1) + 1), expected);
+}
+
+void tst_executable::report_startsWithItsTime()
+{
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    tree.environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    tree.run({reportMode, reportFile});
+    const QDateTime after = QDateTime::currentDateTimeUtc();
+    const QString line =
+        QString::fromLatin1(tree.read(reportFile)).section(QLatin1Char('\n'), 1, 1);
+    const QString label = QStringLiteral("System report generated on: ");
+    QVERIFY(line.startsWith(label));
+    auto time = QLocale::c().toDateTime(
+        line.mid(label.size()).simplified(), QStringLiteral("ddd MMM d HH:mm:ss yyyy"));
+    time.setTimeSpec(Qt::UTC);
+    QVERIFY2(time.isValid(), qPrintable(line));
+    QVERIFY(time >= before.addSecs(-1) && time <= after);
+}
+
+void tst_executable::reset_needsNoDisplay()
+{
+    const ProgramTree tree(ours);
+    QElapsedTimer timer;
+    timer.start();
+    const Run run = tree.run({resetMode});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QVERIFY(timer.elapsed() >= 1600);
+}
+
+void tst_executable::reset_tellsFailuresOnTheErrorStream()
+{
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("5"));
+    const Run run = tree.run({resetMode});
+    QVERIFY(run.endedNormally);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, resetErrors(QString::fromLatin1("tiny %1 caf\xE9 %2\xFF").toLocal8Bit()));
+}
+
+void tst_executable::reset_outlivesItsReader()
+{
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("5"));
+    QProcess process;
+    tree.prepare(process);
+    process.start(tree.program(), {resetMode});
+    QVERIFY(process.waitForStarted());
+    process.closeReadChannel(QProcess::StandardError);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+}
+
+void tst_executable::otherCommandLines_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("window");
+    const QString file = reportFile;
+    QTest::newRow("none") << QStringList{} << true;
+    QTest::newRow("report without file") << QStringList{reportMode} << true;
+    QTest::newRow("report, two files") << QStringList{reportMode, file, file} << true;
+    QTest::newRow("reset, one more") << QStringList{resetMode, QStringLiteral("now")} << true;
+    QTest::newRow("reset, empty one more") << QStringList{resetMode, QString()} << true;
+    QTest::newRow("report in capitals") << QStringList{reportMode.toUpper(), file} << true;
+    QTest::newRow("reset in capitals") << QStringList{resetMode.toUpper()} << true;
+    QTest::newRow("unknown option") << QStringList{QStringLiteral("--help")} << true;
+    QTest::newRow("longer") << QStringList{reportMode + QLatin1Char('s'), file} << true;
+    QTest::newRow("shorter") << QStringList{QStringLiteral("--factorydefaul")} << true;
+    QTest::newRow("one dash") << QStringList{reportMode.mid(1), file} << true;
+    QTest::newRow("blank") << QStringList{reportMode + QLatin1Char(' '), file} << true;
+    QTest::newRow("exchanged") << QStringList{file, reportMode} << true;
+    QTest::newRow("toolkit option first")
+        << QStringList{QStringLiteral("-reverse"), reportMode, file} << true;
+    QTest::newRow("report") << QStringList{reportMode, file} << false;
+    QTest::newRow("report, odd file") << QStringList{reportMode, resetMode} << false;
+    QTest::newRow("reset") << QStringList{resetMode} << false;
+}
+
+void tst_executable::otherCommandLines()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, window);
+    ProgramTree tree(ours);
+    tree.environment.insert(QStringLiteral("VORN_JOURNAL"), tree.path(QStringLiteral("journal")));
+    // A window can't come up on this display, so asking for one ends the run.
+    tree.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nodisplay"));
+    const Run run = tree.run(arguments);
+    QCOMPARE(run.endedNormally && run.exitCode == 0, !window);
+    QCOMPARE(run.errors.contains("nodisplay"), window);
+    QCOMPARE(tree.read(QStringLiteral("journal")).isEmpty(), window);
+    QCOMPARE(QFile::exists(tree.path(reportFile)),
+        !window && arguments == QStringList({reportMode, reportFile}));
+}
+
+void tst_executable::library_isReplacedBySearchPath()
+{
+    ProgramTree tree(ours);
+    QVERIFY(!tree.report().contains("tiny"));
+    tree.putIn(tiny, QStringLiteral("log/libVornAux2.so"));
+    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("log")));
+    QVERIFY(tree.report().contains("\nVornaux API: Error(18) tiny error\n"));
+}
+
+void tst_executable::library_isReplacedByAnotherFile()
+{
+    const ProgramTree tree(ours);
+    QVERIFY(!tree.report().contains("tiny"));
+    tree.putIn(tiny, QStringLiteral("lib/libVornAux2.so"));
+    QVERIFY(tree.report().contains("\nVornaux API: Error(18) tiny error\n"));
+}
+
+void tst_executable::library_mayFailWithAnyCode_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QByteArray>("equipment");
+    QTest::addColumn<QByteArray>("setting");
+    const auto row = [](int code, const QByteArray &equipment, const QByteArray &outcome) {
+        QTest::addRow("%d", code) << code << equipment << outcome;
+    };
+    row(2, QByteArray(), "Error(2) tiny error");
+    row(18, "N/A", "Error(18) tiny error");
+    row(20, "Error(20) tiny error", "Error(20) tiny error");
+    row(5, "Error(5) tiny %1 caf\xE9 %2\xFF", "Error(5) tiny %1 caf\xE9 %2\xFF");
+    row(-1, "Error(-1) tiny error", "Error(-1) tiny error");
+}
+
+void tst_executable::library_mayFailWithAnyCode()
+{
+    QFETCH(int, code);
+    QFETCH(QByteArray, equipment);
+    QFETCH(QByteArray, setting);
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QString::number(code));
+    const QByteArray report = tree.report();
+    QCOMPARE(banners('\n' + report), QByteArray(reportBanners));
+
+    QByteArray rails = "ADC values\n";
+    for (const char *rail : {"24V in", "12V", "12V video", "5V", "3.3V", "TFT", "5V STB", "1.9V",
+             "1.8V", "1.5V", "1.2V", "1.05V", "1.0V", "0.9V", "SS VREF", "24V Backup", "2.5V",
+             "1.1V", "1.3V PER", "1.3V VDDA", "3V3 STBY", "VPMIC", "VMAIN"}) {
+        if (!equipment.isNull())
+            rails += QByteArray("Voltage ") + rail + ": " + equipment + '\n';
+    }
+    QCOMPARE(support::section(report, "ADC data"), rails);
+    QVERIFY(report.contains("\nVideoPowerStatus: " + setting + '\n'));
+    QVERIFY(report.contains("\ngetAutomaticBLParams: " + setting + "\n\nBuzzer:\n"));
+    QVERIFY(report.contains("\nTouchScreenMode: " + setting + "\n\nTelematics:\n"));
+    QVERIFY(report.contains("\nTelematics board available: " + setting +
+                            "\n\nBattery:\nExternal battery not available.\n\n"));
+}
+
+void tst_executable::logs_data()
+{
+    QTest::addColumn<QByteArray>("first");
+    QTest::addColumn<QByteArray>("second");
+    QTest::addColumn<QByteArray>("section");
+    const QByteArray firstHeader = "\n\nFile:HardwareErrorLog.log:\n";
+    const QByteArray secondHeader = "\n\nFile:VornAuxService.log:\n";
+    const auto row = [&](const char *name, const QByteArray &log, const QByteArray &copy) {
+        QTest::addRow("first, %s", name) << log << QByteArray() << firstHeader + copy;
+        QTest::addRow("second, %s", name) << QByteArray() << log << secondHeader + copy;
+    };
+    QTest::newRow("none") << QByteArray() << QByteArray() << QByteArray();
+    QTest::newRow("both") << QByteArray("a\n") << QByteArray("b")
+                          << firstHeader + "a\n" + secondHeader + "b\n";
+    row("empty", "", "");
+    row("one line", "one\n", "one\n");
+    row("no end", "one\ntwo", "one\ntwo\n");
+    row("DOS ends", "one\r\ntwo\r\n", "one\ntwo\n");
+    row("empty lines", "\n\r\n\n", "\n\n\n");
+    row("return inside", "a\rb\r\nc\n", "a\rb\nc\n");
+    row("two returns", "a\r\r\nb\n", "a\r\nb\n");
+    row("return at the end", "a\n\r", "a\n\n");
+    row("zero bytes", QByteArray("a\0b\n\0\n", 6), QByteArray("a\0b\n\0\n", 6));
+    row("place markers", "%1 %2\n", "%1 %2\n");
+    row("UTF-16 mark", "\xFF\xFE\x41\n", "\xFF\xFE\x41\n");
+    QByteArray all;
+    for (int byte = 0; byte < 256; ++byte)
+        all += char(byte);
+    row("all bytes", all, all + '\n');
+}
+
+void tst_executable::logs()
+{
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, second);
+    QFETCH(QByteArray, section);
+    const ProgramTree tree(tiny);
+    if (!first.isNull())
+        tree.write(QStringLiteral("log/HardwareErrorLog.log"), first);
+    if (!second.isNull())
+        tree.write(QStringLiteral("bin/VornAuxService.log"), second);
+    QCOMPARE(support::section(tree.report(), "Log Files"), section);
+}
+
+void tst_executable::logs_stayOutIfTheyAreNoFiles()
+{
+    const ProgramTree tree(tiny);
+    QVERIFY(QDir().mkdir(tree.path(QStringLiteral("log/HardwareErrorLog.log"))));
+    const QByteArray pipe = QFile::encodeName(tree.path(QStringLiteral("bin/VornAuxService.log")));
+    QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+    QCOMPARE(support::section(tree.report(), "Log Files"), QByteArray());
+}
+
+void tst_executable::logs_largerThanAnyBuffer()
+{
+    const ProgramTree tree(tiny);
+    QByteArray log;
+    QByteArray copy;
+    for (int length = 0; length < 3000; ++length) {
+        const QByteArray line(length, char('a' + length % 26));
+        log += line + (length % 2 ? "\r\n" : "\n");
+        copy += line + '\n';
+    }
+    tree.write(QStringLiteral("log/HardwareErrorLog.log"), log);
+    const QByteArray section = support::section(tree.report(), "Log Files");
+    QVERIFY(section == "\n\nFile:HardwareErrorLog.log:\n" + copy);
+}
+
+QTEST_GUILESS_MAIN(tst_executable)
+#include "tst_executable.moc"
