@@ -1,5 +1,7 @@
 #pragma once
 
+#include "frame/VornAux2.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QMessageBox>
