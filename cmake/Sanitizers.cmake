@@ -4,3 +4,9 @@ if(VORN_SANITIZE)
     add_compile_options(-fsanitize=${VORN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${VORN_SANITIZE})
 endif()
+
+# What tests find in their environment, so that a finding ends them and says where it is.
+set(VORN_SANITIZE_ENVIRONMENT
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+    "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+    "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp")
