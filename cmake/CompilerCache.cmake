@@ -3,7 +3,11 @@
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(launcher ${CMAKE_COMMAND} -E env
-        CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
+        CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM}) # as precompiled headers ask for
     set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
     set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fpch-preprocess>)
+    endif()
 endif()
