@@ -1,17 +1,18 @@
 #include "virtualunit/texts.h"
-#include "frame/VornAux2.h"
+
+#include "virtualunit/Operation.h"
 
 const char *deviceErrorText(int32_t code)
 {
-    return virtualunit::errorText(code);
+    return virtualunit::textCall(__func__, code, virtualunit::errorText(code));
 }
 
 const char *Diagnostics_startupReasonText(uint16_t reason)
 {
-    return virtualunit::startupReasonText(reason);
+    return virtualunit::textCall(__func__, reason, virtualunit::startupReasonText(reason));
 }
 
 const char *Diagnostics_hwErrorText(uint16_t status)
 {
-    return virtualunit::hardwareErrorText(status);
+    return virtualunit::textCall(__func__, status, virtualunit::hardwareErrorText(status));
 }
