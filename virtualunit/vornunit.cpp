@@ -63,7 +63,7 @@ void listProperties()
         std::cout << padded(property.name, nameWidth) << "  " << padded(property.value, valueWidth)
                   << "  " << property.description;
         if (!property.range.empty())
-            std::cout << " (" << property.range << ')';
+            std::cout << " [" << property.range << ']';
         std::cout << '\n';
     }
 }
