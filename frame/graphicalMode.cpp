@@ -1,12 +1,62 @@
 #include "frame/graphicalMode.h"
 
+#include "frame/VornSettings.h"
+
 #include <QApplication>
-#include <QMainWindow>
+#include <QFont>
+#include <QPalette>
+
+namespace {
+
+constexpr int textPixels = 13;
+
+// Every role, so that nothing of a desktop's theme remains.
+QPalette lightPalette()
+{
+    const QColor face(208, 208, 208);
+    const QColor amber(255, 194, 66);
+    const QColor faint(110, 110, 110);
+    QPalette palette(face, face);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+             QPalette::HighlightedText, QPalette::ToolTipText}) {
+        palette.setColor(role, Qt::black);
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(240, 240, 240));
+    palette.setColor(QPalette::Highlight, amber);
+    palette.setColor(QPalette::ToolTipBase, amber);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Link, QColor(0, 60, 160));
+    palette.setColor(QPalette::LinkVisited, QColor(90, 40, 120));
+    palette.setColor(QPalette::BrightText, Qt::white);
+    return palette;
+}
+
+} // namespace
+
+void setApplicationLook()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(lightPalette());
+    QFont font(QStringLiteral("Arial"));
+    font.setPixelSize(textPixels);
+    QApplication::setFont(font);
+}
 
 int runGraphicalMode(int &argc, char **argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+#endif
     QApplication application(argc, argv);
-    QMainWindow window;
+    setApplicationLook();
+    VornSettings window(nullptr, Qt::WindowFlags());
+    window.setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                          Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
     window.show();
     return application.exec();
 }
