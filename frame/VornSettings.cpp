@@ -17,10 +17,12 @@
 #include "report/tabAboutDlg.h"
 #include "telematics/tabTelematicsDlg.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QGraphicsOpacityEffect>
 #include <QIcon>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QVBoxLayout>
 
 namespace {
@@ -29,6 +31,12 @@ constexpr double dimmedOpacity = 0.5;
 constexpr QSize menuIconSize(60, 60);
 // Pages are as wide as the page area, and leave its rounded bottom edge free.
 constexpr QMargins pageMargins(0, 0, 0, 10);
+
+// Pages show the picture of their menu entry, by tab index.
+constexpr std::array<const char *, tabCount> pagePictures = {nullptr, "hwinfo.png",
+    "thermometer.png", "background.png", "energy.png", "heater.png", "kblackbox.png", "ksame.png",
+    "arts.png", "input_device.png", "chip.png", "package_settings.png", "Full.png", "tablet.png",
+    "exit.png", "Globe.png"};
 
 QString resource(const char *name)
 {
@@ -41,6 +49,12 @@ QString globalStyleSheet()
     const bool opened = file.open(QIODevice::ReadOnly);
     Q_ASSERT(opened); // it is part of the executable
     return opened ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// Forms load the plain picture alone; an icon knows its sharper variant too.
+void sharpen(QLabel *label, const char *picture)
+{
+    label->setPixmap(QIcon(resource(picture)).pixmap(label->pixmap(Qt::ReturnByValue).size()));
 }
 
 void dimByOpacity(QWidget *widget)
@@ -63,7 +77,20 @@ VornSettings::VornSettings(QWidget *parent, Qt::WindowFlags flags)
     ui->tabWidget->setLayout(layout);
     connect(static_cast<tabMenuDlg *>(tabs[menuTab]), &tabMenuDlg::tabSelectionChanged, this,
         &VornSettings::showTab);
+    if (qApp->devicePixelRatio() > 1)
+        sharpenPictures();
     showTab(menuTab);
+}
+
+void VornSettings::sharpenPictures()
+{
+    sharpen(ui->label, "logo.png");
+    for (size_t index = versionTab; index < tabs.size(); ++index) {
+        auto *icon =
+            tabs[index] ? tabs[index]->findChild<QLabel *>(QStringLiteral("icon")) : nullptr;
+        if (icon)
+            sharpen(icon, pagePictures[index]);
+    }
 }
 
 VornSettings::Features VornSettings::askFeatures()

@@ -64,6 +64,7 @@ private:
     void buildPages(const Features &has);
     template <typename Page>
     void addTabIf(bool present, int index, const MenuEntry &entry);
+    void sharpenPictures();
     static void dim(const MenuEntry &entry);
 
     Form<Ui::VornSettingsClass> ui{this};
