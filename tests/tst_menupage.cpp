@@ -1,0 +1,251 @@
+#include "frame/tabMenuDlg.h"
+#include "tests/support/DeviceTest.h"
+
+#include <QAccessible>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+
+namespace {
+
+struct Entry {
+    const char *button;
+    const char *picture;
+    const char *label;
+    const char *caption;
+    const char *slot;
+    int index;
+};
+
+// Row by row, five to a row.
+constexpr Entry entries[] = {
+    {"pushButtonVersion", "hwinfo.png", "label", "Version", "buttonVersionClicked()", 1},
+    {"pushButtonTemp", "thermometer.png", "label_2", "Temperature", "buttonTempClicked()", 2},
+    {"pushButtonDisplay", "background.png", "label_3", "Display", "buttonDisplayClicked()", 3},
+    {"pushButtonPower", "energy.png", "label_4", "Power", "buttonPowerClicked()", 4},
+    {"pushButtonSysConfig", "heater.png", "label_5", "Heater", "buttonSysConfigClicked()", 5},
+    {"pushButtonAbout", "kblackbox.png", "label_9", "About", "buttonAboutClicked()", 6},
+    {"pushButtonLed", "ksame.png", "label_7", "Led", "buttonLedClicked()", 7},
+    {"pushButtonBuzzer", "arts.png", "label_8", "Buzzer", "buttonBuzzerClicked()", 8},
+    {"pushButtonCAN", "input_device.png", "label_10", "CAN", "buttonCanClicked()", 9},
+    {"pushButtonDigIO", "package_settings.png", "label_11", "Digital I/O", "buttonDigIOClicked()",
+        11},
+    {"pushButtonTouch", "tablet.png", "label_13", "Touch", "buttonTouchClicked()", 13},
+    {"pushButton", "Full.png", "label_12", "Light sensor", "buttonLightSensorClicked()", 12},
+    {"pushButtonOnOffSettings", "exit.png", "label_14", "On/Off", "buttonOnOffSettingsClicked()",
+        14},
+    {"pushButtonAdvanced", "chip.png", "label_6", "Advanced", "buttonAdvancedClicked()", 10},
+    {"pushButtonTelematics", "Globe.png", "label_15", "Telematics", "buttonTelematicsClicked()",
+        15},
+};
+
+constexpr int columnX[] = {36, 148, 260, 372, 484};
+constexpr int labelY[] = {85, 190, 290};
+
+QString latin1(const char *text)
+{
+    return QLatin1String(text);
+}
+
+QImage picture(const QIcon &icon)
+{
+    return icon.pixmap(QSize(60, 60)).toImage();
+}
+
+QRect placeOn(const QWidget &page, const QWidget *widget)
+{
+    return {widget->mapTo(&page, QPoint()), widget->size()};
+}
+
+} // namespace
+
+class TestMenuPage : public DeviceTest
+{
+    Q_OBJECT
+
+private:
+    static void addEntries()
+    {
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < int(std::size(entries)); ++row)
+            QTest::newRow(entries[row].caption) << row;
+    }
+
+private slots:
+    void form()
+    {
+        tabMenuDlg page;
+        QCOMPARE(page.objectName(), QStringLiteral("tabMenu"));
+        QCOMPARE(page.windowTitle(), QStringLiteral("Menu"));
+        QCOMPARE(page.size(), QSize(600, 320));
+        QCOMPARE(page.sizePolicy().horizontalPolicy(), QSizePolicy::Preferred);
+        QCOMPARE(page.sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
+        QCOMPARE(page.findChildren<QPushButton *>().size(), 15);
+        QCOMPARE(page.findChildren<QLabel *>().size(), 15);
+        QCOMPARE(calls(), QStringList());
+    }
+
+    void grids_data()
+    {
+        QTest::addColumn<QString>("container");
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<QRect>("place");
+        QTest::newRow("first") << QStringLiteral("layoutWidget1") << QStringLiteral("gridLayout")
+                               << QRect(20, 13, 551, 68);
+        QTest::newRow("second") << QStringLiteral("layoutWidget2") << QStringLiteral("gridLayout_2")
+                                << QRect(20, 120, 551, 68);
+    }
+
+    void grids()
+    {
+        QFETCH(QString, container);
+        QFETCH(QString, layout);
+        QFETCH(QRect, place);
+        tabMenuDlg page;
+        const auto *widget = page.findChild<QWidget *>(container);
+        QVERIFY(widget);
+        QCOMPARE(widget->geometry(), place);
+        const auto *grid = widget->findChild<QGridLayout *>(layout);
+        QVERIFY(grid);
+        QCOMPARE(widget->layout(), grid);
+        QCOMPARE(grid->rowCount(), 1);
+        QCOMPARE(grid->columnCount(), 5);
+    }
+
+    void slotsInOrder()
+    {
+        const auto &meta = tabMenuDlg::staticMetaObject;
+        QStringList names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << QString::fromLatin1(meta.method(i).methodSignature());
+        const QStringList expected{QStringLiteral("tabSelectionChanged(int)"),
+            QStringLiteral("buttonVersionClicked()"), QStringLiteral("buttonTempClicked()"),
+            QStringLiteral("buttonDisplayClicked()"), QStringLiteral("buttonPowerClicked()"),
+            QStringLiteral("buttonSysConfigClicked()"), QStringLiteral("buttonAboutClicked()"),
+            QStringLiteral("buttonLedClicked()"), QStringLiteral("buttonBuzzerClicked()"),
+            QStringLiteral("buttonCanClicked()"), QStringLiteral("buttonAdvancedClicked()"),
+            QStringLiteral("buttonDigIOClicked()"), QStringLiteral("buttonLightSensorClicked()"),
+            QStringLiteral("buttonTouchClicked()"), QStringLiteral("buttonOnOffSettingsClicked()"),
+            QStringLiteral("buttonTelematicsClicked()")};
+        QCOMPARE(names, expected);
+    }
+
+    void entry_data() { addEntries(); }
+
+    void entry()
+    {
+        QFETCH(int, row);
+        const Entry &expected = entries[row];
+        tabMenuDlg page;
+        page.show();
+        const auto *button = support::child<QPushButton>(&page, expected.button);
+        QCOMPARE(button->text(), QString());
+        QCOMPARE(button->iconSize(), QSize(60, 60));
+        QCOMPARE(picture(button->icon()),
+            picture(QIcon(latin1(":/VornSettings/Resources/") + latin1(expected.picture))));
+        QVERIFY(!picture(button->icon()).isNull());
+        QCOMPARE(button->toolTip(), QString());
+        const QRect place = placeOn(page, button);
+        QCOMPARE(place.size(), QSize(66, 66));
+        QCOMPARE(place.x(), columnX[row % 5]);
+        if (row >= 10)
+            QCOMPARE(place.y(), 220);
+
+        const auto *label = support::child<QLabel>(&page, expected.label);
+        QCOMPARE(label->text(), latin1(expected.caption));
+        QCOMPARE(label->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
+        QCOMPARE(label->y(), labelY[row / 5]);
+        QCOMPARE(label->geometry().center().x(), place.center().x());
+        QVERIFY(label->geometry().top() > place.bottom());
+    }
+
+    void leadsToPage_data() { addEntries(); }
+
+    void leadsToPage()
+    {
+        QFETCH(int, row);
+        const Entry &expected = entries[row];
+        tabMenuDlg page;
+        QSignalSpy asked(&page, &tabMenuDlg::tabSelectionChanged);
+        page.show();
+        auto *button = support::child<QPushButton>(&page, expected.button);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(asked.constFirst(), QVariantList{expected.index});
+        QTest::keyClick(button, Qt::Key_Space);
+        QCOMPARE(asked.size(), 2);
+        const QByteArray slot = QByteArray(expected.slot).chopped(2);
+        QVERIFY(QMetaObject::invokeMethod(&page, slot.constData()));
+        QCOMPARE(asked.constLast(), QVariantList{expected.index});
+
+        button->setEnabled(false);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QTest::keyClick(button, Qt::Key_Space);
+        QCOMPARE(asked.size(), 3);
+        QCOMPARE(calls(), QStringList());
+    }
+
+    void everyPageOnce()
+    {
+        tabMenuDlg page;
+        QSignalSpy asked(&page, &tabMenuDlg::tabSelectionChanged);
+        page.show();
+        for (auto *button : page.findChildren<QPushButton *>())
+            QTest::mouseClick(button, Qt::LeftButton);
+        QList<int> indices;
+        for (const auto &arguments : asked)
+            indices << arguments.constFirst().toInt();
+        std::sort(indices.begin(), indices.end());
+        QCOMPARE(indices, (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
+    }
+
+    // A screen reader says the caption for the picture above it.
+    void accessibleNames_data() { addEntries(); }
+
+    void accessibleNames()
+    {
+        QFETCH(int, row);
+        tabMenuDlg page;
+        auto *button = support::child<QPushButton>(&page, entries[row].button);
+        auto *accessible = QAccessible::queryAccessibleInterface(button);
+        QVERIFY(accessible);
+        QCOMPARE(accessible->text(QAccessible::Name), latin1(entries[row].caption));
+        QCOMPARE(support::child<QLabel>(&page, entries[row].label)->buddy(), button);
+    }
+
+    // The page's own sheet, also over the grey of the frame's.
+    void buttonLook_data()
+    {
+        QTest::addColumn<QString>("outerSheet");
+        QTest::newRow("alone") << QString();
+        QTest::newRow("in the frame") << QStringLiteral(
+            "QPushButton:!on { background: blue; border: 1px solid red; font: 9px; }");
+    }
+
+    void buttonLook()
+    {
+        QFETCH(QString, outerSheet);
+        QWidget frame;
+        frame.setStyleSheet(outerSheet);
+        auto *page = new tabMenuDlg;
+        page->setParent(&frame);
+        frame.show();
+        auto *button = page->ui->pushButtonVersion;
+        button->setIcon(QIcon());
+        button->ensurePolished();
+        QCOMPARE(button->font().pixelSize(), 20);
+        QVERIFY(button->font().bold());
+        QCOMPARE(button->font().family(), QStringLiteral("Arial"));
+        const QImage image = button->grab().toImage();
+        const int middle = image.width() / 2;
+        QCOMPARE(image.pixelColor(middle, 1), QColor(128, 128, 128));
+        QCOMPARE(image.pixelColor(middle, 12), QColor(255, 212, 73));
+        const QColor bottom = image.pixelColor(middle, image.height() - 4);
+        QVERIFY2(bottom.red() == 255 && qAbs(bottom.green() - 141) < 8 && bottom.blue() < 12,
+            qPrintable(bottom.name()));
+    }
+};
+
+VORN_TEST_MAIN(TestMenuPage)
+#include "tst_menupage.moc"
