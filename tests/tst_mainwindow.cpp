@@ -1,0 +1,722 @@
+#include "frame/VornSettings.h"
+#include "frame/graphicalMode.h"
+#include "frame/tabMenuDlg.h"
+#include "pages/tabAdvancedDlg.h"
+#include "pages/tabBacklightDlg.h"
+#include "pages/tabBuzzerDlg.h"
+#include "pages/tabCanDlg.h"
+#include "pages/tabDigIODlg.h"
+#include "pages/tabLEDDlg.h"
+#include "pages/tabLightSensorDlg.h"
+#include "pages/tabOnOffDlg.h"
+#include "pages/tabPowerDlg.h"
+#include "pages/tabSysConfDlg.h"
+#include "pages/tabTempDlg.h"
+#include "pages/tabTouchDlg.h"
+#include "pages/tabVersionDlg.h"
+#include "report/tabAboutDlg.h"
+#include "telematics/tabTelematicsDlg.h"
+#include "tests/support/DeviceTest.h"
+
+#include <QGraphicsOpacityEffect>
+#include <QLabel>
+#include <QLayout>
+#include <QPushButton>
+
+#include <memory>
+
+using support::child;
+
+namespace {
+
+struct PageRow {
+    int index;
+    const char *className;
+    const char *title;
+    const char *button; ///< in the menu
+};
+
+// In the order in which they are built.
+constexpr PageRow pageRows[] = {
+    {0, "tabMenuDlg", "Menu", nullptr},
+    {1, "tabVersionDlg", "Version", "pushButtonVersion"},
+    {2, "tabTempDlg", "Temperature", "pushButtonTemp"},
+    {3, "tabBacklightDlg", "Display", "pushButtonDisplay"},
+    {4, "tabPowerDlg", "Power", "pushButtonPower"},
+    {5, "tabSysConfDlg", "Heater", "pushButtonSysConfig"},
+    {10, "tabAdvancedDlg", "Advanced", "pushButtonAdvanced"},
+    {7, "tabLEDDlg", "Led", "pushButtonLed"},
+    {8, "tabBuzzerDlg", "Buzzer", "pushButtonBuzzer"},
+    {6, "tabAboutDlg", "About", "pushButtonAbout"},
+    {9, "tabCanDlg", "CAN", "pushButtonCAN"},
+    {11, "tabDigIODlg", "Digital Input/Output", "pushButtonDigIO"},
+    {12, "tabLightSensorDlg", "Light sensor", "pushButton"},
+    {13, "tabTouchDlg", "Touch Screen", "pushButtonTouch"},
+    {14, "tabOnOffDlg", "On/Off Settings", "pushButtonOnOffSettings"},
+    {15, "tabTelematicsDlg", "Telematics", "pushButtonTelematics"},
+};
+
+/// A menu entry that the window may dim.
+struct EntryRow {
+    const char *name;
+    const char *button;
+    const char *label;
+    const char *picture;     ///< of the present feature
+    const char *greyPicture; ///< null where the picture stays
+    const char *toolTip;     ///< of the absent feature
+    int index;
+};
+
+constexpr EntryRow entryRows[] = {
+    {"display", "pushButtonDisplay", "label_3", "background.png", "backgroundGrey.png",
+        "Display is not available", 3},
+    {"heater", "pushButtonSysConfig", "label_5", "heater.png", "heaterGrey.png",
+        "Heater is not available", 5},
+    {"buzzer", "pushButtonBuzzer", "label_8", "arts.png", nullptr, "Buzzer is not available", 8},
+    {"can", "pushButtonCAN", "label_10", "input_device.png", nullptr, "Can is not available", 9},
+    {"digitalIO", "pushButtonDigIO", "label_11", "package_settings.png", nullptr,
+        "Digital Input is not available", 11},
+    {"lightSensor", "pushButton", "label_12", "Full.png", "FullGrey.png",
+        "Light sensor is not available", 12},
+    {"touch", "pushButtonTouch", "label_13", "tablet.png", "tabletGrey.png",
+        "Touch Screen is not available", 13},
+    {"telematics", "pushButtonTelematics", "label_15", "Globe.png", "GlobeGrey.png",
+        "Telematics module is not available", 15},
+};
+
+QString latin1(const char *text)
+{
+    return QLatin1String(text);
+}
+
+QImage picture(const QIcon &icon)
+{
+    return icon.pixmap(QSize(60, 60), 1.0, QIcon::Normal, QIcon::Off).toImage();
+}
+
+QImage resourcePicture(const char *name)
+{
+    return picture(QIcon(latin1(":/VornSettings/Resources/") + latin1(name)));
+}
+
+tabMenuDlg *menuOf(const VornSettings &window)
+{
+    return child<tabMenuDlg>(&window, "tabMenu");
+}
+
+QList<tabDlg *> pagesOf(const VornSettings &window)
+{
+    return child<QWidget>(&window, "tabWidget")
+        ->findChildren<tabDlg *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+/// The page that shows, null if it isn't exactly one.
+tabDlg *visiblePage(const VornSettings &window)
+{
+    tabDlg *visible = nullptr;
+    int count = 0;
+    for (tabDlg *page : pagesOf(window)) {
+        if (page->isVisibleTo(&window)) {
+            visible = page;
+            ++count;
+        }
+    }
+    return count == 1 ? visible : nullptr;
+}
+
+QString visibleClass(const VornSettings &window)
+{
+    const tabDlg *page = visiblePage(window);
+    return page ? latin1(page->metaObject()->className()) : QString();
+}
+
+QString titleStrip(const VornSettings &window)
+{
+    return child<QLabel>(&window, "tabTitle")->text();
+}
+
+/// Lines of the main thread, without thread and handle numbers.
+QStringList mainThread(const QStringList &journal)
+{
+    static const QRegularExpression handle(QStringLiteral("#\\d+(, )?"));
+    QStringList lines;
+    for (const QString &line : journal) {
+        if (line.startsWith(QLatin1String("T1 ")))
+            lines << line.mid(3).remove(handle);
+    }
+    return lines;
+}
+
+enum class Feature { Present, Absent, Failing };
+
+} // namespace
+
+Q_DECLARE_METATYPE(Feature)
+
+class TestMainWindow : public DeviceTest
+{
+    Q_OBJECT
+
+private:
+    using MakePage = std::function<tabDlg *()>;
+
+    template <typename Page>
+    static MakePage maker()
+    {
+        return [] { return new Page; };
+    }
+
+    /// Makers of the pages in the order of pageRows.
+    static QList<MakePage> makers()
+    {
+        return {maker<tabMenuDlg>(), maker<tabVersionDlg>(), maker<tabTempDlg>(),
+            maker<tabBacklightDlg>(), maker<tabPowerDlg>(), maker<tabSysConfDlg>(),
+            maker<tabAdvancedDlg>(), maker<tabLEDDlg>(), maker<tabBuzzerDlg>(),
+            maker<tabAboutDlg>(), maker<tabCanDlg>(), maker<tabDigIODlg>(),
+            maker<tabLightSensorDlg>(), maker<tabTouchDlg>(), maker<tabOnOffDlg>(),
+            maker<tabTelematicsDlg>()};
+    }
+
+    void setFeature(const char *property, const char *operation, Feature feature)
+    {
+        if (feature == Feature::Absent)
+            setUnit(latin1(property), QStringLiteral("0"));
+        if (feature == Feature::Failing)
+            fault(latin1(operation), 5);
+    }
+
+    void setHeater(Feature feature)
+    {
+        if (feature != Feature::Present)
+            fault(QStringLiteral("Config_getHeatingTempLimit"), feature == Feature::Absent ? 2 : 5);
+    }
+
+    /// One line for each entry that may be dimmed: what its button and its label look like.
+    static QStringList entries(const VornSettings &window)
+    {
+        QStringList lines;
+        for (const EntryRow &row : entryRows) {
+            const auto *button = child<QPushButton>(menuOf(window), row.button);
+            const auto *label = child<QLabel>(menuOf(window), row.label);
+            const QImage icon = picture(button->icon());
+            QString shown = QStringLiteral("another picture");
+            if (icon == resourcePicture(row.picture))
+                shown = latin1(row.picture);
+            else if (row.greyPicture && icon == resourcePicture(row.greyPicture))
+                shown = latin1(row.greyPicture);
+            lines << entryLine(row, button->isEnabled(), shown, button->toolTip(), opacity(button),
+                opacity(label));
+            if (button->iconSize() != QSize(60, 60))
+                lines << QStringLiteral("wrong icon size");
+        }
+        return lines;
+    }
+
+    static QStringList expectedEntries(const QStringList &absent)
+    {
+        QStringList lines;
+        for (const EntryRow &row : entryRows) {
+            const bool dimmed = absent.contains(latin1(row.name));
+            const char *shown = dimmed && row.greyPicture ? row.greyPicture : row.picture;
+            const double expected = dimmed ? 0.5 : 1;
+            lines << entryLine(row, !dimmed, latin1(shown),
+                dimmed ? latin1(row.toolTip) : QString(), expected, expected);
+        }
+        return lines;
+    }
+
+    static double opacity(const QWidget *widget)
+    {
+        const auto *effect = qobject_cast<QGraphicsOpacityEffect *>(widget->graphicsEffect());
+        return effect ? effect->opacity() : 1;
+    }
+
+    static QString entryLine(const EntryRow &row, bool enabled, const QString &shown,
+        const QString &toolTip, double button, double label)
+    {
+        return QStringLiteral("%1: %2, %3, tool-tip '%4', opacity %5 and %6")
+            .arg(latin1(row.name), enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"),
+                shown, toolTip, QString::number(button), QString::number(label));
+    }
+
+    static QString classAt(VornSettings &window, int index)
+    {
+        window.showTab(0);
+        window.showTab(index);
+        return visibleClass(window);
+    }
+
+private slots:
+    void initTestCase() { setApplicationLook(); }
+
+    // The form
+
+    void widgets_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QRect>("place");
+        QTest::newRow("centralWidget") << QStringLiteral("centralWidget")
+                                       << QStringLiteral("QWidget") << QRect(0, 0, 600, 435);
+        QTest::newRow("tabTitle") << QStringLiteral("tabTitle") << QStringLiteral("QLabel")
+                                  << QRect(0, 0, 600, 51);
+        QTest::newRow("tabWidget")
+            << QStringLiteral("tabWidget") << QStringLiteral("QWidget") << QRect(0, 51, 600, 330);
+        QTest::newRow("label") << QStringLiteral("label") << QStringLiteral("QLabel")
+                               << QRect(-3, 373, 286, 71);
+        QTest::newRow("buttonMenu") << QStringLiteral("buttonMenu") << QStringLiteral("QPushButton")
+                                    << QRect(340, 387, 111, 41);
+        QTest::newRow("buttonExit") << QStringLiteral("buttonExit") << QStringLiteral("QPushButton")
+                                    << QRect(470, 387, 111, 41);
+    }
+
+    void widgets()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, kind);
+        QFETCH(QRect, place);
+        VornSettings window;
+        window.show();
+        const QWidget *central = window.centralWidget();
+        const QWidget *widget = name == central->objectName() ? central
+                                                              : central->findChild<QWidget *>(name,
+                                                                    Qt::FindDirectChildrenOnly);
+        QVERIFY(widget);
+        QCOMPARE(latin1(widget->metaObject()->className()), kind);
+        QCOMPARE(widget->geometry(), place);
+    }
+
+    void windowForm()
+    {
+        VornSettings window;
+        QCOMPARE(window.objectName(), QStringLiteral("VornSettingsClass"));
+        QCOMPARE(window.windowTitle(), QStringLiteral("Settings"));
+        QCOMPARE(picture(window.windowIcon()), resourcePicture("vorn.png"));
+        QCOMPARE(window.windowModality(), Qt::NonModal);
+        QVERIFY(window.autoFillBackground());
+        QVERIFY(!window.parentWidget());
+        QVERIFY(!window.isVisible());
+        QCOMPARE(child<QPushButton>(&window, "buttonMenu")->text(), QStringLiteral("Menu"));
+        QCOMPARE(child<QPushButton>(&window, "buttonExit")->text(), QStringLiteral("Exit"));
+        const auto *title = child<QLabel>(&window, "tabTitle");
+        QCOMPARE(title->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
+        const auto *logo = window.centralWidget()->findChild<QLabel *>(
+            QStringLiteral("label"), Qt::FindDirectChildrenOnly);
+        QCOMPARE(logo->text(), QString());
+        QVERIFY(logo->hasScaledContents());
+        QCOMPARE(logo->pixmap(Qt::ReturnByValue).toImage(),
+            QImage(QStringLiteral(":/VornSettings/Resources/logo.png"))
+                .convertToFormat(logo->pixmap(Qt::ReturnByValue).toImage().format()));
+    }
+
+    void titleBeforeFirstPage()
+    {
+        QMainWindow window;
+        Ui::VornSettingsClass form;
+        // The form wires its buttons to slots that only the real window has.
+        window.blockSignals(true);
+        form.setupUi(&window);
+        takeWarnings();
+        QCOMPARE(form.tabTitle->text(), QStringLiteral("TextLabel"));
+    }
+
+    void palette_data()
+    {
+        QTest::addColumn<QPalette::ColorGroup>("group");
+        QTest::addColumn<QColor>("base");
+        QTest::newRow("active") << QPalette::Active << QColor(Qt::white);
+        QTest::newRow("inactive") << QPalette::Inactive << QColor(Qt::white);
+        QTest::newRow("disabled") << QPalette::Disabled << QColor(25, 23, 28);
+    }
+
+    void palette()
+    {
+        QFETCH(QPalette::ColorGroup, group);
+        QFETCH(QColor, base);
+        VornSettings window;
+        QCOMPARE(window.palette().color(group, QPalette::Window), QColor(25, 23, 28));
+        QCOMPARE(window.palette().color(group, QPalette::Base), base);
+    }
+
+    void slotsInOrder()
+    {
+        const auto &meta = VornSettings::staticMetaObject;
+        QStringList names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << QString::fromLatin1(meta.method(i).methodSignature());
+        QCOMPARE(names, QStringList({QStringLiteral("exit()"), QStringLiteral("showTab(int)"),
+                            QStringLiteral("menuClicked()")}));
+    }
+
+    void cannotBeResized()
+    {
+        VornSettings window;
+        window.show();
+        window.resize(800, 600);
+        QCOMPARE(window.size(), QSize(600, 435));
+        window.resize(100, 100);
+        QCOMPARE(window.size(), QSize(600, 435));
+        window.showMaximized();
+        QCOMPARE(window.minimumSize(), window.maximumSize());
+    }
+
+    // What the unit has
+
+    void capabilities_data()
+    {
+        QTest::addColumn<Feature>("display");
+        QTest::addColumn<Feature>("touch");
+        QTest::addColumn<Feature>("can");
+        const auto word = [](Feature feature) {
+            return feature == Feature::Present  ? "there"
+                   : feature == Feature::Absent ? "absent"
+                                                : "failing";
+        };
+        const auto all = {Feature::Present, Feature::Absent, Feature::Failing};
+        for (const auto display : all)
+            for (const auto touch : all)
+                for (const auto can : all)
+                    QTest::addRow(
+                        "display %s, touch %s, CAN %s", word(display), word(touch), word(can))
+                        << display << touch << can;
+    }
+
+    void capabilities()
+    {
+        QFETCH(Feature, display);
+        QFETCH(Feature, touch);
+        QFETCH(Feature, can);
+        const auto all = {Feature::Present, Feature::Absent, Feature::Failing};
+        for (const auto digitalIO : all)
+            for (const auto heater : all)
+                for (const auto telematics : all)
+                    compareCombination(display, touch, can, digitalIO, heater, telematics);
+    }
+
+    void refusedQueries_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("absent");
+        const auto add = [](const char *operation, int code, const char *absent) {
+            QTest::addRow("%s, code %d", operation, code)
+                << latin1(operation) << code << latin1(absent);
+        };
+        for (const int code : {1, 2, 3, 5, 18, 20, -1}) {
+            add("Hardware_hasGsm", code, "");
+            add("Hardware_getCanCount", code, "");
+            add("Hardware_getDigitalInputCount", code, "");
+            add("Hardware_hasDisplay", code, "");
+            add("Hardware_hasTouchscreen", code, "");
+            add("Config_getHeatingTempLimit", code, code == 2 ? "heater" : "");
+            add("Telematics_getAvailable", code, "telematics");
+        }
+    }
+
+    void refusedQueries()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        QFETCH(QString, absent);
+        fault(operation, code);
+        VornSettings window;
+        QCOMPARE(entries(window), expectedEntries({absent}));
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+    }
+
+    // A query that fails says nothing, not even if its out value were left at "absent".
+    void everyQueryRefused()
+    {
+        for (const auto *operation : {"Hardware_hasGsm", "Hardware_getCanCount",
+                 "Hardware_getDigitalInputCount", "Hardware_hasDisplay", "Hardware_hasTouchscreen",
+                 "Config_getHeatingTempLimit", "Telematics_getAvailable"})
+            fault(latin1(operation), 7);
+        VornSettings window;
+        QCOMPARE(entries(window), expectedEntries({QStringLiteral("telematics")}));
+    }
+
+    void gsmDoesNotMatter()
+    {
+        setUnit(QStringLiteral("Hardware.hasGsm"), QStringLiteral("0"));
+        VornSettings window;
+        QCOMPARE(entries(window), expectedEntries({}));
+        QCOMPARE(classAt(window, 15), QStringLiteral("tabTelematicsDlg"));
+    }
+
+    // Pages
+
+    void pageAtIndex_data()
+    {
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < int(std::size(pageRows)); ++row)
+            QTest::newRow(pageRows[row].className) << row;
+    }
+
+    void pageAtIndex()
+    {
+        QFETCH(int, row);
+        const PageRow &expected = pageRows[row];
+        VornSettings window;
+        window.show();
+        if (expected.button)
+            QTest::mouseClick(child<QPushButton>(&window, expected.button), Qt::LeftButton);
+        QCOMPARE(visibleClass(window), latin1(expected.className));
+        tabDlg *page = visiblePage(window);
+        QVERIFY(!page->isWindow());
+        QCOMPARE(page->geometry(), QRect(0, 0, 600, 320));
+        QCOMPARE(page->windowTitle(), latin1(expected.title));
+        QCOMPARE(titleStrip(window), latin1(expected.title));
+        QTest::mouseClick(child<QPushButton>(&window, "buttonMenu"), Qt::LeftButton);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(titleStrip(window), QStringLiteral("Menu"));
+        QCOMPARE(page->geometry(), QRect(0, 0, 600, 320));
+        dialogs.take();
+    }
+
+    void pagesInOrder()
+    {
+        VornSettings window;
+        const QLayout *layout = child<QWidget>(&window, "tabWidget")->layout();
+        QVERIFY(qobject_cast<const QVBoxLayout *>(layout));
+        QCOMPARE(layout->count(), int(std::size(pageRows)));
+        for (int i = 0; i < layout->count(); ++i)
+            QCOMPARE(latin1(layout->itemAt(i)->widget()->metaObject()->className()),
+                latin1(pageRows[i].className));
+    }
+
+    // Each page gives the calls of its construction when built alone; the window's start is its own
+    // queries and those calls, one page after the other, and its end gives all handles back.
+    void startAndEnd()
+    {
+        QStringList start;
+        QStringList end{QStringLiteral("Hardware_release()")};
+        QList<QStringList> built;
+        for (const MakePage &make : makers()) {
+            std::unique_ptr<tabDlg> page(make());
+            built << mainThread(journal());
+            page.reset();
+            end << mainThread(journal());
+        }
+        start << QStringLiteral("Hardware_create() = ")
+              << QStringLiteral("Hardware_hasGsm() = 0 [1]")
+              << QStringLiteral("Hardware_getCanCount() = 0 [4]")
+              << QStringLiteral("Hardware_getDigitalInputCount() = 0 [4]")
+              << QStringLiteral("Hardware_hasDisplay() = 0 [1]")
+              << QStringLiteral("Hardware_hasTouchscreen() = 0 [1]")
+              << QStringLiteral("Config_create() = ")
+              << QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")
+              << QStringLiteral("Config_release()");
+        const QStringList telematics = built.takeLast();
+        for (const QStringList &page : built)
+            start << page;
+        start << QStringLiteral("Telematics_create() = ")
+              << QStringLiteral("Telematics_getAvailable() = 0 [1]")
+              << QStringLiteral("Telematics_release()") << telematics;
+
+        auto window = std::make_unique<VornSettings>();
+        QCOMPARE(mainThread(journal()), start);
+        window.reset();
+        QCOMPARE(mainThread(journal()), end);
+    }
+
+    void startOfBareUnit()
+    {
+        for (const auto *property : {"Hardware.hasDisplay", "Hardware.canCount",
+                 "Hardware.digitalInputCount", "Telematics.available"})
+            setUnit(latin1(property), QStringLiteral("0"));
+        fault(QStringLiteral("Config_getHeatingTempLimit"), 2);
+        VornSettings window;
+        const QStringList calls = mainThread(journal());
+        const QStringList start{QStringLiteral("Hardware_create() = "),
+            QStringLiteral("Hardware_hasGsm() = 0 [1]"),
+            QStringLiteral("Hardware_getCanCount() = 0 [0]"),
+            QStringLiteral("Hardware_getDigitalInputCount() = 0 [0]"),
+            QStringLiteral("Hardware_hasDisplay() = 0 [0]"), QStringLiteral("Config_create() = "),
+            QStringLiteral("Config_getHeatingTempLimit() = 2"), QStringLiteral("Config_release()")};
+        QCOMPARE(calls.mid(0, start.size()), start);
+        QCOMPARE(
+            calls.mid(calls.size() - 3), QStringList({QStringLiteral("Telematics_create() = "),
+                                             QStringLiteral("Telematics_getAvailable() = 0 [0]"),
+                                             QStringLiteral("Telematics_release()")}));
+    }
+
+    void withoutDisplay()
+    {
+        setUnit(QStringLiteral("Hardware.hasDisplay"), QStringLiteral("0"));
+        VornSettings window;
+        // The buzzer's stand-in takes the place of the display's, which stays hidden in the layout.
+        QCOMPARE(classAt(window, 3), QStringLiteral("tabDlg"));
+        QList<tabDlg *> plain;
+        for (tabDlg *page : pagesOf(window)) {
+            if (latin1(page->metaObject()->className()) == QLatin1String("tabDlg"))
+                plain << page;
+        }
+        QCOMPARE(plain.size(), 4);
+        QCOMPARE(visiblePage(window), plain.at(1));
+        QVERIFY(plain.at(0)->isHidden());
+        QCOMPARE(titleStrip(window), QString());
+
+        window.showTab(8);
+        QCOMPARE(visiblePage(window), plain.at(1));
+        window.showTab(0);
+        window.showTab(8);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(titleStrip(window), QStringLiteral("Menu"));
+    }
+
+    void dimmedEntryLeadsNowhere()
+    {
+        setUnit(QStringLiteral("Hardware.hasDisplay"), QStringLiteral("0"));
+        VornSettings window;
+        window.show();
+        for (const auto *name : {"pushButtonDisplay", "pushButtonBuzzer", "pushButton"}) {
+            QTest::mouseClick(child<QPushButton>(&window, name), Qt::LeftButton);
+            QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        }
+    }
+
+    void currentPageShowsAgain()
+    {
+        struct Watch : QObject {
+            QList<QEvent::Type> seen;
+            bool eventFilter(QObject *, QEvent *event) override
+            {
+                if (event->type() == QEvent::Show || event->type() == QEvent::Hide)
+                    seen << event->type();
+                return false;
+            }
+        } watch;
+        VornSettings window;
+        window.show();
+        window.showTab(1);
+        visiblePage(window)->installEventFilter(&watch);
+        window.showTab(1);
+        QCOMPARE(watch.seen, QList<QEvent::Type>({QEvent::Hide, QEvent::Show}));
+        QCOMPARE(visibleClass(window), QStringLiteral("tabVersionDlg"));
+        window.menuClicked();
+        QCOMPARE(watch.seen.constLast(), QEvent::Hide);
+        dialogs.take();
+    }
+
+    void laterPageTakesIndex()
+    {
+        VornSettings window;
+        window.show();
+        const auto pages = pagesOf(window).size();
+        auto *page = new tabDlg;
+        page->setParent(child<QWidget>(&window, "tabWidget"));
+        page->setWindowTitle(QStringLiteral("Another"));
+        page->show();
+        window.addTab(page, 1);
+        QVERIFY(page->isHidden());
+        QCOMPARE(pagesOf(window).size(), pages + 1);
+        window.showTab(1);
+        QCOMPARE(visiblePage(window), page);
+        QCOMPARE(titleStrip(window), QStringLiteral("Another"));
+    }
+
+    // Keys and buttons
+
+    void escape()
+    {
+        VornSettings window;
+        window.show();
+        window.showTab(14);
+        QTest::keyClick(visiblePage(window), Qt::Key_Escape);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QVERIFY(window.isVisible());
+        window.showTab(14);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QVERIFY(window.isVisible());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QVERIFY(!window.isVisible());
+        dialogs.take();
+    }
+
+    void escapeOnMenuPage()
+    {
+        VornSettings window;
+        window.show();
+        QTest::keyClick(child<QPushButton>(&window, "pushButtonLed"), Qt::Key_Escape);
+        QVERIFY(!window.isVisible());
+    }
+
+    void keyReleases_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("Escape") << int(Qt::Key_Escape) << true;
+        for (const int key : {int(Qt::Key_Return), int(Qt::Key_Enter), int(Qt::Key_Space),
+                 int(Qt::Key_Backspace), int(Qt::Key_Home), int(Qt::Key_F1), int(Qt::Key_A)})
+            QTest::addRow("%x", unsigned(key)) << key << false;
+    }
+
+    void keyReleases()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, accepted);
+        VornSettings window;
+        window.show();
+        window.showTab(14);
+        QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier);
+        event.setAccepted(!accepted);
+        QCoreApplication::sendEvent(&window, &event);
+        QCOMPARE(event.isAccepted(), accepted);
+        QCOMPARE(visibleClass(window),
+            accepted ? QStringLiteral("tabMenuDlg") : QStringLiteral("tabOnOffDlg"));
+        QVERIFY(window.isVisible());
+        dialogs.take();
+    }
+
+    void exitButton()
+    {
+        VornSettings window;
+        window.show();
+        QTest::mouseClick(child<QPushButton>(&window, "buttonExit"), Qt::LeftButton);
+        QVERIFY(!window.isVisible());
+    }
+
+    void exitSlot()
+    {
+        VornSettings window;
+        window.show();
+        QVERIFY(QMetaObject::invokeMethod(&window, "exit"));
+        QVERIFY(!window.isVisible());
+    }
+
+private:
+    void compareCombination(Feature display, Feature touch, Feature can, Feature digitalIO,
+        Feature heater, Feature telematics)
+    {
+        useProfile(QStringLiteral("full"));
+        setFeature("Hardware.hasDisplay", "Hardware_hasDisplay", display);
+        setFeature("Hardware.hasTouchscreen", "Hardware_hasTouchscreen", touch);
+        setFeature("Hardware.canCount", "Hardware_getCanCount", can);
+        setFeature("Hardware.digitalInputCount", "Hardware_getDigitalInputCount", digitalIO);
+        setFeature("Telematics.available", "Telematics_getAvailable", telematics);
+        setHeater(heater);
+        const bool hasDisplay = display != Feature::Absent;
+        QStringList absent;
+        if (!hasDisplay)
+            absent << QStringLiteral("display") << QStringLiteral("buzzer")
+                   << QStringLiteral("lightSensor");
+        if (!hasDisplay || touch == Feature::Absent)
+            absent << QStringLiteral("touch");
+        if (can == Feature::Absent)
+            absent << QStringLiteral("can");
+        if (digitalIO == Feature::Absent)
+            absent << QStringLiteral("digitalIO");
+        if (heater == Feature::Absent)
+            absent << QStringLiteral("heater");
+        if (telematics != Feature::Present)
+            absent << QStringLiteral("telematics");
+        VornSettings window;
+        QCOMPARE(calls().count(QStringLiteral("Hardware_hasTouchscreen() = 0 [1]")),
+            hasDisplay && touch == Feature::Present ? 1 : 0);
+        QCOMPARE(entries(window), expectedEntries(absent));
+    }
+};
+
+VORN_TEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

@@ -1,0 +1,431 @@
+#include "frame/VornSettings.h"
+#include "frame/graphicalMode.h"
+#include "frame/tabDlg.h"
+#include "tests/support/DeviceTest.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QLCDNumber>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStyleOption>
+#include <QTabBar>
+#include <QToolTip>
+
+#include <memory>
+
+namespace {
+
+using Make = std::function<QWidget *()>;
+
+const QColor amberTop(255, 212, 73);
+const QColor amberBottom(255, 141, 0);
+const QColor greyTop(173, 173, 173);
+const QColor greyBottom(95, 95, 95);
+const QColor pageTop(187, 187, 187);
+const QColor pageBottom(79, 79, 79);
+
+template <typename Widget>
+Make plain()
+{
+    return [] { return new Widget; };
+}
+
+bool near(const QColor &one, const QColor &other, int tolerance)
+{
+    return qAbs(one.red() - other.red()) <= tolerance &&
+           qAbs(one.green() - other.green()) <= tolerance &&
+           qAbs(one.blue() - other.blue()) <= tolerance;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Make)
+
+/// The sheet as it comes out on real widgets of a page in the real window.
+class TestStyleSheet : public DeviceTest
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<VornSettings> window;
+    tabDlg *page = nullptr;
+
+    template <typename Widget>
+    Widget *place(Widget *widget, const QRect &where = QRect(50, 100, 200, 50))
+    {
+        widget->setParent(page);
+        widget->setGeometry(where);
+        window->addTab(page, 1);
+        window->showTab(1);
+        return widget;
+    }
+
+    static void verifyNear(const QColor &seen, const QColor &expected, int tolerance = 12)
+    {
+        QVERIFY2(near(seen, expected, tolerance),
+            qPrintable(seen.name() + QLatin1String(" instead of ") + expected.name()));
+    }
+
+private slots:
+    void initTestCase() { setApplicationLook(); }
+
+    void init()
+    {
+        DeviceTest::init();
+        window = std::make_unique<VornSettings>();
+        page = new tabDlg;
+        window->show();
+    }
+
+    void cleanup()
+    {
+        window.reset();
+        DeviceTest::cleanup();
+    }
+
+    // Pictures of the sheet are there, but for those that it has never had.
+    void pictures()
+    {
+        QFile file(QStringLiteral(":/VornSettings/Resources/style.qss"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString sheet = QString::fromUtf8(file.readAll());
+        QCOMPARE(window->styleSheet(), sheet);
+        static const QRegularExpression url(QStringLiteral("url\\(\"([^\"]+)\"\\)"));
+        QStringList missing;
+        auto match = url.globalMatch(sheet);
+        while (match.hasNext()) {
+            const QString name = match.next().captured(1);
+            if (!QFile::exists(name))
+                missing << name;
+        }
+        QCOMPARE(missing, QStringList({QStringLiteral(":/images/Grey.png"),
+                              QStringLiteral(":/images/Yellow.png")}));
+    }
+
+    void fonts_data()
+    {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<int>("pixels");
+        QTest::addColumn<QColor>("colour");
+        const QColor black(Qt::black);
+        const QColor white(Qt::white);
+        QTest::newRow("QPushButton") << plain<QPushButton>() << 20 << black;
+        QTest::newRow("QGroupBox") << plain<QGroupBox>() << 16 << black;
+        QTest::newRow("QRadioButton") << plain<QRadioButton>() << 14 << black;
+        QTest::newRow("QComboBox") << plain<QComboBox>() << 16 << black;
+        QTest::newRow("QLCDNumber") << plain<QLCDNumber>() << 14 << white;
+        QTest::newRow("QLabel") << plain<QLabel>() << 16 << white;
+        QTest::newRow("QSpinBox") << plain<QSpinBox>() << 14 << black;
+        QTest::newRow("QCheckBox") << plain<QCheckBox>() << 14 << black;
+        QTest::newRow("QProgressBar") << plain<QProgressBar>() << 14 << black;
+        QTest::newRow("QListView") << plain<QListWidget>() << 24 << white;
+        QTest::newRow("QPlainTextEdit") << plain<QPlainTextEdit>() << 12 << black;
+        const auto title = [] {
+            auto *label = new QLabel;
+            label->setObjectName(QStringLiteral("tabTitle"));
+            return label;
+        };
+        QTest::newRow("title strip") << Make(title) << 20 << black;
+    }
+
+    void fonts()
+    {
+        QFETCH(Make, make);
+        QFETCH(int, pixels);
+        QFETCH(QColor, colour);
+        const QWidget *widget = place(make());
+        QCOMPARE(widget->font().family(), QStringLiteral("Arial"));
+        QCOMPARE(widget->font().pixelSize(), pixels);
+        QVERIFY(widget->font().bold());
+        QCOMPARE(widget->palette().color(widget->foregroundRole()), colour);
+    }
+
+    void grounds_data()
+    {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<double>("x"); // where nothing stands before the ground
+        QTest::addColumn<QColor>("top");
+        QTest::addColumn<QColor>("bottom");
+        const auto button = [](bool on, bool down) {
+            return Make([=] {
+                auto *widget = new QPushButton;
+                widget->setCheckable(true);
+                widget->setChecked(on);
+                widget->setDown(down);
+                return widget;
+            });
+        };
+        QTest::newRow("button off") << button(false, false) << 0.5 << greyTop << greyBottom;
+        QTest::newRow("button on") << button(true, false) << 0.5 << amberTop << amberBottom;
+        QTest::newRow("button pressed") << button(false, true) << 0.5 << amberTop << amberBottom;
+        QTest::newRow("button on and pressed")
+            << button(true, true) << 0.5 << amberTop << amberBottom;
+        QTest::newRow("QComboBox") << plain<QComboBox>() << 0.5 << greyTop << greyBottom;
+        QTest::newRow("QCheckBox") << plain<QCheckBox>() << 0.5 << greyTop << greyBottom;
+        QTest::newRow("QSlider") << Make([] { return new QSlider(Qt::Horizontal); }) << 0.5
+                                 << greyTop << greyBottom;
+        QTest::newRow("QLCDNumber") << plain<QLCDNumber>() << 0.2 << greyTop << greyBottom;
+        QTest::newRow("QSpinBox") << plain<QSpinBox>() << 0.5 << greyTop << greyBottom;
+        QTest::newRow("QProgressBar") << plain<QProgressBar>() << 0.2 << greyTop << greyBottom;
+        QTest::newRow("QListView") << plain<QListWidget>() << 0.5 << greyTop << greyBottom;
+        QTest::newRow("QLineEdit")
+            << plain<QLineEdit>() << 0.5 << QColor(221, 221, 221) << QColor(187, 187, 187);
+        const auto named = [](const char *name) {
+            return Make([name] {
+                auto *label = new QLabel;
+                label->setObjectName(QLatin1String(name));
+                return label;
+            });
+        };
+        QTest::newRow("icon") << named("icon") << 0.5 << amberTop << amberBottom;
+        QTest::newRow("title strip") << named("tabTitle") << 0.5 << amberTop << amberBottom;
+    }
+
+    void grounds()
+    {
+        QFETCH(Make, make);
+        QFETCH(double, x);
+        QFETCH(QColor, top);
+        QFETCH(QColor, bottom);
+        QWidget *widget = place(make());
+        const QImage image = widget->grab().toImage();
+        const int column = int(image.width() * x);
+        verifyNear(image.pixelColor(column, 4), top);
+        verifyNear(image.pixelColor(column, image.height() - 5), bottom);
+    }
+
+    void groupBox()
+    {
+        auto *box = place(new QGroupBox(QStringLiteral("Title")), QRect(50, 50, 200, 150));
+        const QImage image = box->grab().toImage();
+        verifyNear(image.pixelColor(20, 18), greyTop);
+        verifyNear(image.pixelColor(100, 145), greyBottom);
+        // The title's box lies across the upper edge, in the middle.
+        verifyNear(image.pixelColor(100 - 22, 8), amberTop);
+        verifyNear(image.pixelColor(20, 2), pageTop);
+    }
+
+    // Display and slider are one piece: their outer corners are round, those between them aren't.
+    void corners_data()
+    {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<bool>("leftRound");
+        QTest::addColumn<bool>("rightRound");
+        QTest::newRow("QSlider") << Make([] { return new QSlider(Qt::Horizontal); }) << false
+                                 << true;
+        QTest::newRow("QLCDNumber") << plain<QLCDNumber>() << true << false;
+        QTest::newRow("QPushButton") << plain<QPushButton>() << true << true;
+        QTest::newRow("QComboBox") << plain<QComboBox>() << true << true;
+        QTest::newRow("QSpinBox") << plain<QSpinBox>() << true << true;
+        QTest::newRow("QCheckBox") << plain<QCheckBox>() << true << true;
+        QTest::newRow("QListView") << plain<QListWidget>() << true << true;
+        QTest::newRow("QPlainTextEdit") << plain<QPlainTextEdit>() << true << true;
+    }
+
+    void corners()
+    {
+        QFETCH(Make, make);
+        QFETCH(bool, leftRound);
+        QFETCH(bool, rightRound);
+        QWidget *widget = place(make());
+        const QImage image = page->grab(widget->geometry()).toImage();
+        const auto isBlack = [&image](int x, int y) {
+            return near(image.pixelColor(x, y), QColor(Qt::black), 4);
+        };
+        const int right = image.width() - 1;
+        const int bottom = image.height() - 1;
+        QCOMPARE(isBlack(1, 1), !leftRound);
+        QCOMPARE(isBlack(1, bottom - 1), !leftRound);
+        QCOMPARE(isBlack(right - 1, 1), !rightRound);
+        QCOMPARE(isBlack(right - 1, bottom - 1), !rightRound);
+        QVERIFY(isBlack(right / 2, 0));
+        QVERIFY(isBlack(right / 2, 1));
+        QVERIFY(!isBlack(right / 2, 2));
+        QVERIFY(isBlack(0, bottom / 2));
+    }
+
+    void sizes()
+    {
+        auto *check = place(new QCheckBox(QStringLiteral("Check")));
+        QStyleOptionButton option;
+        option.initFrom(check);
+        QCOMPARE(
+            check->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, check).size(),
+            QSize(25, 25));
+        QCOMPARE(check->style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, &option, check), 5);
+
+        auto *combo = place(new QComboBox);
+        QStyleOptionComboBox comboOption;
+        comboOption.initFrom(combo);
+        QCOMPARE(
+            combo->style()
+                ->subControlRect(QStyle::CC_ComboBox, &comboOption, QStyle::SC_ComboBoxArrow, combo)
+                .width(),
+            32); // and the edge at its left
+
+        auto *spin = place(new QSpinBox);
+        QStyleOptionSpinBox spinOption;
+        spinOption.initFrom(spin);
+        for (const auto button : {QStyle::SC_SpinBoxUp, QStyle::SC_SpinBoxDown})
+            QCOMPARE(spin->style()
+                         ->subControlRect(QStyle::CC_SpinBox, &spinOption, button, spin)
+                         .width(),
+                30);
+
+        auto *slider = place(new QSlider(Qt::Horizontal));
+        QStyleOptionSlider sliderOption;
+        sliderOption.initFrom(slider);
+        sliderOption.maximum = 100;
+        const QRect handle = slider->style()->subControlRect(
+            QStyle::CC_Slider, &sliderOption, QStyle::SC_SliderHandle, slider);
+        QVERIFY2(handle.width() >= 30 && handle.width() <= 34,
+            qPrintable(QString::number(handle.width())));
+
+        auto *text = place(new QPlainTextEdit);
+        QCOMPARE(text->verticalScrollBar()->sizeHint().width(), 25);
+
+        auto *bar = place(new QTabBar);
+        bar->addTab(QStringLiteral("GPS"));
+        const QSize tab = bar->tabRect(0).size();
+        QVERIFY2(
+            tab.width() >= 110 && tab.width() <= 120, qPrintable(QString::number(tab.width())));
+        QVERIFY2(
+            tab.height() >= 35 && tab.height() <= 43, qPrintable(QString::number(tab.height())));
+    }
+
+    void sliderColours()
+    {
+        auto *slider = place(new QSlider(Qt::Horizontal), QRect(50, 100, 300, 60));
+        slider->setRange(0, 100);
+        slider->setValue(50);
+        const QImage image = slider->grab().toImage();
+        const int middle = image.height() / 2;
+        QCOMPARE(image.pixelColor(40, middle), QColor(255, 194, 66));
+        QCOMPARE(image.pixelColor(260, middle), QColor(50, 50, 50));
+        verifyNear(image.pixelColor(150, 12), amberTop);
+    }
+
+    void tabs()
+    {
+        auto *bar = place(new QTabBar);
+        bar->addTab(QString());
+        bar->addTab(QString());
+        const QImage image = bar->grab().toImage();
+        verifyNear(image.pixelColor(bar->tabRect(0).center().x(), 5), amberTop);
+        verifyNear(image.pixelColor(bar->tabRect(1).center().x(), 5), greyTop);
+    }
+
+    void listColours()
+    {
+        auto *list = place(new QListWidget, QRect(50, 50, 200, 200));
+        list->setAlternatingRowColors(true);
+        list->addItems({QString(), QString(), QString()});
+        list->item(0)->setSelected(true);
+        const QImage image = list->viewport()->grab().toImage();
+        const auto colour = [&](int row, int y) {
+            const QRect item = list->visualItemRect(list->item(row));
+            return image.pixelColor(item.center().x(), item.top() + y);
+        };
+        QCOMPARE(colour(0, 0), QColor(0x6a, 0x6e, 0xa9));
+        verifyNear(colour(0, 4), amberTop);
+        QCOMPARE(colour(1, 4), QColor(0, 128, 0));
+    }
+
+    void comboList()
+    {
+        auto *combo = place(new QComboBox);
+        for (int i = 0; i < 30; ++i)
+            combo->addItem(QString::number(i));
+        combo->showPopup();
+        auto *list = combo->view();
+        QCOMPARE(list->font().pixelSize(), 16);
+        QCOMPARE(list->palette().color(QPalette::Text), QColor(Qt::white));
+        QCOMPARE(list->verticalScrollBar()->width(), 25);
+        const QImage image = list->grab().toImage();
+        QCOMPARE(image.pixelColor(image.width() / 2, 8), QColor(128, 128, 128));
+        const QRect current = list->visualRect(combo->model()->index(0, 0));
+        QCOMPARE(list->viewport()->grab().toImage().pixelColor(current.center()),
+            QColor(0xd3, 0xd3, 0xd3));
+        combo->hidePopup();
+        takeWarnings(); // the offscreen platform grabs no keyboard for the list
+    }
+
+    void frame()
+    {
+        window->showTab(0);
+        const QImage image = window->grab().toImage();
+        verifyNear(image.pixelColor(150, 6), amberTop);
+        verifyNear(image.pixelColor(150, 46), amberBottom);
+        QCOMPARE(image.pixelColor(150, 0), QColor(Qt::black));
+        // The page area's edge shows at both sides and below, but not above, beside a page too.
+        verifyNear(image.pixelColor(1, 60), amberTop);
+        verifyNear(image.pixelColor(598, 60), amberTop);
+        verifyNear(image.pixelColor(1, 355), amberBottom, 30);
+        verifyNear(image.pixelColor(300, 51), pageTop);
+        verifyNear(image.pixelColor(20, 60), pageTop);
+        verifyNear(image.pixelColor(20, 365), pageBottom);
+        QCOMPARE(image.pixelColor(320, 432), QColor(25, 23, 28));
+        verifyNear(image.pixelColor(360, 392), greyTop);
+    }
+
+    void dialogGround()
+    {
+        QDialog dialog(page);
+        dialog.resize(200, 200);
+        const QImage image = dialog.grab().toImage();
+        verifyNear(image.pixelColor(100, 2), pageTop);
+        verifyNear(image.pixelColor(100, 197), pageBottom);
+    }
+
+    // A tool-tip inherits the labels' white, which its own ground wouldn't let one read.
+    void toolTip()
+    {
+        auto *button = place(new QPushButton);
+        QToolTip::showText(QPoint(10, 10), QStringLiteral("Heater is not available"), button);
+        QWidget *tip = nullptr;
+        for (QWidget *candidate : QApplication::topLevelWidgets()) {
+            if (candidate->inherits("QTipLabel"))
+                tip = candidate;
+        }
+        QVERIFY(tip);
+        const QImage image = tip->grab().toImage();
+        verifyNear(image.pixelColor(3, 3), amberTop);
+        QCOMPARE(tip->palette().color(QPalette::ToolTipText), QColor(Qt::black));
+        delete tip;
+        takeWarnings();
+    }
+
+    // A dark desktop changes nothing: palette, style and font are the program's own.
+    void ownLook()
+    {
+        QPalette dark(QColor(30, 30, 30));
+        dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::Text, Qt::white);
+        const QImage before = window->grab().toImage();
+        QApplication::setPalette(dark);
+        QApplication::setStyle(QStringLiteral("Windows"));
+        QApplication::setFont(QFont(QStringLiteral("Courier"), 20));
+        setApplicationLook();
+        VornSettings again;
+        again.show();
+        window->showTab(0);
+        QCOMPARE(again.grab().toImage(), before);
+        QCOMPARE(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
+        QCOMPARE(QApplication::palette().color(QPalette::Text), QColor(Qt::black));
+        QCOMPARE(QApplication::font().family(), QStringLiteral("Arial"));
+    }
+};
+
+VORN_TEST_MAIN(TestStyleSheet)
+#include "tst_stylesheet.moc"
