@@ -188,7 +188,7 @@ void VornSettings::addTab(tabDlg *page, int index)
 
 void VornSettings::showTab(int index)
 {
-    tabDlg *page = tabs.at(size_t(index));
+    tabDlg *page = index >= 0 && index < tabCount ? tabs[size_t(index)] : nullptr;
     if (!page)
         return;
     if (tabDlg *former = tabs.at(size_t(currentTab)))

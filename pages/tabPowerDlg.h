@@ -1,12 +1,44 @@
 #pragma once
 
+#include "frame/DeviceHandle.h"
+#include "frame/Form.h"
 #include "frame/tabDlg.h"
+#include "pages/MyThread.h"
+#include "ui_tabPowerDlg.h"
 
-/** Power page. */
+/**
+ * Power page: which loads get power, at start-up or now, and the external battery, which a thread
+ * follows for as long as the page exists.
+ */
 class tabPowerDlg : public tabDlg
 {
     Q_OBJECT
 
 public:
     explicit tabPowerDlg(QWidget *parent = nullptr);
+    ~tabPowerDlg() override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private slots:
+    void BacklightClicked(bool on);
+    void CANClicked(bool on);
+    void ExtFanClicked(bool on);
+    void VideoClicked();
+    void modeIndexChanged(int index);
+
+private:
+    void loadCurrentSettings();
+    void loadStartupSettings();
+    void showSwitch(DeviceCode code, std::int32_t status, const char *operation, QCheckBox *box);
+    void showVideo(DeviceCode code, std::uint8_t mask);
+    void loadBatteryDetails();
+
+    Form<Ui::tabPower> ui{this};
+    DeviceHandle<Power_create, Power_release> power;
+    DeviceHandle<Battery_create, Battery_release> battery;
+    DeviceHandle<Config_create, Config_release> config;
+    MyThread *monitor;
+    std::uint8_t constructed = 0; ///< 0 keeps modeIndexChanged quiet while the list is filled
 };

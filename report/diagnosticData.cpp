@@ -91,14 +91,18 @@ QString powerCyclesLine(DiagnosticsHandle diagnostics)
 QString sensorLines(DiagnosticsHandle diagnostics)
 {
     QString text;
-    for (std::uint8_t index = 0;; ++index) {
+    // The device counts its sensors in 8 bits; one that never says that there are no more ends
+    // here.
+    for (int index = 0; index <= 255; ++index) {
         std::int16_t temperature = 0;
         std::int32_t kind = 0;
-        const DeviceCode code = Diagnostics_getPMTemp(diagnostics, index, &temperature, &kind);
+        const DeviceCode code = Diagnostics_getPMTemp(
+            diagnostics, static_cast<std::uint8_t>(index), &temperature, &kind);
         if (code != DEVICE_OK)
-            return text;
+            break;
         text += formatShortLine(code, sensorName(kind), temperature, celsius);
     }
+    return text;
 }
 
 QString temperatureLine(DiagnosticsHandle diagnostics,

@@ -56,6 +56,7 @@ constexpr Spec temperature(std::string_view name, double celsius, std::string_vi
 {
     return integer(name, -128, 200, celsius, "degrees C", description)
         .alive(Living::Temperature)
+        .reporting(-32768, 32767)
         .drives();
 }
 
@@ -292,7 +293,8 @@ inline constexpr auto specs = std::to_array<Spec>({
 
     temperature("Diagnostics.ssTemp", 41, "temperature of the system supervisor"),
     temperature("Diagnostics.pcbTemp", 44, "temperature of the main board"),
-    integer("Diagnostics.pmSensorCount", 0, 8, 5, "", "sensors of the processor module"),
+    integer("Diagnostics.pmSensorCount", 0, 64, 5, "",
+        "sensors of the processor module; those after the eighth read like it"),
     temperature("Diagnostics.pmTemp0", 55, "sensor 0 of the processor module"),
     temperature("Diagnostics.pmTemp1", 38, "sensor 1 of the processor module"),
     temperature("Diagnostics.pmTemp2", 30, "sensor 2 of the processor module"),

@@ -225,7 +225,7 @@ QStringList DeviceTest::takeWarnings()
     return std::exchange(warnings, {});
 }
 
-void DeviceTest::init()
+void DeviceTest::initUnit()
 {
     takeWarnings();
     testlibHandler = qInstallMessageHandler(collectWarning);

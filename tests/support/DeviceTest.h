@@ -89,6 +89,9 @@ class DeviceTest : public QObject
 protected:
     support::Dialogs dialogs;
 
+    /** What init() does; a test with an init() of its own calls it first. */
+    void initUnit();
+
     /** Replaces the unit by that profile and empties the journal. */
     void useProfile(const QString &profile);
     void setUnit(const QString &name, const QString &value);
@@ -105,7 +108,7 @@ protected:
     static QStringList takeWarnings();
 
 private slots:
-    void init();
+    void init() { initUnit(); }
     void cleanup();
 };
 

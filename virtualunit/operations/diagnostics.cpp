@@ -1,4 +1,5 @@
 #include "virtualunit/Operation.h"
+#include <algorithm>
 
 using namespace virtualunit;
 
@@ -30,8 +31,10 @@ DeviceCode Diagnostics_getPMTemp(
             return NoSuchSensor;
         constexpr Key firstTemperature = "Diagnostics.pmTemp0";
         constexpr Key firstKind = "Diagnostics.pmKind0";
-        *celsius = static_cast<int16_t>(unit.number(firstTemperature + index));
-        *kind = static_cast<int32_t>(unit.number(firstKind + index));
+        // A module with more sensors than anybody wants to set one by one repeats the last.
+        const std::size_t row = std::min<std::size_t>(index, 7);
+        *celsius = static_cast<int16_t>(unit.number(firstTemperature + row));
+        *kind = static_cast<int32_t>(unit.number(firstKind + row));
         return Ok;
     });
 }

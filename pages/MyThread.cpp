@@ -1,0 +1,77 @@
+#include "pages/MyThread.h"
+
+#include "frame/DeviceHandle.h"
+#include "platform/platform.h"
+
+std::atomic<std::uint8_t> batteryKeepRunning{0};
+
+namespace {
+
+bool keepRunning()
+{
+    return batteryKeepRunning.load(std::memory_order_relaxed) != 0;
+}
+
+/** Waits so many steps of 100 ms; a stop cuts the wait short. */
+void waitSteps(int steps)
+{
+    for (int i = 0; i < steps && keepRunning(); ++i)
+        platform::pause(100);
+}
+
+} // namespace
+
+QString chargingText(std::int32_t status)
+{
+    switch (status) {
+    case CHARGING_IDLE:
+        return QStringLiteral("Battery is not being charged\n");
+    case CHARGING_ACTIVE:
+        return QStringLiteral("Battery is being charged\n");
+    case CHARGING_FULL:
+        return QStringLiteral("Battery is fully charged\n");
+    case CHARGING_TOO_COLD:
+        return QStringLiteral("Temperature is too low to charge the battery\n");
+    case CHARGING_TOO_HOT:
+        return QStringLiteral("Temperature is too high to charge the battery\n");
+    default:
+        return QStringLiteral("Could not get battery charging status\n");
+    }
+}
+
+QString powerSourceText(std::int32_t source)
+{
+    return source == POWER_BATTERY ? QStringLiteral("Power source: Battery")
+                                   : QStringLiteral("Power source: External power");
+}
+
+void MyThread::run()
+{
+    batteryKeepRunning.store(1, std::memory_order_relaxed);
+    const DeviceHandle<Battery_create, Battery_release> battery;
+    DeviceBool available = 0;
+    if (Battery_isAvailable(battery, &available) != DEVICE_OK || !available)
+        batteryKeepRunning.store(0, std::memory_order_relaxed);
+
+    while (keepRunning()) {
+        waitSteps(30);
+        if (!keepRunning())
+            break;
+
+        std::int32_t status = CHARGING_UNKNOWN;
+        DeviceCode code = Battery_getChargingStatus(battery, &status);
+        emit newCharge(chargingText(code == DEVICE_OK ? status : CHARGING_UNKNOWN));
+
+        // A stop from here on shortens the waits, but the pass is finished.
+        waitSteps(10);
+        std::int32_t source = POWER_EXTERNAL;
+        code = Battery_getPowerSource(battery, &source);
+        emit newLabel(
+            code == DEVICE_OK ? powerSourceText(source) : QStringLiteral("Power source: Unknown"));
+
+        waitSteps(10);
+        std::uint8_t percent = 0;
+        code = Battery_getVoltageLevel(battery, &percent);
+        emit newLevel(code == DEVICE_OK ? percent : 0);
+    }
+}
