@@ -498,11 +498,11 @@ private slots:
             end << mainThread(journal());
         }
         start << QStringLiteral("Hardware_create() = ")
-              << QStringLiteral("Hardware_hasGsm() = 0 [1]")
+              << QStringLiteral("Hardware_hasGsm() = 0 [true]")
               << QStringLiteral("Hardware_getCanCount() = 0 [4]")
               << QStringLiteral("Hardware_getDigitalInputCount() = 0 [4]")
-              << QStringLiteral("Hardware_hasDisplay() = 0 [1]")
-              << QStringLiteral("Hardware_hasTouchscreen() = 0 [1]")
+              << QStringLiteral("Hardware_hasDisplay() = 0 [true]")
+              << QStringLiteral("Hardware_hasTouchscreen() = 0 [true]")
               << QStringLiteral("Config_create() = ")
               << QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")
               << QStringLiteral("Config_release()");
@@ -528,10 +528,10 @@ private slots:
         VornSettings window;
         const QStringList calls = mainThread(journal());
         const QStringList start{QStringLiteral("Hardware_create() = "),
-            QStringLiteral("Hardware_hasGsm() = 0 [1]"),
+            QStringLiteral("Hardware_hasGsm() = 0 [true]"),
             QStringLiteral("Hardware_getCanCount() = 0 [0]"),
             QStringLiteral("Hardware_getDigitalInputCount() = 0 [0]"),
-            QStringLiteral("Hardware_hasDisplay() = 0 [0]"), QStringLiteral("Config_create() = "),
+            QStringLiteral("Hardware_hasDisplay() = 0 [false]"), QStringLiteral("Config_create() = "),
             QStringLiteral("Config_getHeatingTempLimit() = 2"), QStringLiteral("Config_release()")};
         QCOMPARE(calls.mid(0, start.size()), start);
         QCOMPARE(
@@ -712,7 +712,7 @@ private:
         if (telematics != Feature::Present)
             absent << QStringLiteral("telematics");
         VornSettings window;
-        QCOMPARE(calls().count(QStringLiteral("Hardware_hasTouchscreen() = 0 [1]")),
+        QCOMPARE(calls().count(QStringLiteral("Hardware_hasTouchscreen() = 0 [true]")),
             hasDisplay && touch == Feature::Present ? 1 : 0);
         QCOMPARE(entries(window), expectedEntries(absent));
     }
