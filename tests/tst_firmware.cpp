@@ -416,33 +416,42 @@ void FirmwareTest::forgetsTheJobOfAReleasedHandle()
 void FirmwareTest::waitsForNews()
 {
     write(QStringLiteral("a.hex"), hexFile(image(100)));
+    const auto file = path(QStringLiteral("a.hex"));
     setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("60000"));
     QCOMPARE(virtualunit::releaseClock(), std::string());
-    const Handle handle;
-    QCOMPARE(Firmware_startSSUpgrade(handle, path(QStringLiteral("a.hex")).constData(), false),
-        DEVICE_OK);
     QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(ask(handle, true).state, int(FIRMWARE_INITIATING));
-    QVERIFY2(timer.elapsed() < 80, "the first status is news in itself");
+    // On a busy machine a single question may take long all the same.
+    qint64 fastestFirst = 1000;
+    qint64 fastestWithoutFlag = 1000;
+    for (int i = 0; i < 10; ++i) {
+        const Handle handle;
+        QCOMPARE(Firmware_startSSUpgrade(handle, file.constData(), false), DEVICE_OK);
+        timer.start();
+        QCOMPARE(ask(handle, true).state, int(FIRMWARE_INITIATING));
+        fastestFirst = qMin(fastestFirst, timer.elapsed());
+        timer.start();
+        ask(handle, false);
+        fastestWithoutFlag = qMin(fastestWithoutFlag, timer.elapsed());
+    }
+    QVERIFY2(fastestFirst < 80, "the first status is news in itself");
+    QVERIFY2(fastestWithoutFlag < 80, "without the flag it doesn't wait");
 
     // A percent takes 600 ms here: most questions wait in vain, and then for the whole time.
+    const Handle handle;
+    QCOMPARE(Firmware_startSSUpgrade(handle, file.constData(), false), DEVICE_OK);
+    ask(handle, true);
     timer.start();
     ask(handle, true);
     ask(handle, true);
     ask(handle, true);
     QVERIFY2(timer.elapsed() >= 100, qPrintable(QString::number(timer.elapsed())));
-    timer.start();
-    for (int i = 0; i < 10; ++i)
-        ask(handle, false);
-    QVERIFY2(timer.elapsed() < 100, "without the flag it doesn't wait");
 
-    // A percent each 5 ms: there is news all the time.
-    setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("500"));
+    // A percent each 20 ms: there is news all the time, five times as often as waiting in vain.
+    setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("2000"));
     int questions = 0;
     while (ask(handle, true).state != FIRMWARE_DONE)
         ++questions;
-    QVERIFY2(questions > 10, qPrintable(QString::number(questions)));
+    QVERIFY2(questions > 30, qPrintable(QString::number(questions)));
 }
 
 void FirmwareTest::takesAFewSeconds()

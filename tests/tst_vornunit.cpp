@@ -320,9 +320,14 @@ void VornunitTest::delays()
     QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
     QVERIFY(timer.elapsed() >= 120);
     QCOMPARE(run("delay Buzzer_getVolume 0").exitCode, 0);
-    timer.start();
-    QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
-    QVERIFY(timer.elapsed() < 120);
+    // On a busy machine a single call may take long all the same.
+    qint64 fastest = 1000;
+    for (int i = 0; i < 20; ++i) {
+        timer.start();
+        QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
+        fastest = qMin(fastest, timer.elapsed());
+    }
+    QVERIFY(fastest < 120);
     const auto outcome = run("delay Buzzer_sing 5");
     QCOMPARE(outcome.exitCode, 1);
     QVERIFY(outcome.err.contains(QStringLiteral("Buzzer_sing")));
@@ -406,7 +411,6 @@ void VornunitTest::followsTheJournal()
 
     // An emptied journal goes on from its beginning.
     QCOMPARE(run("journal --clear").exitCode, 0);
-    QTest::qWait(200);
     seen.clear();
     writeCalls(1);
     QTRY_VERIFY_WITH_TIMEOUT(hasSeen("T1 Settings_release(#1)\n"), patience);
