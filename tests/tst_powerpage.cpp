@@ -60,7 +60,7 @@ const QStringList currentReads{QStringLiteral("Power_getCanPowerStatus() = 0 [1]
 
 void PowerPageTest::init()
 {
-    initUnit();
+    DeviceTest::init();
     setUnit(QStringLiteral("Power.canPowerStatus"), QStringLiteral("1"));
     setUnit(QStringLiteral("Power.extFanPowerStatus"), QStringLiteral("0"));
     setUnit(QStringLiteral("Power.videoPowerStatus"), QStringLiteral("5"));

@@ -593,7 +593,7 @@ void tst_report::init()
     qputenv("TZ", "UTC");
     qputenv("VORN_LOG_DIR", QFile::encodeName(dmi.path()));
     qputenv("VORN_DMI_DIR", QFile::encodeName(dmi.path()));
-    initUnit();
+    DeviceTest::init();
     useKnownUnit();
 }
 

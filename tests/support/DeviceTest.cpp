@@ -225,7 +225,7 @@ QStringList DeviceTest::takeWarnings()
     return std::exchange(warnings, {});
 }
 
-void DeviceTest::initUnit()
+void DeviceTest::init()
 {
     takeWarnings();
     testlibHandler = qInstallMessageHandler(collectWarning);

@@ -89,9 +89,6 @@ class DeviceTest : public QObject
 protected:
     support::Dialogs dialogs;
 
-    /** What init() does; a test with an init() of its own calls it first. */
-    void initUnit();
-
     /** Replaces the unit by that profile and empties the journal. */
     void useProfile(const QString &profile);
     void setUnit(const QString &name, const QString &value);
@@ -107,8 +104,8 @@ protected:
     /** Qt's warnings since the last time. */
     static QStringList takeWarnings();
 
-private slots:
-    void init() { initUnit(); }
+protected slots:
+    void init();
     void cleanup();
 };
 

@@ -1,0 +1,319 @@
+#include "tests/support/PageTest.h"
+
+#include "frame/VornAux2.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSlider>
+#include <QSpinBox>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+const auto resources = QStringLiteral(":/VornSettings/Resources/");
+const QRect iconPlace(525, 15, 60, 60);
+constexpr int lowestTarget = 30;     // pixels
+constexpr int titleStripHeight = 26; // pixels, of a group box under the program's style sheet
+
+QString quoted(const QString &text)
+{
+    return QLatin1Char('"') + QString(text).replace(QLatin1Char('\n'), QLatin1String("\\n")) +
+           QLatin1Char('"');
+}
+
+QString pictureName(const QPixmap &picture)
+{
+    const QImage shown = picture.toImage();
+    for (const QString &file : QDir(resources).entryList(QDir::Files)) {
+        if (QPixmap(resources + file).toImage() == shown)
+            return file;
+    }
+    return QStringLiteral("unknown picture");
+}
+
+QString described(const QLabel *label)
+{
+    const QPixmap picture = label->pixmap(Qt::ReturnByValue);
+    QString text = picture.isNull() ? quoted(label->text()) : pictureName(picture);
+    if (label->alignment() == Qt::AlignCenter)
+        text += QLatin1String(" centred");
+    return text;
+}
+
+QString described(const QAbstractButton *button)
+{
+    QString text = quoted(button->text());
+    if (qobject_cast<const QPushButton *>(button) && button->isCheckable())
+        text += QLatin1String(" checkable");
+    if (button->isChecked())
+        text += QLatin1String(" checked");
+    return text;
+}
+
+QString described(const QAbstractSlider *slider)
+{
+    QString text = QStringLiteral("%1 to %2 by %3/%4")
+                       .arg(slider->minimum())
+                       .arg(slider->maximum())
+                       .arg(slider->singleStep())
+                       .arg(slider->pageStep());
+    if (slider->orientation() == Qt::Vertical)
+        text += QLatin1String(" vertical");
+    return text;
+}
+
+QString described(const QSpinBox *spin)
+{
+    return QStringLiteral("%1 (%2 to %3 by %4)")
+        .arg(spin->value())
+        .arg(spin->minimum())
+        .arg(spin->maximum())
+        .arg(spin->singleStep());
+}
+
+QString described(const QComboBox *combo)
+{
+    QStringList items;
+    for (int i = 0; i < combo->count(); ++i)
+        items << combo->itemText(i);
+    return QLatin1Char('[') + items.join(QLatin1String(" | ")) + QLatin1Char(']');
+}
+
+QString described(const QLineEdit *edit)
+{
+    return quoted(edit->text()) + QLatin1String(edit->isReadOnly() ? " read-only" : "");
+}
+
+QString content(const QWidget *widget)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(widget))
+        return described(label);
+    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+        return described(button);
+    if (const auto *slider = qobject_cast<const QAbstractSlider *>(widget))
+        return described(slider);
+    if (const auto *spin = qobject_cast<const QSpinBox *>(widget))
+        return described(spin);
+    if (const auto *combo = qobject_cast<const QComboBox *>(widget))
+        return described(combo);
+    if (const auto *edit = qobject_cast<const QLineEdit *>(widget))
+        return described(edit);
+    if (const auto *group = qobject_cast<const QGroupBox *>(widget))
+        return quoted(group->title());
+    if (const auto *text = qobject_cast<const QPlainTextEdit *>(widget))
+        return quoted(text->toPlainText()) + QLatin1String(text->isReadOnly() ? " read-only" : "");
+    return {};
+}
+
+QString line(const QWidget *widget)
+{
+    QString text = widget->objectName() + QLatin1String(": ") +
+                   QLatin1String(widget->metaObject()->className());
+    const QString what = content(widget);
+    if (!what.isEmpty())
+        text += QLatin1Char(' ') + what;
+    if (!widget->isEnabledTo(widget->parentWidget()))
+        text += QLatin1String(" disabled");
+    if (widget->testAttribute(Qt::WA_WState_ExplicitShowHide) && widget->isHidden())
+        text += QLatin1String(" hidden");
+    if (!widget->toolTip().isEmpty())
+        text += QLatin1String(" tip ") + quoted(widget->toolTip());
+    return text;
+}
+
+QList<QWidget *> formWidgets(const QWidget *page)
+{
+    QList<QWidget *> widgets;
+    for (QWidget *widget : page->findChildren<QWidget *>()) {
+        const QString name = widget->objectName();
+        if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")))
+            widgets << widget;
+    }
+    return widgets;
+}
+
+bool isPressed(const QWidget *widget)
+{
+    return qobject_cast<const QAbstractButton *>(widget) ||
+           qobject_cast<const QAbstractSlider *>(widget) ||
+           qobject_cast<const QAbstractSpinBox *>(widget) ||
+           qobject_cast<const QComboBox *>(widget);
+}
+
+bool isClipped(const QWidget *widget)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(widget)) {
+        if (!label->pixmap(Qt::ReturnByValue).isNull())
+            return !label->hasScaledContents() &&
+                   (label->contentsRect().width() < 48 || label->contentsRect().height() < 48);
+        if (label->wordWrap())
+            return label->heightForWidth(label->width()) > label->height();
+    }
+    const QSize need = widget->minimumSizeHint().expandedTo(widget->minimumSize());
+    return need.width() > widget->width() || need.height() > widget->height();
+}
+
+QStringList faultsOf(const QWidget *widget)
+{
+    QStringList faults;
+    const QWidget *parent = widget->parentWidget();
+    if (isClipped(widget))
+        faults << QStringLiteral("is clipped");
+    if (!parent->rect().contains(widget->geometry()))
+        faults << QStringLiteral("leaves its parent");
+    if (qobject_cast<const QGroupBox *>(parent) && widget->y() < titleStripHeight)
+        faults << QStringLiteral("covers the title strip");
+    if (isPressed(widget) && widget->height() < lowestTarget)
+        faults << QStringLiteral("is too low for a finger");
+    if (widget->objectName() == QLatin1String("icon") && widget->geometry() != iconPlace)
+        faults << QStringLiteral("isn't in its place");
+    return faults;
+}
+
+QStringList overlaps(const QList<QWidget *> &widgets)
+{
+    QStringList faults;
+    for (int i = 0; i < widgets.size(); ++i) {
+        for (int j = i + 1; j < widgets.size(); ++j) {
+            if (widgets[i]->parentWidget() == widgets[j]->parentWidget() &&
+                widgets[i]->geometry().intersects(widgets[j]->geometry()))
+                faults << widgets[i]->objectName() + QLatin1String(": lies over ") +
+                              widgets[j]->objectName();
+        }
+    }
+    return faults;
+}
+
+QString styleSheet()
+{
+    QFile file(resources + QLatin1String("style.qss"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no style sheet");
+    return QString::fromUtf8(file.readAll());
+}
+
+QString difference(const support::Dialog &box, const QWidget *page)
+{
+    QStringList odd;
+    if (box.className != QLatin1String("QMessageBox"))
+        odd << box.className;
+    if (box.title != QLatin1String("Vornsettings"))
+        odd << QLatin1String("title ") + box.title;
+    if (box.icon != QMessageBox::Critical)
+        odd << QStringLiteral("icon %1").arg(box.icon);
+    if (box.buttons != QStringList{QStringLiteral("OK")})
+        odd << QLatin1String("buttons ") + box.buttons.join(QLatin1Char(' '));
+    if (box.parent != page)
+        odd << QStringLiteral("other parent");
+    if (!box.modal)
+        odd << QStringLiteral("not modal");
+    return odd.isEmpty() ? QString()
+                         : QLatin1String(" [") + odd.join(QLatin1String(", ")) + QLatin1Char(']');
+}
+
+} // namespace
+
+namespace support {
+
+QStringList widgets(const QWidget *page)
+{
+    QStringList lines;
+    for (const QWidget *widget : formWidgets(page))
+        lines << line(widget);
+    return lines;
+}
+
+QStringList layoutFaults(QWidget *page)
+{
+    page->setStyleSheet(styleSheet());
+    page->resize(600, 320);
+    page->show();
+    QStringList faults;
+    const QList<QWidget *> widgets = formWidgets(page);
+    for (const QWidget *widget : widgets) {
+        for (const QString &fault : faultsOf(widget))
+            faults << widget->objectName() + QLatin1String(": ") + fault;
+    }
+    page->hide();
+    return faults + overlaps(widgets);
+}
+
+void click(const QWidget *page, const char *name)
+{
+    auto *button = child<QAbstractButton>(page, name);
+    // On the indicator of a check box; a click beside its caption may miss.
+    QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier,
+        QPoint(std::min(button->width() / 2, 12), button->height() / 2));
+}
+
+HeldTimer::HeldTimer(const QObject *page)
+{
+    const auto timers = page->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    if (timers.size() != 1)
+        qFatal("%d timers", int(timers.size()));
+    timer = timers.constFirst();
+    timer->installEventFilter(this);
+}
+
+bool HeldTimer::fire()
+{
+    if (!timer->isActive())
+        return false;
+    firing = true;
+    QTimerEvent event(timer->timerId());
+    QCoreApplication::sendEvent(timer, &event);
+    return true;
+}
+
+bool HeldTimer::eventFilter(QObject *, QEvent *event)
+{
+    // Only the one event that was asked for passes, not those that come while its slot runs.
+    return event->type() == QEvent::Timer && !std::exchange(firing, false);
+}
+
+} // namespace support
+
+void PageTest::addFailureRows(const QStringList &operations)
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("code");
+    for (const QString &operation : operations) {
+        for (const int code : failureCodes)
+            QTest::addRow("%s = %d", qPrintable(operation), code) << operation << code;
+    }
+}
+
+QStringList PageTest::failing(QStringList lines, const QString &operation, int code)
+{
+    for (QString &line : lines) {
+        if (line.startsWith(operation + QLatin1Char('(')))
+            line.replace(
+                QRegularExpression(QStringLiteral("\\) = .*")), QStringLiteral(") = %1").arg(code));
+    }
+    return lines;
+}
+
+QString PageTest::errorBox(int code, const QString &operation)
+{
+    return QStringLiteral("Error(%1) in %2: %3")
+        .arg(QString::number(code), operation, QString::fromLatin1(deviceErrorText(code)));
+}
+
+QStringList PageTest::boxes(const QWidget *page)
+{
+    QStringList texts;
+    for (const support::Dialog &box : dialogs.take())
+        texts << box.text + difference(box, page);
+    return texts;
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "tests/support/DeviceTest.h"
+
+#include <QTimer>
+
+namespace support {
+
+/** A Latin-1 text without ceremony: "Buzzer.volume"_s. */
+inline QString operator""_s(const char *text, std::size_t size)
+{
+    return QString::fromLatin1(text, int(size));
+}
+
+/**
+ * Every widget of a page's form in the form's order, one line each: object name, kind, and what
+ * the form sets: caption, picture, range and steps, items, state, tool-tip.
+ *
+ *     label_2: QLabel Min.ico
+ *     sliderFreq: QSlider 700 to 10000 by 10/100
+ *     spinBoxPulses: QSpinBox 1 (0 to 99 by 1)
+ *     comboBoxMode: QComboBox [Standard | Auto]
+ *     buttonOn: QPushButton "Off" checkable
+ *     labelLevel: QLabel "0" centred tip "Level"
+ */
+QStringList widgets(const QWidget *page);
+
+/**
+ * What is wrong with the page's layout at 600x320 under the program's style sheet: what is clipped,
+ * lies outside its parent, over a neighbour or over a group's title strip, is less than 30 pixels
+ * high where it is to be pressed, or has its icon elsewhere than the other pages. Hidden widgets
+ * count too. Shows the page for a moment.
+ */
+QStringList layoutFaults(QWidget *page);
+
+/** Presses the button or check box with the mouse, as a finger would. */
+void click(const QWidget *page, const char *name);
+
+/**
+ * Holds a page's timer still, so that a test isn't at the mercy of the machine's speed: while this
+ * lives, the timer's time has come only when the test says so.
+ */
+class HeldTimer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** The page must have one timer of its own. */
+    explicit HeldTimer(const QObject *page);
+
+    bool isActive() const { return timer->isActive(); }
+    /** Milliseconds. */
+    int interval() const { return timer->interval(); }
+    /** Lets the timer fire once. A stopped timer doesn't; false then. */
+    bool fire();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QTimer *timer = nullptr;
+    bool firing = false;
+};
+
+} // namespace support
+
+/** Base of the tests of pages. */
+class PageTest : public DeviceTest
+{
+    Q_OBJECT
+
+protected:
+    /** The codes that every operation is tried with: the device's special ones and two faults. */
+    static constexpr int failureCodes[] = {2, 18, 20, 5, -1};
+
+    /** A row "operation = code" for each of these operations and each of those codes. Columns:
+     *  operation, code. */
+    static void addFailureRows(const QStringList &operations);
+
+    /** These calls with that operation failing. */
+    static QStringList failing(QStringList lines, const QString &operation, int code);
+
+    /** Text of the error box for that failure. */
+    static QString errorBox(int code, const QString &operation);
+
+    /** Texts of the boxes that came since the last time. A box that isn't one of this page's error
+     *  boxes in title, icon, buttons, modality and parent says so after its text. */
+    QStringList boxes(const QWidget *page);
+};
