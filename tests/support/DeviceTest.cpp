@@ -54,12 +54,12 @@ void clickDefault(QDialog *dialog)
 
 QString text(const std::string &bytes)
 {
-    return QString::fromLatin1(bytes.data(), int(bytes.size()));
+    return QString::fromUtf8(bytes.data(), int(bytes.size()));
 }
 
 std::string bytes(const QString &text)
 {
-    return text.toLatin1().toStdString();
+    return text.toStdString();
 }
 
 void require(const virtualunit::Error &error)
