@@ -72,8 +72,8 @@ void tabDigIODlg::updateIOValues()
     } else if (code == DEVICE_NOT_SUPPORTED) {
         ui->groupBoxStatus->hide();
     } else {
+        updateTimer->stop(); // first: the box has an event loop, and rounds would pile up boxes
         reportError(code, "getDigIO");
-        updateTimer->stop();
     }
 }
 
