@@ -304,6 +304,16 @@ QStringList PageTest::failing(QStringList lines, const QString &operation, int c
     return lines;
 }
 
+QStringList PageTest::calls()
+{
+    QStringList lines = DeviceTest::calls();
+    lines.erase(
+        std::remove_if(lines.begin(), lines.end(),
+            [](const QString &line) { return line.startsWith(QLatin1String("deviceErrorText(")); }),
+        lines.end());
+    return lines;
+}
+
 QString PageTest::errorBox(int code, const QString &operation)
 {
     return QStringLiteral("Error(%1) in %2: %3")

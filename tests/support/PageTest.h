@@ -79,6 +79,10 @@ protected:
     /** These calls with that operation failing. */
     static QStringList failing(QStringList lines, const QString &operation, int code);
 
+    /** The calls since the last time, as DeviceTest has them, but without the asking for error
+     *  texts: boxes() compares those. */
+    QStringList calls();
+
     /** Text of the error box for that failure. */
     static QString errorBox(int code, const QString &operation);
 
