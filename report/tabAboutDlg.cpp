@@ -1,7 +1,75 @@
 #include "report/tabAboutDlg.h"
 
+#include "frame/DeviceHandle.h"
+#include "report/sections.h"
+#include "report/systemReport.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+
+namespace {
+
+struct Entry {
+    const char *caption;
+    QString (*text)();
+};
+
+constexpr Entry entries[] = {
+    {"EEPROM data", eepromDataText},
+    {"Diagnostic data", diagnosticDataText},
+    {"ADC values", adcDataText},
+    {"CPU board data", cpuBoardDataText},
+    {"System report", generateSystemReport},
+    {"Battery data", batteryDataText},
+};
+constexpr int batteryEntry = 5; // stands at the end of the list, if at all
+
+} // namespace
+
 tabAboutDlg::tabAboutDlg(QWidget *parent)
     : tabDlg(parent)
 {
-    setWindowTitle(tr("About"));
+    {
+        const DeviceHandle<Battery_create, Battery_release> battery;
+        const auto insert = [this](int index) {
+            ui->comboBoxSelection->insertItem(
+                index, QString::fromLatin1(entries[index].caption), QVariant());
+        };
+        for (int index = 0; index < batteryEntry; ++index)
+            insert(index);
+        DeviceBool available = 0;
+        if (Battery_isAvailable(battery, &available) == DEVICE_OK && available != 0)
+            insert(batteryEntry);
+    }
+    initialised = true;
+    selectionIndexChanged(0);
+}
+
+void tabAboutDlg::showEvent(QShowEvent *) {}
+
+void tabAboutDlg::selectionIndexChanged(int index)
+{
+    // The first insertion into the list selects it.
+    if (!initialised)
+        return;
+    ui->textEditInfo->clear();
+    if (index >= 0 && index < int(std::size(entries)))
+        ui->textEditInfo->setPlainText(entries[index].text());
+}
+
+void tabAboutDlg::SaveFileAs()
+{
+    const QString name = QFileDialog::getSaveFileName(
+        this, tr("Save Data"), QString(), tr("Text Files (*.txt);;All Files (*)"));
+    if (name.isEmpty())
+        return;
+    QFile file(name);
+    if (file.open(QIODevice::WriteOnly)) {
+        // Straight to the file: a text stream would encode the bytes once more. A disk that runs
+        // full isn't told.
+        file.write(ui->textEditInfo->toPlainText().toLatin1());
+        return;
+    }
+    QMessageBox::information(this, tr("Unable to open file"), file.errorString(), QMessageBox::Ok);
 }
