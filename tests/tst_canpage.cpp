@@ -1,0 +1,531 @@
+#include "pages/tabCanDlg.h"
+#include "tests/support/DeviceTest.h"
+#include "tests/support/pageChecks.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace support;
+
+namespace {
+
+/** The page with its widgets at hand. */
+struct Page : tabCanDlg {
+    QComboBox *device = child<QComboBox>(this, "comboBoxDevice");
+    QComboBox *baudRate = child<QComboBox>(this, "comboBoxBaudRate");
+    QComboBox *frameType = child<QComboBox>(this, "comboBoxFrameType");
+    QLabel *baudRateLabel = child<QLabel>(this, "labelBaudRate");
+    QLabel *frameTypeLabel = child<QLabel>(this, "labelFramType");
+    QGroupBox *settings = child<QGroupBox>(this, "groupBoxSettings");
+    QPushButton *apply = child<QPushButton>(this, "buttonApply");
+
+    void clickApply() { QTest::mouseClick(apply, Qt::LeftButton); }
+};
+
+QStringList items(const QComboBox *box)
+{
+    QStringList texts;
+    for (int index = 0; index < box->count(); ++index)
+        texts << box->itemText(index);
+    return texts;
+}
+
+QStringList lines(std::initializer_list<const char *> texts)
+{
+    QStringList list;
+    for (const char *text : texts)
+        list << QString::fromLatin1(text);
+    return list;
+}
+
+const QStringList fixedRates = lines({"100", "125", "250", "500", "800", "1000"});
+
+QString restartNotice()
+{
+    return box(QMessageBox::Information, "Vornsettings",
+        QStringLiteral(
+            "Please restart the computer (or the CAN driver) for the changes to take effect!"),
+        "tabCan");
+}
+
+QString errorBox(const QString &text)
+{
+    return box(QMessageBox::Critical, "Vornsettings", text, "tabCan");
+}
+
+} // namespace
+
+class CanPageTest : public DeviceTest
+{
+    Q_OBJECT
+
+private slots:
+    void widget_data();
+    void widget();
+    void layout();
+    void findsFourNets();
+    void stopsAtFirstMissingNet();
+    void noNets_data();
+    void noNets();
+    void readsFirstNetWhenShown();
+    void opensOnFirstNetAgain();
+    void readsSelectedNet();
+    void frameType_data();
+    void frameType();
+    void frameTypeFails_data();
+    void frameTypeFails();
+    void baudRate_data();
+    void baudRate();
+    void otherBaudRatesPileUp();
+    void baudRateNotSupported();
+    void baudRateFails_data();
+    void baudRateFails();
+    void hiddenBaudRateComesBack();
+    void writesBothSettings_data();
+    void writesBothSettings();
+    void writesOtherBaudRate();
+    void refusesOlderOtherBaudRate();
+    void refusesNoBaudRate();
+    void refusesNoFrameType();
+    void writesBaudRateAlone();
+    void writesFrameTypeAlone();
+    void setFrameTypeFails_data();
+    void setFrameTypeFails();
+    void setBaudRateFails_data();
+    void setBaudRateFails();
+};
+
+void CanPageTest::widget_data()
+{
+    addWidgetColumns();
+    addWidget("tabCan", "tabCanDlg", "CAN");
+    addWidget("icon", "QLabel");
+    addWidget("groupBoxSettings", "QGroupBox", "Settings");
+    addWidget("labelBaudRate", "QLabel", "Baud rate (kbp/s)");
+    addWidget("comboBoxBaudRate", "QComboBox");
+    addWidget("labelFramType", "QLabel", "Frame type");
+    addWidget("comboBoxFrameType", "QComboBox");
+    addWidget("buttonApply", "QPushButton", "Apply");
+    addWidget("groupBoxSettings_2", "QGroupBox", "CAN Device");
+    addWidget("comboBoxDevice", "QComboBox");
+}
+
+void CanPageTest::widget()
+{
+    const Page page;
+    checkWidget(&page);
+}
+
+void CanPageTest::layout()
+{
+    Page page;
+    QCOMPARE(page.size(), QSize(600, 320));
+    QCOMPARE(child<QLabel>(&page, "icon")->geometry(), QRect(525, 15, 60, 60));
+    QVERIFY(!child<QLabel>(&page, "icon")->pixmap(Qt::ReturnByValue).isNull());
+    const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
+    QVERIFY(grid);
+    QVERIFY(page.findChild<QGridLayout *>(QStringLiteral("gridLayout_3")));
+    QCOMPARE(grid->contentsMargins(), QMargins());
+    QCOMPARE(grid->itemAtPosition(1, 0)->widget(), page.baudRateLabel);
+    QCOMPARE(grid->itemAtPosition(1, 1)->widget(), page.baudRate);
+    QCOMPARE(grid->itemAtPosition(2, 0)->widget(), page.frameTypeLabel);
+    QCOMPARE(grid->itemAtPosition(2, 1)->widget(), page.frameType);
+    QCOMPARE(page.baudRate->minimumWidth(), 230);
+    QCOMPARE(page.baudRate->maximumWidth(), 230);
+    QCOMPARE(page.frameType->minimumWidth(), 230);
+    QCOMPARE(page.frameType->maximumWidth(), 230);
+    QCOMPARE(page.baudRateLabel->buddy(), page.baudRate);
+    QCOMPARE(page.frameTypeLabel->buddy(), page.frameType);
+    QVERIFY(!page.device->accessibleName().isEmpty());
+    page.show();
+    QCOMPARE(tooSmall(&page), QStringList());
+    QCOMPARE(clipped(&page), QStringList());
+}
+
+void CanPageTest::findsFourNets()
+{
+    {
+        const Page page;
+        QCOMPARE(calls(),
+            lines({"Can_create()", "Can_getBaudrate(1) = 0 [250]", "Can_getBaudrate(2) = 0 [250]",
+                "Can_getBaudrate(3) = 0 [500]", "Can_getBaudrate(4) = 0 [1000]"}));
+        QCOMPARE(items(page.device), lines({"CAN1", "CAN2", "CAN3", "CAN4"}));
+        QCOMPARE(items(page.baudRate), fixedRates);
+        QCOMPARE(items(page.frameType), lines({"Standard", "Extended", "Standard Extended"}));
+        QVERIFY(page.device->isEnabled());
+        QVERIFY(page.baudRate->isEnabled());
+        QVERIFY(page.frameType->isEnabled());
+        QVERIFY(page.apply->isEnabled());
+    }
+    QCOMPARE(calls(), lines({"Can_release()"}));
+}
+
+void CanPageTest::stopsAtFirstMissingNet()
+{
+    fault(QStringLiteral("Can_getBaudrate"), 5, 1, 2);
+    const Page page;
+    QCOMPARE(calls(), lines({"Can_create()", "Can_getBaudrate(1) = 0 [250]",
+                          "Can_getBaudrate(2) = 0 [250]", "Can_getBaudrate(3) = 5"}));
+    QCOMPARE(items(page.device), lines({"CAN1", "CAN2"}));
+    QVERIFY(page.apply->isEnabled());
+}
+
+void CanPageTest::noNets_data()
+{
+    addFailureCodes();
+}
+
+void CanPageTest::noNets()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Can_getBaudrate"), code, 1);
+    Page page;
+    page.show();
+    page.clickApply();
+    page.apply->click();
+    QCOMPARE(
+        calls(), QStringList({QStringLiteral("Can_create()"),
+                     QStringLiteral("Can_getBaudrate(1) = %1").arg(code), deviceTextCall(code)}));
+    QCOMPARE(items(page.device), QStringList(QStringLiteral("getBaudrate: ") + deviceText(code)));
+    const QStringList none(QStringLiteral("No Can nets available"));
+    QCOMPARE(items(page.baudRate), none + fixedRates);
+    QCOMPARE(items(page.frameType), none + lines({"Standard", "Extended", "Standard Extended"}));
+    QCOMPARE(page.baudRate->currentIndex(), 0);
+    QCOMPARE(page.frameType->currentIndex(), 0);
+    QVERIFY(!page.baudRate->isEnabled());
+    QVERIFY(!page.frameType->isEnabled());
+    QVERIFY(!page.device->isEnabled());
+    QVERIFY(!page.apply->isEnabled());
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings"));
+    // Nothing enables the page again, even when the net answers later.
+    page.hide();
+    page.show();
+    QCOMPARE(calls(), QStringList());
+}
+
+void CanPageTest::readsFirstNetWhenShown()
+{
+    Page page;
+    calls();
+    page.show();
+    QCOMPARE(calls(), lines({"Can_getFrameType(1) = 0 [1]", "Can_getBaudrate(1) = 0 [250]"}));
+    QCOMPARE(page.frameType->currentText(), QStringLiteral("Extended"));
+    QCOMPARE(page.baudRate->currentText(), QStringLiteral("250"));
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings for CAN1"));
+}
+
+void CanPageTest::opensOnFirstNetAgain()
+{
+    Page page;
+    page.show();
+    page.device->setCurrentIndex(2);
+    page.hide();
+    calls();
+    page.show();
+    // Once by the change of the selection, once directly.
+    QCOMPARE(calls(), lines({"Can_getFrameType(1) = 0 [1]", "Can_getBaudrate(1) = 0 [250]",
+                          "Can_getFrameType(1) = 0 [1]", "Can_getBaudrate(1) = 0 [250]"}));
+    QCOMPARE(page.device->currentIndex(), 0);
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings for CAN1"));
+}
+
+void CanPageTest::readsSelectedNet()
+{
+    Page page;
+    page.show();
+    calls();
+    QTest::keyClick(page.device, Qt::Key_Down);
+    QTest::keyClick(page.device, Qt::Key_End);
+    QCOMPARE(calls(), lines({"Can_getFrameType(2) = 0 [1]", "Can_getBaudrate(2) = 0 [250]",
+                          "Can_getFrameType(4) = 0 [2]", "Can_getBaudrate(4) = 0 [1000]"}));
+    QCOMPARE(page.frameType->currentText(), QStringLiteral("Standard Extended"));
+    QCOMPARE(page.baudRate->currentText(), QStringLiteral("1000"));
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings for CAN4"));
+}
+
+void CanPageTest::frameType_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("index");
+    QTest::newRow("standard") << QStringLiteral("0") << 0;
+    QTest::newRow("extended") << QStringLiteral("1") << 1;
+    QTest::newRow("both") << QStringLiteral("2") << 2;
+    QTest::newRow("unknown") << QStringLiteral("3") << 0;
+    QTest::newRow("far off") << QStringLiteral("200") << 0;
+}
+
+void CanPageTest::frameType()
+{
+    QFETCH(QString, value);
+    setUnit(QStringLiteral("Can.frameType1"), value);
+    Page page;
+    page.show();
+    QTEST(page.frameType->currentIndex(), "index");
+}
+
+void CanPageTest::frameTypeFails_data()
+{
+    addFailureCodes();
+}
+
+void CanPageTest::frameTypeFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Can_getFrameType"), code, 1);
+    Page page;
+    calls();
+    page.show();
+    QStringList expected(QStringLiteral("Can_getFrameType(1) = %1").arg(code));
+    if (code != 2)
+        expected << deviceTextCall(code);
+    expected << QStringLiteral("Can_getBaudrate(1) = 0 [250]");
+    QCOMPARE(calls(), expected);
+    QCOMPARE(describe(dialogs.take()),
+        code == 2 ? QStringList() : QStringList(errorBox(deviceError(code, "getFrameType"))));
+    QVERIFY(page.frameType->isHidden());
+    QVERIFY(page.frameTypeLabel->isHidden());
+    QVERIFY(page.baudRate->isVisible());
+    // A later success doesn't bring them back.
+    QTest::keyClick(page.device, Qt::Key_Down);
+    QVERIFY(page.frameType->isHidden());
+    QVERIFY(page.frameTypeLabel->isHidden());
+}
+
+void CanPageTest::baudRate_data()
+{
+    QTest::addColumn<int>("kbitPerSecond");
+    QTest::addColumn<int>("index");
+    int index = 0;
+    for (const int rate : {100, 125, 250, 500, 800, 1000})
+        QTest::addRow("%d", rate) << rate << index++;
+    QTest::newRow("20") << 20 << 6;
+    QTest::newRow("0") << 0 << 6;
+    QTest::newRow("65535") << 65535 << 6;
+}
+
+void CanPageTest::baudRate()
+{
+    QFETCH(int, kbitPerSecond);
+    QFETCH(int, index);
+    setUnit(QStringLiteral("Can.baudrate1"), QString::number(kbitPerSecond));
+    Page page;
+    page.show();
+    QCOMPARE(page.baudRate->currentIndex(), index);
+    QCOMPARE(page.baudRate->currentText(), QString::number(kbitPerSecond));
+    QCOMPARE(page.baudRate->count(), index < 6 ? 6 : 7);
+}
+
+void CanPageTest::otherBaudRatesPileUp()
+{
+    setUnit(QStringLiteral("Can.baudrate1"), QStringLiteral("20"));
+    setUnit(QStringLiteral("Can.baudrate2"), QStringLiteral("50"));
+    Page page;
+    page.show();
+    QTest::keyClick(page.device, Qt::Key_Down);
+    QTest::keyClick(page.device, Qt::Key_Up);
+    QCOMPARE(items(page.baudRate), fixedRates + lines({"20", "50", "20"}));
+    QCOMPARE(page.baudRate->currentIndex(), 6);
+}
+
+void CanPageTest::baudRateNotSupported()
+{
+    Page page;
+    fault(QStringLiteral("Can_getBaudrate"), 2);
+    page.show();
+    QVERIFY(page.baudRate->isHidden());
+    QVERIFY(page.baudRateLabel->isHidden());
+    QVERIFY(page.frameType->isVisible());
+    QCOMPARE(items(page.baudRate), fixedRates + QStringList(QString()));
+    QCOMPARE(page.baudRate->currentIndex(), 6);
+}
+
+void CanPageTest::baudRateFails_data()
+{
+    addFailureCodes();
+}
+
+void CanPageTest::baudRateFails()
+{
+    QFETCH(int, code);
+    if (code == 2)
+        return baudRateNotSupported();
+    Page page;
+    fault(QStringLiteral("Can_getBaudrate"), code, 1);
+    page.show();
+    // The text goes in twice, and no dialog speaks of it.
+    const QString error = QStringLiteral("getBaudrate: Error:  ") + deviceText(code);
+    QCOMPARE(items(page.baudRate), fixedRates + QStringList({error, error}));
+    QCOMPARE(page.baudRate->currentIndex(), 6);
+    QVERIFY(page.baudRate->isVisible());
+    QVERIFY(page.baudRateLabel->isVisible());
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setFrameType(1, 1) = 0"}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(
+            {errorBox(QStringLiteral("Baud rate invalid format, net 1.")), restartNotice()}));
+}
+
+void CanPageTest::hiddenBaudRateComesBack()
+{
+    Page page;
+    fault(QStringLiteral("Can_getBaudrate"), 2, 1);
+    page.show();
+    QVERIFY(page.baudRate->isHidden());
+    QTest::keyClick(page.device, Qt::Key_Down);
+    QVERIFY(page.baudRate->isVisible());
+    QVERIFY(page.baudRateLabel->isVisible());
+}
+
+void CanPageTest::writesBothSettings_data()
+{
+    QTest::addColumn<int>("net");
+    QTest::addColumn<int>("frameType");
+    QTest::addColumn<int>("baudRate");
+    QTest::addColumn<int>("kbitPerSecond");
+    int index = 0;
+    for (const int rate : {100, 125, 250, 500, 800, 1000}) {
+        QTest::addRow("%d", rate) << index % 4 + 1 << index % 3 << index << rate;
+        ++index;
+    }
+}
+
+void CanPageTest::writesBothSettings()
+{
+    QFETCH(int, net);
+    QFETCH(int, frameType);
+    QFETCH(int, baudRate);
+    QFETCH(int, kbitPerSecond);
+    Page page;
+    page.show();
+    page.device->setCurrentIndex(net - 1);
+    page.frameType->setCurrentIndex(frameType);
+    page.baudRate->setCurrentIndex(baudRate);
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("Can_setFrameType(%1, %2) = 0").arg(net).arg(frameType),
+            QStringLiteral("Can_setBaudrate(%1, %2) = 0").arg(net).arg(kbitPerSecond)}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
+    QCOMPARE(unit(QStringLiteral("Can.baudrate%1").arg(net)), QString::number(kbitPerSecond));
+    QCOMPARE(unit(QStringLiteral("Can.frameType%1").arg(net)), QString::number(frameType));
+}
+
+void CanPageTest::writesOtherBaudRate()
+{
+    setUnit(QStringLiteral("Can.baudrate1"), QStringLiteral("20"));
+    Page page;
+    page.show();
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setFrameType(1, 1) = 0", "Can_setBaudrate(1, 20) = 0"}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
+}
+
+void CanPageTest::refusesOlderOtherBaudRate()
+{
+    setUnit(QStringLiteral("Can.baudrate1"), QStringLiteral("20"));
+    Page page;
+    page.show();
+    page.hide();
+    page.show();
+    page.baudRate->setCurrentIndex(7);
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setFrameType(1, 1) = 0"}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({errorBox(QStringLiteral("Invalid frametype, net 1.")), restartNotice()}));
+}
+
+void CanPageTest::refusesNoBaudRate()
+{
+    Page page;
+    page.show();
+    page.device->setCurrentIndex(1);
+    page.baudRate->setCurrentIndex(-1);
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setFrameType(2, 1) = 0"}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({errorBox(QStringLiteral("Invalid frametype, net 2.")), restartNotice()}));
+}
+
+void CanPageTest::refusesNoFrameType()
+{
+    Page page;
+    page.show();
+    page.device->setCurrentIndex(2);
+    page.frameType->setCurrentIndex(-1);
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({errorBox(QStringLiteral("Invalid frametype, net 3.")), restartNotice()}));
+}
+
+void CanPageTest::writesBaudRateAlone()
+{
+    fault(QStringLiteral("Can_getFrameType"), 2);
+    Page page;
+    page.show();
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setBaudrate(1, 250) = 0"}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
+}
+
+void CanPageTest::writesFrameTypeAlone()
+{
+    Page page;
+    fault(QStringLiteral("Can_getBaudrate"), 2);
+    page.show();
+    calls();
+    QTest::keyClick(page.apply, Qt::Key_Space);
+    QCOMPARE(calls(), lines({"Can_setFrameType(1, 1) = 0"}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
+}
+
+void CanPageTest::setFrameTypeFails_data()
+{
+    addFailureCodes();
+}
+
+void CanPageTest::setFrameTypeFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Can_setFrameType"), code);
+    Page page;
+    page.show();
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), QStringList({QStringLiteral("Can_setFrameType(1, 1) = %1").arg(code),
+                          deviceTextCall(code)}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({errorBox(deviceError(code, "setFrameType")), restartNotice()}));
+}
+
+void CanPageTest::setBaudRateFails_data()
+{
+    addFailureCodes();
+}
+
+void CanPageTest::setBaudRateFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Can_setBaudrate"), code);
+    Page page;
+    page.show();
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("Can_setFrameType(1, 1) = 0"),
+            QStringLiteral("Can_setBaudrate(1, 250) = %1").arg(code), deviceTextCall(code)}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({errorBox(deviceError(code, "setBaudrate")), restartNotice()}));
+}
+
+VORN_TEST_MAIN(CanPageTest)
+#include "tst_canpage.moc"
