@@ -1,0 +1,808 @@
+#include "pages/tabTouchDlg.h"
+#include "tests/support/DeviceTest.h"
+#include "tests/support/pageChecks.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QProcess>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextEdit>
+
+#include <iterator>
+
+using namespace support;
+
+namespace {
+
+/** The page with its widgets at hand. */
+struct Page : tabTouchDlg {
+    QTabWidget *tabs = child<QTabWidget>(this, "tabWidget");
+    QGroupBox *profile = child<QGroupBox>(this, "groupSettings");
+    QCheckBox *mouse = child<QCheckBox>(this, "checkBoxMouse");
+    QCheckBox *touch = child<QCheckBox>(this, "checkBox_Touch");
+    QPushButton *apply = child<QPushButton>(this, "pushButtonApply");
+    QPushButton *applyNextBoot = child<QPushButton>(this, "pushButtonApplyNextBoot");
+    QPushButton *calibrate = child<QPushButton>(this, "pushButtonCalib");
+    QComboBox *points = child<QComboBox>(this, "comboBoxCalib");
+    QComboBox *parameter = child<QComboBox>(this, "comboBoxParameter");
+    QLineEdit *value = child<QLineEdit>(this, "editTimeData");
+    QLabel *measure = child<QLabel>(this, "label_DataType");
+    QPushButton *applySetting = child<QPushButton>(this, "pushButtonApplySetting");
+    QTextEdit *dump = child<QTextEdit>(this, "textEdit");
+    QPushButton *defaults = child<QPushButton>(this, "pushButtonDefaults");
+    QLabel *defaultsLabel = child<QLabel>(this, "label_defaults");
+
+    QString dumpText() const { return dump->toPlainText(); }
+    void showAdvanced()
+    {
+        show();
+        tabs->setCurrentIndex(1);
+    }
+};
+
+void click(QWidget *widget)
+{
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+struct Parameter {
+    const char *listName;
+    const char *property;
+    const char *dumpName;
+    const char *measure;
+    int highest;
+    const char *message; // of a value above the highest
+};
+
+constexpr Parameter parameters[] = {
+    {"RightClickTime", "rightClickTime", "RIGHT_CLICK_TIME: ", "Milliseconds (0..65535)", 65535,
+        nullptr},
+    {"LowLevel", "lowLevel", "LOW_LEVEL: ", "A/D value (0..4095)", 4095,
+        "Invalid data format. The TS_LOW_LEVEL parameter range is 0-4095."},
+    {"UnTouchLevel", "untouchLevel", "UNTOUCHLEVEL: ", "A/D value (0..4095)", 4095,
+        "Invalid data format. The TS_UNTOUCHLEVEL parameter range is 0-4095."},
+    {"DebounceTime", "debounceTime", "DEBOUNCE_TIME: ", "Milliseconds (0..16383)", 16383,
+        "Invalid data format. The TS_DEBOUNCE_TIME parameter range is 0-16383."},
+    {"DebounceTimeoutTime", "debounceTimeoutTime",
+        "DEBOUNCE_TIMEOUT_TIME: ", "Milliseconds (0..16383)", 16383,
+        "Invalid data format. The TS_DEBOUNCE_TIMEOUT_TIME parameter range is 0-16383."},
+    {"DoubleClickMaxClickTime", "doubleClickMaxClickTime",
+        "DOUBLECLICK_MAX_CLICK_TIME: ", "Milliseconds (0..16383)", 16383,
+        "Invalid data format. The TS_DOUBLECLICK_MAX_CLICK_TIME parameter range is 0-16383."},
+    {"DoubleClickTime", "doubleClickTime", "DOUBLE_CLICK_TIME: ", "Milliseconds (0..16383)", 16383,
+        "Invalid data format. The TS_DOUBLE_CLICK_TIME parameter range is 0-16383."},
+    {"MaxRightClickDistance", "maxRightClickDistance",
+        "MAX_RIGHTCLICK_DISTANCE: ", "Pixels (0..32767)", 32767,
+        "Invalid data format. The TS_MAX_RIGHT_CLICK_DISTANCE parameter range is 0-32767."},
+    {"UseDejitter", "useDejitter", "USE_DEJITTER: ", "Boolean (0..1)", 65535, nullptr},
+    {"CalibrationWidth", "calibrationWidth", "CALIBTATION_WIDTH: ", "Pixels (0..32767)", 32767,
+        "Invalid data format. The TS_CALIBRATION_WIDTH parameter range is 0-32767."},
+    {"CalibrationMeasurements", "calibrationMeasurements",
+        "CALIBRATION_MEASUREMENTS: ", "(0..65535)", 65535, nullptr},
+};
+constexpr int parameterCount = int(std::size(parameters));
+
+QString latin1(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+QString errorBox(const QString &text)
+{
+    return box(QMessageBox::Critical, "Vornsettings", text, "tabTouch");
+}
+
+/** Processes of this one that have ended and that nobody has asked for. */
+QStringList zombies()
+{
+    QStringList found;
+    QFile children(
+        QStringLiteral("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
+    if (!children.open(QIODevice::ReadOnly))
+        return found;
+    const QString pids = QString::fromLatin1(children.readAll());
+    for (const QString &pid : pids.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+        if (stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z "))
+            found << pid;
+    }
+    return found;
+}
+
+} // namespace
+
+class TouchPageTest : public DeviceTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void widget_data();
+    void widget();
+    void layout();
+    void readsParametersWhenMade();
+    void readsModeAndParametersWhenShown();
+    void mode_data();
+    void mode();
+    void profilesExcludeEachOther();
+    void modeNotSupported();
+    void modeFails_data();
+    void modeFails();
+    void writesMode_data();
+    void writesMode();
+    void writesTouchModeWithoutProfile();
+    void setModeFails_data();
+    void setModeFails();
+    void selectsParameter_data();
+    void selectsParameter();
+    void parameterFails_data();
+    void parameterFails();
+    void unknownParameter();
+    void writesHighestValue_data();
+    void writesHighestValue();
+    void refusesHigherValue_data();
+    void refusesHigherValue();
+    void valueTexts_data();
+    void valueTexts();
+    void refusesMissingParameter();
+    void setParameterFails_data();
+    void setParameterFails();
+    void restoresDefaults();
+    void restoreDefaultsFails_data();
+    void restoreDefaultsFails();
+    void showsDefaultsBesideAdvanced();
+    void dumpOfFailures_data();
+    void dumpOfFailures();
+    void dumpPauses();
+    void calibrates_data();
+    void calibrates();
+    void calibratorMissing();
+    void calibratorEndsWithProgram();
+
+private:
+    /** The calls of one dump of the values that init() has set. */
+    static QStringList dumpCalls();
+    static QStringList parameterCall(int number, int value);
+    static int value(int number) { return 500 + number; }
+    /** A calibrator beside this program. */
+    void installCalibrator(const char *script);
+    void removeCalibrator();
+};
+
+void TouchPageTest::init()
+{
+    DeviceTest::init();
+    for (int number = 0; number < parameterCount; ++number)
+        setUnit(QStringLiteral("Touch.") + latin1(parameters[number].property),
+            QString::number(value(number)));
+    calls();
+}
+
+void TouchPageTest::cleanup()
+{
+    qDeleteAll(qApp->findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly));
+    removeCalibrator();
+    DeviceTest::cleanup();
+}
+
+QStringList TouchPageTest::parameterCall(int number, int value)
+{
+    return {QStringLiteral("Touch_getAdvancedSetting(%1) = 0 [%2]").arg(number).arg(value)};
+}
+
+QStringList TouchPageTest::dumpCalls()
+{
+    QStringList lines;
+    for (int number = 0; number < parameterCount; ++number)
+        lines << parameterCall(number, value(number));
+    return lines;
+}
+
+void TouchPageTest::widget_data()
+{
+    addWidgetColumns();
+    addWidget("tabTouch", "tabTouchDlg", "Touch Screen");
+    addWidget("icon", "QLabel");
+    addWidget("tabWidget", "QTabWidget");
+    addWidget("tab", "QWidget", "Settings");
+    addWidget("groupSettings", "QGroupBox", "Profile");
+    addWidget("pushButtonApply", "QPushButton", "Apply");
+    addWidget("pushButtonApplyNextBoot", "QPushButton", "Apply at next boot");
+    addWidget("checkBoxMouse", "QCheckBox", "Use mouse profile");
+    addWidget("checkBox_Touch", "QCheckBox", "Use touch profile");
+    addWidget("groupCalibration", "QGroupBox", "Calibration");
+    addWidget("pushButtonCalib", "QPushButton", "Calibrate Now");
+    addWidget("comboBoxCalib", "QComboBox", "",
+        "Use the 13p calibration if the 5p gives poor result at the edges of the display");
+    addWidget("tab_2", "QWidget", "Advanced");
+    addWidget("groupBox", "QGroupBox", "Settings");
+    addWidget("comboBoxParameter", "QComboBox");
+    addWidget("editTimeData", "QLineEdit", "", "Range: 0 to 65535");
+    addWidget("pushButtonApplySetting", "QPushButton", "Apply");
+    addWidget("textEdit", "QTextEdit");
+    addWidget("pushButtonDefaults", "QPushButton", "Defaults");
+    addWidget("label_DataType", "QLabel", "Milliseconds (0..65535)");
+}
+
+void TouchPageTest::widget()
+{
+    const Page page;
+    checkWidget(&page);
+}
+
+void TouchPageTest::layout()
+{
+    Page page;
+    QCOMPARE(page.size(), QSize(600, 320));
+    QCOMPARE(child<QLabel>(&page, "icon")->geometry(), QRect(525, 15, 60, 60));
+    QVERIFY(!child<QLabel>(&page, "icon")->pixmap(Qt::ReturnByValue).isNull());
+    QCOMPARE(page.tabs->count(), 2);
+    QCOMPARE(page.tabs->currentIndex(), 0);
+    QCOMPARE(page.value->maxLength(), 32767);
+    QVERIFY(page.value->alignment() & Qt::AlignRight);
+    QCOMPARE(page.defaults->parentWidget(), &page);
+    QCOMPARE(page.defaultsLabel->parentWidget(), &page);
+    QVERIFY(page.defaults->isHidden());
+    QVERIFY(page.defaultsLabel->isHidden());
+    QTextDocument text;
+    text.setHtml(page.defaultsLabel->text());
+    QCOMPARE(text.toPlainText(), QStringLiteral("Restore all \nadvanced settings"));
+    QVERIFY(page.defaultsLabel->text().contains(QLatin1String("font-size:8pt")));
+    for (const QWidget *unnamed : {static_cast<QWidget *>(page.points),
+             static_cast<QWidget *>(page.parameter), static_cast<QWidget *>(page.dump)})
+        QVERIFY(!unnamed->accessibleName().isEmpty());
+    page.show();
+    QCOMPARE(tooSmall(&page), QStringList());
+    QCOMPARE(clipped(&page), QStringList());
+    // All of a box can be pressed.
+    QTest::mouseClick(page.mouse, Qt::LeftButton, Qt::NoModifier,
+        page.mouse->rect().bottomRight() - QPoint(10, 5));
+    QVERIFY(page.mouse->isChecked());
+    page.showAdvanced();
+    for (int number = 0; number < parameterCount; ++number) {
+        page.parameter->setCurrentIndex(number);
+        QCOMPARE(tooSmall(&page), QStringList());
+        QCOMPARE(clipped(&page), QStringList());
+    }
+}
+
+void TouchPageTest::readsParametersWhenMade()
+{
+    {
+        const Page page;
+        QCOMPARE(calls(),
+            QStringList(QStringLiteral("Touch_create()")) + parameterCall(0, 500) + dumpCalls());
+        QStringList names;
+        for (const Parameter &parameter : parameters)
+            names << latin1(parameter.listName);
+        QStringList items;
+        for (int index = 0; index < page.parameter->count(); ++index)
+            items << page.parameter->itemText(index);
+        QCOMPARE(items, names);
+        QCOMPARE(page.points->count(), 2);
+        QCOMPARE(page.points->itemText(0), QStringLiteral("5-point calibration"));
+        QCOMPARE(page.points->itemText(1), QStringLiteral("13-point calibration"));
+        QCOMPARE(page.value->text(), QStringLiteral("500"));
+        QString dump;
+        for (int number = 0; number < parameterCount; ++number)
+            dump += latin1(parameters[number].dumpName) + QString::number(value(number)) +
+                    QLatin1Char('\n');
+        QCOMPARE(page.dumpText(), dump);
+    }
+    QCOMPARE(calls(), QStringList(QStringLiteral("Touch_release()")));
+}
+
+void TouchPageTest::readsModeAndParametersWhenShown()
+{
+    Page page;
+    setUnit(QStringLiteral("Touch.mode"), QStringLiteral("2"));
+    setUnit(QStringLiteral("Touch.lowLevel"), QStringLiteral("77"));
+    calls();
+    page.show();
+    QStringList expected = dumpCalls();
+    expected[1] = QStringLiteral("Touch_getAdvancedSetting(1) = 0 [77]");
+    expected.prepend(QStringLiteral("Touch_getMode() = 0 [2]"));
+    QCOMPARE(calls(), expected);
+    QVERIFY(page.dumpText().contains(QLatin1String("\nLOW_LEVEL: 77\n")));
+}
+
+void TouchPageTest::mode_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<bool>("mouse");
+    QTest::newRow("mouse at next boot") << QStringLiteral("0") << true;
+    QTest::newRow("touch at next boot") << QStringLiteral("1") << false;
+    QTest::newRow("mouse") << QStringLiteral("2") << true;
+    QTest::newRow("touch") << QStringLiteral("3") << false;
+    QTest::newRow("unknown") << QStringLiteral("4") << false;
+}
+
+void TouchPageTest::mode()
+{
+    QFETCH(QString, mode);
+    QFETCH(bool, mouse);
+    Page page;
+    QVERIFY(!page.mouse->isChecked());
+    QVERIFY(!page.touch->isChecked());
+    (mouse ? page.touch : page.mouse)->setChecked(true);
+    setUnit(QStringLiteral("Touch.mode"), mode);
+    page.show();
+    QCOMPARE(page.mouse->isChecked(), mouse);
+    QCOMPARE(page.touch->isChecked(), !mouse);
+}
+
+void TouchPageTest::profilesExcludeEachOther()
+{
+    setUnit(QStringLiteral("Touch.mode"), QStringLiteral("3"));
+    Page page;
+    page.show();
+    calls();
+    click(page.mouse);
+    QVERIFY(page.mouse->isChecked());
+    QVERIFY(!page.touch->isChecked());
+    click(page.mouse);
+    QVERIFY(page.mouse->isChecked());
+    click(page.touch);
+    QVERIFY(page.touch->isChecked());
+    QVERIFY(!page.mouse->isChecked());
+    QCOMPARE(calls(), QStringList());
+}
+
+void TouchPageTest::modeNotSupported()
+{
+    fault(QStringLiteral("Touch_getMode"), 2, 1);
+    Page page;
+    page.show();
+    QVERIFY(page.profile->isHidden());
+    QVERIFY(page.apply->isHidden());
+    QVERIFY(page.applyNextBoot->isHidden());
+    QVERIFY(!page.mouse->isEnabled());
+    QVERIFY(!page.touch->isEnabled());
+    QVERIFY(page.calibrate->isVisible());
+    QCOMPARE(page.profile->toolTip(), QString());
+    // The answer of a later read brings nothing back.
+    page.hide();
+    page.show();
+    QVERIFY(page.profile->isHidden());
+    QVERIFY(!page.mouse->isEnabled());
+}
+
+void TouchPageTest::modeFails_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::modeFails()
+{
+    QFETCH(int, code);
+    if (code == 2)
+        return modeNotSupported();
+    fault(QStringLiteral("Touch_getMode"), code, 1);
+    Page page;
+    calls();
+    page.show();
+    QCOMPARE(calls(), QStringList(QStringLiteral("Touch_getMode() = %1").arg(code)) + dumpCalls());
+    QVERIFY(page.profile->isVisible());
+    QVERIFY(!page.profile->isEnabled());
+    QVERIFY(!page.apply->isEnabled());
+    QVERIFY(!page.applyNextBoot->isEnabled());
+    QCOMPARE(page.profile->toolTip(), QStringLiteral("Requires KV Front controller >= v0.5.0.0"));
+    page.hide();
+    page.show();
+    QVERIFY(!page.profile->isEnabled());
+}
+
+void TouchPageTest::writesMode_data()
+{
+    QTest::addColumn<bool>("mouse");
+    QTest::addColumn<bool>("nextBoot");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("mouse") << true << false << 2;
+    QTest::newRow("touch") << false << false << 3;
+    QTest::newRow("mouse at next boot") << true << true << 0;
+    QTest::newRow("touch at next boot") << false << true << 1;
+}
+
+void TouchPageTest::writesMode()
+{
+    QFETCH(bool, mouse);
+    QFETCH(bool, nextBoot);
+    QFETCH(int, mode);
+    Page page;
+    page.show();
+    click(mouse ? page.mouse : page.touch);
+    calls();
+    click(nextBoot ? page.applyNextBoot : page.apply);
+    QCOMPARE(calls(), QStringList(QStringLiteral("Touch_setMode(%1) = 0").arg(mode)));
+}
+
+void TouchPageTest::writesTouchModeWithoutProfile()
+{
+    Page page;
+    // No profile is checked before the unit has told one.
+    page.apply->click();
+    page.applyNextBoot->click();
+    QCOMPARE(calls().mid(12),
+        QStringList({QStringLiteral("Touch_getAdvancedSetting(10) = 0 [510]")}) +
+            QStringList(
+                {QStringLiteral("Touch_setMode(3) = 0"), QStringLiteral("Touch_setMode(1) = 0")}));
+}
+
+void TouchPageTest::setModeFails_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::setModeFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Touch_setMode"), code);
+    Page page;
+    page.show();
+    click(page.apply);
+    click(page.applyNextBoot);
+    const QString error = errorBox(deviceError(code, "TouchScreenModeSettings"));
+    QCOMPARE(describe(dialogs.take()), QStringList({error, error}));
+}
+
+void TouchPageTest::selectsParameter_data()
+{
+    QTest::addColumn<int>("number");
+    for (int number = 1; number < parameterCount; ++number)
+        QTest::newRow(parameters[number].listName) << number;
+}
+
+void TouchPageTest::selectsParameter()
+{
+    QFETCH(int, number);
+    Page page;
+    page.showAdvanced();
+    page.parameter->setCurrentIndex(number - 1);
+    calls();
+    QTest::keyClick(page.parameter, Qt::Key_Down);
+    QCOMPARE(calls(), parameterCall(number, value(number)) + dumpCalls());
+    QCOMPARE(page.value->text(), QString::number(value(number)));
+    QCOMPARE(page.measure->text(), latin1(parameters[number].measure));
+}
+
+void TouchPageTest::parameterFails_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::parameterFails()
+{
+    QFETCH(int, code);
+    Page page;
+    page.showAdvanced();
+    calls();
+    fault(QStringLiteral("Touch_getAdvancedSetting"), code, 1);
+    QTest::keyClick(page.parameter, Qt::Key_Down);
+    QCOMPARE(calls(),
+        QStringList(QStringLiteral("Touch_getAdvancedSetting(1) = %1").arg(code)) + dumpCalls());
+    QCOMPARE(page.value->text(), QStringLiteral("Error"));
+    QCOMPARE(page.measure->text(), QStringLiteral("A/D value (0..4095)"));
+}
+
+void TouchPageTest::unknownParameter()
+{
+    Page page;
+    page.parameter->addItem(QStringLiteral("Restore"));
+    calls();
+    page.parameter->setCurrentIndex(parameterCount);
+    QVERIFY(calls().constFirst().startsWith(QLatin1String("Touch_getAdvancedSetting(11) = ")));
+    QCOMPARE(page.measure->text(), QStringLiteral("ERROR"));
+    page.parameter->setCurrentIndex(-1);
+    QCOMPARE(page.measure->text(), QStringLiteral("ERROR"));
+}
+
+void TouchPageTest::writesHighestValue_data()
+{
+    QTest::addColumn<int>("number");
+    for (int number = 0; number < parameterCount; ++number)
+        QTest::newRow(parameters[number].listName) << number;
+}
+
+void TouchPageTest::writesHighestValue()
+{
+    QFETCH(int, number);
+    const int highest = parameters[number].highest;
+    Page page;
+    page.showAdvanced();
+    page.parameter->setCurrentIndex(number);
+    page.value->clear();
+    QTest::keyClicks(page.value, QString::number(highest));
+    calls();
+    click(page.applySetting);
+    QStringList expected = dumpCalls();
+    expected[number] = parameterCall(number, highest).constFirst();
+    expected.prepend(
+        QStringLiteral("Touch_setAdvancedSetting(%1, %2) = 0").arg(number).arg(highest));
+    QCOMPARE(calls(), expected);
+    QCOMPARE(page.value->text(), QString::number(highest));
+}
+
+void TouchPageTest::refusesHigherValue_data()
+{
+    QTest::addColumn<int>("number");
+    for (int number = 0; number < parameterCount; ++number)
+        QTest::newRow(parameters[number].listName) << number;
+}
+
+void TouchPageTest::refusesHigherValue()
+{
+    QFETCH(int, number);
+    Page page;
+    page.showAdvanced();
+    page.parameter->setCurrentIndex(number);
+    page.value->setText(QString::number(parameters[number].highest + 1));
+    calls();
+    click(page.applySetting);
+    QCOMPARE(calls(), QStringList());
+    const char *message = parameters[number].message;
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(
+            errorBox(latin1(message ? message : "Invalid data format. Please enter 0-65535."))));
+}
+
+void TouchPageTest::valueTexts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("value"); // -1: no number
+    QTest::newRow("empty") << QString() << -1;
+    QTest::newRow("blank") << QStringLiteral("  ") << -1;
+    QTest::newRow("zero") << QStringLiteral("0") << 0;
+    QTest::newRow("leading zeros") << QStringLiteral("00012") << 12;
+    QTest::newRow("blanks around") << QStringLiteral(" 12 ") << 12;
+    QTest::newRow("plus") << QStringLiteral("+12") << 12;
+    QTest::newRow("minus") << QStringLiteral("-12") << -1;
+    QTest::newRow("highest") << QStringLiteral("65535") << 65535;
+    QTest::newRow("too high") << QStringLiteral("65536") << -1;
+    QTest::newRow("70000") << QStringLiteral("70000") << -1;
+    QTest::newRow("huge") << QString(500, QLatin1Char('9')) << -1;
+    QTest::newRow("wraps at 32 bits") << QStringLiteral("4294967297") << -1;
+    QTest::newRow("wraps at 64 bits") << QStringLiteral("18446744073709551617") << -1;
+    QTest::newRow("hexadecimal") << QStringLiteral("0x10") << -1;
+    QTest::newRow("hexadecimal digits") << QStringLiteral("ff") << -1;
+    QTest::newRow("group dot") << QStringLiteral("1.000") << -1;
+    QTest::newRow("group comma") << QStringLiteral("1,000") << -1;
+    QTest::newRow("group blank") << QStringLiteral("1 000") << -1;
+    QTest::newRow("fraction") << QStringLiteral("1.5") << -1;
+    QTest::newRow("exponent") << QStringLiteral("1e3") << -1;
+    QTest::newRow("letters") << QStringLiteral("abc") << -1;
+    QTest::newRow("letters behind") << QStringLiteral("12ms") << -1;
+    QTest::newRow("error text") << QStringLiteral("Error") << -1;
+    QTest::newRow("Arabic digits") << QString::fromUtf8("\xD9\xA1\xD9\xA2") << -1;
+    QTest::newRow("full width digits") << QString::fromUtf8("\xEF\xBC\x91\xEF\xBC\x92") << -1;
+}
+
+void TouchPageTest::valueTexts()
+{
+    QFETCH(QString, text);
+    QFETCH(int, value);
+    const QLocale former;
+    const auto restore = qScopeGuard([former] { QLocale::setDefault(former); });
+    Page page;
+    page.showAdvanced();
+    for (const char *name : {"C", "de_DE", "ar_EG"}) {
+        QLocale::setDefault(QLocale(latin1(name)));
+        page.value->setText(text);
+        calls();
+        click(page.applySetting);
+        const QStringList done = calls();
+        if (value < 0) {
+            QCOMPARE(done, QStringList());
+            QCOMPARE(describe(dialogs.take()), QStringList(errorBox(QStringLiteral(
+                                                   "Invalid data format. Please enter 0-65535."))));
+        } else {
+            QCOMPARE(
+                done.value(0), QStringLiteral("Touch_setAdvancedSetting(0, %1) = 0").arg(value));
+            QCOMPARE(done.count(), 1 + parameterCount);
+        }
+    }
+}
+
+void TouchPageTest::refusesMissingParameter()
+{
+    Page page;
+    page.showAdvanced();
+    page.parameter->addItem(QStringLiteral("Restore"));
+    for (const int index : {parameterCount, -1}) {
+        page.parameter->setCurrentIndex(index);
+        page.value->setText(QStringLiteral("1"));
+        calls();
+        click(page.applySetting);
+        QCOMPARE(calls(), QStringList());
+        QCOMPARE(describe(dialogs.take()), QStringList(errorBox(QStringLiteral("Internal error"))));
+    }
+}
+
+void TouchPageTest::setParameterFails_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::setParameterFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Touch_setAdvancedSetting"), code);
+    Page page;
+    page.showAdvanced();
+    calls();
+    QTest::keyClick(page.applySetting, Qt::Key_Space);
+    QCOMPARE(
+        calls(), QStringList({QStringLiteral("Touch_setAdvancedSetting(0, 500) = %1").arg(code),
+                     deviceTextCall(code)}) +
+                     dumpCalls());
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(
+            errorBox(QStringLiteral("Error setAdvancedSetting: %1\n").arg(deviceText(code)))));
+}
+
+void TouchPageTest::restoresDefaults()
+{
+    Page page;
+    page.showAdvanced();
+    calls();
+    click(page.defaults);
+    const QStringList done = calls();
+    QCOMPARE(done.value(0), QStringLiteral("Touch_setAdvancedSetting(11, 1) = 0"));
+    QCOMPARE(done.count(), 1 + parameterCount);
+    QVERIFY(!page.dumpText().contains(QLatin1String("LOW_LEVEL: 501\n")));
+    // The field keeps the former value.
+    QCOMPARE(page.value->text(), QStringLiteral("500"));
+}
+
+void TouchPageTest::restoreDefaultsFails_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::restoreDefaultsFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Touch_setAdvancedSetting"), code);
+    Page page;
+    page.showAdvanced();
+    calls();
+    click(page.defaults);
+    QCOMPARE(calls(), QStringList({QStringLiteral("Touch_setAdvancedSetting(11, 1) = %1").arg(code),
+                          deviceTextCall(code)}));
+    QCOMPARE(
+        describe(dialogs.take()), QStringList(errorBox(deviceError(code, "setAdvancedSetting"))));
+}
+
+void TouchPageTest::showsDefaultsBesideAdvanced()
+{
+    Page page;
+    page.show();
+    calls();
+    auto *bar = page.tabs->findChild<QTabBar *>();
+    QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(1).center());
+    QVERIFY(page.defaults->isVisible());
+    QVERIFY(page.defaultsLabel->isVisible());
+    QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(0).center());
+    QVERIFY(page.defaults->isHidden());
+    QVERIFY(page.defaultsLabel->isHidden());
+    QCOMPARE(calls(), QStringList());
+}
+
+void TouchPageTest::dumpOfFailures_data()
+{
+    addFailureCodes();
+}
+
+void TouchPageTest::dumpOfFailures()
+{
+    QFETCH(int, code);
+    Page page;
+    fault(QStringLiteral("Touch_getAdvancedSetting"), code, 1, 3);
+    page.show();
+    const QStringList lines = page.dumpText().split(QLatin1Char('\n'));
+    QCOMPARE(lines.value(2), QStringLiteral("UNTOUCHLEVEL: 502"));
+    QCOMPARE(lines.value(3),
+        QStringLiteral("DEBOUNCE_TIME: Error getAdvancedSetting: ") + deviceText(code));
+    QCOMPARE(lines.value(4), QStringLiteral("DEBOUNCE_TIMEOUT_TIME: 504"));
+    QCOMPARE(lines.count(), parameterCount + 1);
+}
+
+void TouchPageTest::dumpPauses()
+{
+    Page page;
+    QElapsedTimer time;
+    time.start();
+    page.show();
+    QVERIFY2(time.elapsed() >= 110, qPrintable(QString::number(time.elapsed())));
+}
+
+void TouchPageTest::installCalibrator(const char *script)
+{
+    QFile file(QCoreApplication::applicationDirPath() + QLatin1String("/TouchCalibrator.exe"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(script);
+    file.close();
+    QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
+void TouchPageTest::removeCalibrator()
+{
+    QFile::remove(QCoreApplication::applicationDirPath() + QLatin1String("/TouchCalibrator.exe"));
+}
+
+void TouchPageTest::calibrates_data()
+{
+    QTest::addColumn<int>("points");
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::newRow("5 points") << 0 << QByteArray("1 <>");
+    QTest::newRow("13 points") << 1 << QByteArray("1 <--13p>");
+    QTest::newRow("none chosen") << -1 << QByteArray("1 <>");
+}
+
+void TouchPageTest::calibrates()
+{
+    QFETCH(int, points);
+    const QTemporaryDir folder;
+    const QString told = folder.filePath(QStringLiteral("arguments"));
+    qputenv("TOLD", told.toLocal8Bit());
+    installCalibrator("#!/bin/sh\nprintf '%s <%s>' $# \"$1\" >\"$TOLD.new\"\n"
+                      "mv \"$TOLD.new\" \"$TOLD\"\n");
+    Page page;
+    page.show();
+    page.points->setCurrentIndex(points);
+    calls();
+    click(page.calibrate);
+    QCOMPARE(calls(), QStringList());
+    QTRY_VERIFY(QFile::exists(told));
+    QFile file(told);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QTEST(file.readAll(), "arguments");
+    const auto *process = qApp->findChild<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(process);
+    QTRY_COMPARE(process->state(), QProcess::NotRunning);
+    QCOMPARE(zombies(), QStringList());
+}
+
+void TouchPageTest::calibratorMissing()
+{
+    Page page;
+    page.show();
+    click(page.calibrate);
+    click(page.calibrate);
+    const auto processes = qApp->findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
+    QCOMPARE(processes.count(), 2);
+    for (const QProcess *process : processes)
+        QTRY_COMPARE(process->state(), QProcess::NotRunning);
+    QCOMPARE(zombies(), QStringList());
+    QCOMPARE(dialogs.takeTexts(), QStringList());
+    QCOMPARE(takeWarnings(), QStringList());
+}
+
+void TouchPageTest::calibratorEndsWithProgram()
+{
+    installCalibrator("#!/bin/sh\nexec sleep 100\n");
+    Page page;
+    page.show();
+    click(page.calibrate);
+    const auto *process = qApp->findChild<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(process);
+    QTRY_COMPARE(process->state(), QProcess::Running);
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+    QCOMPARE(process->state(), QProcess::NotRunning);
+    QCOMPARE(zombies(), QStringList());
+}
+
+VORN_TEST_MAIN(TouchPageTest)
+#include "tst_touchpage.moc"
