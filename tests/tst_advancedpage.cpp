@@ -1,0 +1,1048 @@
+#include "pages/tabAdvancedDlg.h"
+#include "report/factoryDefaults.h"
+#include "tests/support/DeviceTest.h"
+#include "tests/support/pageChecks.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QQueue>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+
+#include <dlfcn.h>
+
+#include <functional>
+#include <memory>
+
+using namespace support;
+
+namespace {
+
+/** What a test does to the questions for a job's progress. */
+struct Questions {
+    std::function<void(int)> asked; ///< at each question, with its number from 0
+    QQueue<FirmwareUpgradeStatus>
+        answers; ///< given instead of the library's own, as long as it lasts
+    int count = 0;
+    FirmwareUpgradeStatus last = {};
+    bool alwaysWaits = true;
+};
+
+Questions questions;
+
+} // namespace
+
+/** Stands before the library's own operation, to which it hands on. A sound library has no states
+ *  beyond the known ones, so a test must be able to make them up. */
+DeviceCode Firmware_getUpgradeStatus(
+    FirmwareHandle handle, FirmwareUpgradeStatus *status, bool wait)
+{
+    using Operation = DeviceCode (*)(FirmwareHandle, FirmwareUpgradeStatus *, bool);
+    static const auto library =
+        reinterpret_cast<Operation>(dlsym(RTLD_NEXT, "Firmware_getUpgradeStatus"));
+    if (questions.asked)
+        questions.asked(questions.count);
+    ++questions.count;
+    questions.alwaysWaits = questions.alwaysWaits && wait;
+    DeviceCode code = DEVICE_OK;
+    if (questions.answers.isEmpty())
+        code = library(handle, status, wait);
+    else
+        *status = questions.answers.dequeue();
+    questions.last = *status;
+    return code;
+}
+
+namespace {
+
+/** The page with its widgets at hand. */
+struct Page : tabAdvancedDlg {
+    QLineEdit *file = child<QLineEdit>(this, "editFileName");
+    QPushButton *choose = child<QPushButton>(this, "buttonFile");
+    QPushButton *fpga = child<QPushButton>(this, "buttonProgFPGA");
+    QPushButton *front = child<QPushButton>(this, "buttonProgFront");
+    QPushButton *supervisor = child<QPushButton>(this, "buttonProgSS");
+    QCheckBox *verify = child<QCheckBox>(this, "checkBox");
+    QPushButton *shutdown = child<QPushButton>(this, "buttonShutdown");
+    QPushButton *defaults = child<QPushButton>(this, "buttonDefaults");
+
+    QPushButton *button(const char *name) { return child<QPushButton>(this, name); }
+    /** The one of the last job. */
+    QProgressDialog *progress() { return findChildren<QProgressDialog *>().value(jobs() - 1); }
+    int jobs() { return int(findChildren<QProgressDialog *>().count()); }
+};
+
+void click(QWidget *widget)
+{
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+QString latin1(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+constexpr char image[] = ":0400000001020304F2\n:00000001FF\n";
+constexpr char otherImage[] = ":0400000001020305F1\n:00000001FF\n";
+
+constexpr char yesNo[] = "Yes No";
+constexpr char powerTip[] =
+    "After an update, shut down the OS and then turn off the power to the unit for 10 seconds.";
+constexpr char resetTip[] = "Reset all settings to factory default state";
+
+QString upgradeQuestion()
+{
+    return box(QMessageBox::Warning, "Update progress",
+        QStringLiteral("This operation may cause harm to your device.\nDo you want to continue?"),
+        "tabAdvanced", yesNo);
+}
+
+QString supervisorQuestion()
+{
+    return box(QMessageBox::Warning, "Update progress",
+        QStringLiteral("This operation may cause harm to your device.\nAfter the update, the unit "
+                       "power must be turned off and then on again.\nDo you want to continue?"),
+        "tabAdvanced", yesNo);
+}
+
+QString supervisorVerificationQuestion()
+{
+    return box(QMessageBox::Warning, "Verify",
+        QStringLiteral(
+            "After verifying SS, the unit power must be turned off and then on again.\n\nIf you "
+            "are verifying after an upgrade, or after another verification, the process may fail "
+            "in the state preparing communication. In this case, it may work to retry.\n\nDo you "
+            "want to continue?"),
+        "tabAdvanced", yesNo);
+}
+
+QString upgraded()
+{
+    return box(QMessageBox::Information, "Update progress",
+        QStringLiteral("Software update succeeded!\nPlease shut down the computer in order for the "
+                       "update to take effect."),
+        "tabAdvanced");
+}
+
+QString supervisorUpgraded()
+{
+    return box(QMessageBox::Information, "Update progress",
+        QStringLiteral("Software update succeeded!\nPlease shut down the OS and \nthen toggle the "
+                       "unit power for the update to take effect.\n\nIt is safe to turn off power "
+                       "when the screen is all white."),
+        "tabAdvanced");
+}
+
+QString verified()
+{
+    return box(QMessageBox::Information, "Verify",
+        QStringLiteral("Software verification succeeded!"), "tabAdvanced");
+}
+
+QString supervisorVerified()
+{
+    return box(QMessageBox::Information, "Verify",
+        QStringLiteral("Software verification succeeded!\nPlease shut down the OS and \nthen "
+                       "toggle the unit power.\n\nIt is safe to turn off power when the screen is "
+                       "all white."),
+        "tabAdvanced");
+}
+
+QString failed(const char *state, int percent, int code)
+{
+    return box(QMessageBox::Critical, "Update progress",
+        QStringLiteral("Upgrade failed in state: %1 (%2%). \nError: %3")
+            .arg(latin1(state), QString::number(percent), latin1(deviceErrorText(code))),
+        "tabAdvanced");
+}
+
+QString errorBox(int code, const char *operation)
+{
+    return box(QMessageBox::Critical, "Vornsettings", deviceError(code, operation), "tabAdvanced");
+}
+
+/** The three targets in both modes. */
+struct Job {
+    const char *name;
+    const char *button;
+    bool verify;
+    const char *suffix;
+    const char *operation;
+    QString (*question)(); // null: none
+    QString (*success)();
+    const char *version;
+};
+
+const Job jobs[] = {
+    {"program FPGA", "buttonProgFPGA", false, "mcs", "startFpgaUpgrade", upgradeQuestion, upgraded,
+        "Versions.fpga"},
+    {"program front", "buttonProgFront", false, "hex", "startFrontUpgrade", upgradeQuestion,
+        upgraded, "Versions.front"},
+    {"program supervisor", "buttonProgSS", false, "hex", "startSSUpgrade", supervisorQuestion,
+        supervisorUpgraded, "Versions.ss"},
+    {"verify FPGA", "buttonProgFPGA", true, "mcs", "startFpgaVerification", nullptr, verified,
+        "Versions.fpga"},
+    {"verify front", "buttonProgFront", true, "hex", "startFrontVerification", nullptr, verified,
+        "Versions.front"},
+    {"verify supervisor", "buttonProgSS", true, "hex", "startSSVerification",
+        supervisorVerificationQuestion, supervisorVerified, "Versions.ss"},
+};
+
+QStringList batteryCalls(const Job &job)
+{
+    if (latin1(job.operation) != QLatin1String("startSSUpgrade"))
+        return {};
+    return {QStringLiteral("Battery_create()"), QStringLiteral("Battery_getPowerSource() = 0 [1]"),
+        QStringLiteral("Battery_release()")};
+}
+
+QString startCall(const Job &job, const QString &path, int code)
+{
+    return QStringLiteral("Firmware_%1(\"%2\", false) = %3")
+        .arg(latin1(job.operation), path)
+        .arg(code);
+}
+
+} // namespace
+
+class AdvancedPageTest : public DeviceTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void widget_data();
+    void widget();
+    void layout();
+    void createsAndReleasesHandle();
+    void showSetsCaption();
+    void modeChangesCaptions();
+    void picksFile();
+    void picksNoFile();
+    void refusesSuffix_data();
+    void refusesSuffix();
+    void acceptsSuffix_data();
+    void acceptsSuffix();
+    void refusedQuestion_data();
+    void refusedQuestion();
+    void startFails_data();
+    void startFails();
+    void runsJob_data();
+    void runsJob();
+    void verificationFindsDifference();
+    void damagedFileFails();
+    void refusesSupervisorOnBattery();
+    void verifiesSupervisorOnBattery();
+    void powerSourceFails_data();
+    void powerSourceFails();
+    void progressDialog();
+    void progressDialogStaysOpen();
+    void makesDialogForEachJob();
+    void repaintsDuringJob();
+    void pausesBeforeResult();
+    void states_data();
+    void states();
+    void failingQueryIsNotDetected_data();
+    void failingQueryIsNotDetected();
+    void closedDuringJob();
+    void closedDuringFailingJob();
+    void umlautsInPath();
+    void pathBeyondLatin1_data();
+    void pathBeyondLatin1();
+    void shutsDown();
+    void shutDownFails_data();
+    void shutDownFails();
+    void defaultsRefused();
+    void defaultsReset();
+
+private:
+    QString write(const QString &name, const char *content);
+    static void addJobs();
+    static const Job &currentJob();
+    /** Fills the page in for the job. */
+    void prepare(Page &page, const Job &job, const QString &path);
+    /** calls() without what the library tells of a job. */
+    QStringList jobCalls();
+
+    std::unique_ptr<QTemporaryDir> folder;
+};
+
+void AdvancedPageTest::init()
+{
+    DeviceTest::init();
+    questions = {};
+    folder = std::make_unique<QTemporaryDir>();
+    setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("0"));
+    calls();
+}
+
+void AdvancedPageTest::cleanup()
+{
+    folder.reset();
+    QVERIFY2(questions.alwaysWaits, "a question that doesn't wait");
+    DeviceTest::cleanup();
+}
+
+QString AdvancedPageTest::write(const QString &name, const char *content)
+{
+    QFile file(folder->filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0)
+        qFatal("can't write %s", qPrintable(name));
+    return file.fileName();
+}
+
+void AdvancedPageTest::addJobs()
+{
+    QTest::addColumn<int>("job");
+    int number = 0;
+    for (const Job &job : jobs)
+        QTest::newRow(job.name) << number++;
+}
+
+const Job &AdvancedPageTest::currentJob()
+{
+    return jobs[*static_cast<int *>(QTest::qData("job", QMetaType::Int))];
+}
+
+void AdvancedPageTest::prepare(Page &page, const Job &job, const QString &path)
+{
+    page.show();
+    page.file->setText(path);
+    page.verify->setChecked(job.verify);
+    calls();
+}
+
+QStringList AdvancedPageTest::jobCalls()
+{
+    QStringList lines;
+    for (const QString &line : calls())
+        if (!line.startsWith(QLatin1String("Firmware_getUpgradeStatus(true) = 0 ")))
+            lines << line;
+    return lines;
+}
+
+void AdvancedPageTest::widget_data()
+{
+    addWidgetColumns();
+    addWidget("tabAdvanced", "tabAdvancedDlg", "Advanced");
+    addWidget("icon", "QLabel");
+    addWidget("groupBox_2", "QGroupBox", "Firmware Update");
+    addWidget("label_3", "QLabel", "File path:");
+    addWidget("editFileName", "QLineEdit");
+    addWidget("buttonFile", "QPushButton", "...");
+    addWidget("buttonProgFPGA", "QPushButton", "Program FPGA");
+    addWidget("buttonProgFront", "QPushButton", "Program Front");
+    addWidget("buttonProgSS", "QPushButton", "Program SS");
+    addWidget("checkBox", "QCheckBox", "CheckBox");
+    addWidget("groupBox", "QGroupBox", "Shutdown", powerTip);
+    addWidget("buttonShutdown", "QPushButton", "Shutdown", powerTip);
+    addWidget("groupBox_3", "QGroupBox", "Default Settings", resetTip);
+    addWidget("buttonDefaults", "QPushButton", "Factory defaults", resetTip);
+}
+
+void AdvancedPageTest::widget()
+{
+    const Page page;
+    checkWidget(&page);
+}
+
+void AdvancedPageTest::layout()
+{
+    Page page;
+    QCOMPARE(page.size(), QSize(600, 320));
+    const auto *icon = child<QLabel>(&page, "icon");
+    QCOMPARE(icon->geometry(), QRect(525, 15, 60, 60));
+    QCOMPARE(icon->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
+    QVERIFY(!icon->pixmap(Qt::ReturnByValue).isNull());
+    const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
+    QVERIFY(grid);
+    QCOMPARE(grid->contentsMargins(), QMargins());
+    QCOMPARE(grid->horizontalSpacing(), 20);
+    QCOMPARE(grid->itemAtPosition(0, 0)->widget(), page.fpga);
+    QCOMPARE(grid->itemAtPosition(0, 1)->widget(), page.front);
+    QCOMPARE(grid->itemAtPosition(1, 0)->widget(), page.supervisor);
+    QCOMPARE(grid->itemAtPosition(1, 1)->widget(), page.verify);
+    QCOMPARE(child<QLabel>(&page, "label_3")->buddy(), page.file);
+    QVERIFY(!page.choose->accessibleName().isEmpty());
+    QVERIFY(!page.file->isReadOnly());
+    page.show();
+    QCOMPARE(tooSmall(&page), QStringList());
+    QCOMPARE(clipped(&page), QStringList());
+    // All of the box can be pressed.
+    QTest::mouseClick(page.verify, Qt::LeftButton, Qt::NoModifier,
+        page.verify->rect().bottomRight() - QPoint(10, 5));
+    QVERIFY(page.verify->isChecked());
+    QCOMPARE(clipped(&page), QStringList());
+}
+
+void AdvancedPageTest::createsAndReleasesHandle()
+{
+    {
+        const Page page;
+        QCOMPARE(calls(), QStringList(QStringLiteral("Firmware_create()")));
+    }
+    QCOMPARE(calls(), QStringList(QStringLiteral("Firmware_release()")));
+}
+
+void AdvancedPageTest::showSetsCaption()
+{
+    Page page;
+    calls();
+    page.show();
+    QCOMPARE(page.verify->text(), QStringLiteral("Verify only"));
+    QCOMPARE(page.fpga->text(), QStringLiteral("Program FPGA"));
+    QCOMPARE(page.front->text(), QStringLiteral("Program Front"));
+    QCOMPARE(page.supervisor->text(), QStringLiteral("Program SS"));
+    QCOMPARE(calls(), QStringList());
+    click(page.verify);
+    page.hide();
+    page.show();
+    QCOMPARE(page.verify->text(), QStringLiteral("Verify only"));
+    QCOMPARE(page.front->text(), QStringLiteral("Verify Front uC"));
+}
+
+void AdvancedPageTest::modeChangesCaptions()
+{
+    Page page;
+    page.show();
+    click(page.verify);
+    QCOMPARE(page.fpga->text(), QStringLiteral("Verify FPGA"));
+    QCOMPARE(page.front->text(), QStringLiteral("Verify Front uC"));
+    QCOMPARE(page.supervisor->text(), QStringLiteral("Verify SS"));
+    click(page.verify);
+    QCOMPARE(page.fpga->text(), QStringLiteral("Program FPGA"));
+    QCOMPARE(page.front->text(), QStringLiteral("Program Front uC"));
+    QCOMPARE(page.supervisor->text(), QStringLiteral("Program SS"));
+}
+
+void AdvancedPageTest::picksFile()
+{
+    const QString path = write(QStringLiteral("a b.hex"), image);
+    Page page;
+    page.show();
+    dialogs.planFile(path);
+    click(page.choose);
+    QCOMPARE(page.file->text(), path);
+    const auto seen = dialogs.take();
+    QCOMPARE(seen.count(), 1);
+    QCOMPARE(seen.constFirst().className, QStringLiteral("QFileDialog"));
+    QCOMPARE(seen.constFirst().title, QStringLiteral("Open File"));
+    QCOMPARE(seen.constFirst().parent, &page);
+
+    // The next dialog starts where the file was, on whatever page.
+    QStringList filters;
+    QString directory;
+    dialogs.plan([&](QDialog *dialog) {
+        const auto *files = qobject_cast<QFileDialog *>(dialog);
+        filters = files->nameFilters();
+        directory = files->directory().absolutePath();
+        dialog->reject();
+    });
+    Page other;
+    other.show();
+    click(other.choose);
+    QCOMPARE(dialogs.take().count(), 1);
+    QCOMPARE(
+        QFileInfo(directory).canonicalFilePath(), QFileInfo(folder->path()).canonicalFilePath());
+    QCOMPARE(
+        filters, QStringList({QStringLiteral("All (*.*)"), QStringLiteral("mcs (FPGA) (*.MCS)"),
+                     QStringLiteral("hex (Front, SS) (*.HEX)")}));
+    QCOMPARE(other.file->text(), QString());
+}
+
+void AdvancedPageTest::picksNoFile()
+{
+    Page page;
+    page.show();
+    page.file->setText(QStringLiteral("typed"));
+    dialogs.planFile(QString());
+    click(page.choose);
+    QCOMPARE(dialogs.take().count(), 1);
+    QCOMPARE(page.file->text(), QStringLiteral("typed"));
+}
+
+void AdvancedPageTest::refusesSuffix_data()
+{
+    QTest::addColumn<int>("job");
+    QTest::addColumn<QString>("path");
+    int number = 0;
+    for (const Job &job : jobs) {
+        const bool fpga = latin1(job.suffix) == QLatin1String("mcs");
+        QTest::addRow("%s, empty", job.name) << number << QString();
+        QTest::addRow("%s, capitals", job.name)
+            << number << QStringLiteral("/tmp/firmware.") + latin1(job.suffix).toUpper();
+        QTest::addRow("%s, of another", job.name)
+            << number << QStringLiteral("/tmp/firmware.") + latin1(fpga ? "hex" : "mcs");
+        QTest::addRow("%s, blank behind", job.name)
+            << number << QStringLiteral("/tmp/firmware.") + latin1(job.suffix) + QLatin1Char(' ');
+        QTest::addRow("%s, folder", job.name)
+            << number << QStringLiteral("/tmp/firmware.") + latin1(job.suffix) + QLatin1Char('/');
+        ++number;
+    }
+}
+
+void AdvancedPageTest::refusesSuffix()
+{
+    const Job &job = currentJob();
+    QFETCH(QString, path);
+    Page page;
+    prepare(page, job, path);
+    click(page.button(job.button));
+    QCOMPARE(calls(), QStringList());
+    const QString text = job.verify ? QStringLiteral("The file to verify must be a .%1 file!")
+                                    : QStringLiteral("The file to program must be a .%1 file!");
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(box(QMessageBox::Critical, "", text.arg(latin1(job.suffix)), "tabAdvanced")));
+    QCOMPARE(page.jobs(), 0);
+}
+
+void AdvancedPageTest::acceptsSuffix_data()
+{
+    addJobs();
+}
+
+void AdvancedPageTest::acceptsSuffix()
+{
+    const Job &job = currentJob();
+    fault(QStringLiteral("Firmware_") + latin1(job.operation), 2);
+    // The letters at the end are enough, with or without a dot.
+    for (const char *name : {"a.", "a", ""}) {
+        Page page;
+        const QString path = latin1(name) + latin1(job.suffix);
+        prepare(page, job, path);
+        if (job.question)
+            dialogs.plan(QMessageBox::Yes);
+        click(page.button(job.button));
+        QVERIFY(calls().contains(startCall(job, path, 2)));
+        QCOMPARE(dialogs.take().count(), job.question ? 2 : 1);
+    }
+}
+
+void AdvancedPageTest::refusedQuestion_data()
+{
+    addJobs();
+}
+
+void AdvancedPageTest::refusedQuestion()
+{
+    const Job &job = currentJob();
+    const QString path = QStringLiteral("/tmp/a.") + latin1(job.suffix);
+    if (!job.question)
+        return;
+    for (const bool escape : {false, true}) {
+        Page page;
+        prepare(page, job, path);
+        if (escape)
+            dialogs.plan([](QDialog *dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+        else
+            dialogs.plan(QMessageBox::No);
+        click(page.button(job.button));
+        QCOMPARE(calls(), batteryCalls(job));
+        QCOMPARE(describe(dialogs.take()), QStringList(job.question()));
+        QCOMPARE(page.jobs(), 0);
+    }
+}
+
+void AdvancedPageTest::startFails_data()
+{
+    QTest::addColumn<int>("job");
+    QTest::addColumn<int>("code");
+    for (const int code : {2, 18, 20, 5, -1}) {
+        int number = 0;
+        for (const Job &job : jobs)
+            QTest::addRow("%s, %d", job.name, code) << number++ << code;
+    }
+}
+
+void AdvancedPageTest::startFails()
+{
+    const Job &job = currentJob();
+    QFETCH(int, code);
+    fault(QStringLiteral("Firmware_") + latin1(job.operation), code);
+    Page page;
+    const QString path = QStringLiteral("/tmp/a.") + latin1(job.suffix);
+    prepare(page, job, path);
+    if (job.question)
+        dialogs.plan(QMessageBox::Yes);
+    click(page.button(job.button));
+    QCOMPARE(calls(),
+        batteryCalls(job) + QStringList({startCall(job, path, code), deviceTextCall(code)}));
+    QStringList expected(errorBox(code, job.operation));
+    if (job.question)
+        expected.prepend(job.question());
+    QCOMPARE(describe(dialogs.take()), expected);
+    QCOMPARE(page.jobs(), 0);
+}
+
+void AdvancedPageTest::runsJob_data()
+{
+    addJobs();
+}
+
+void AdvancedPageTest::runsJob()
+{
+    const Job &job = currentJob();
+    const QString path = write(QStringLiteral("image.") + latin1(job.suffix), image);
+    if (job.verify) {
+        // There must be an image to compare with.
+        const Job &upgrade = jobs[&job - jobs - 3];
+        Page page;
+        prepare(page, upgrade, path);
+        dialogs.plan(QMessageBox::Yes);
+        click(page.button(upgrade.button));
+        dialogs.take();
+    }
+    questions.count = 0;
+    Page page;
+    prepare(page, job, path);
+    const QString version = unit(latin1(job.version));
+    if (job.question)
+        dialogs.plan(QMessageBox::Yes);
+    click(page.button(job.button));
+    QCOMPARE(jobCalls(), batteryCalls(job) + QStringList(startCall(job, path, 0)));
+    QStringList expected(job.success());
+    if (job.question)
+        expected.prepend(job.question());
+    QCOMPARE(describe(dialogs.take()), expected);
+    QCOMPARE(questions.last.state, int(FIRMWARE_DONE));
+    QVERIFY(questions.count > 1);
+    QCOMPARE(unit(latin1(job.version)) == version, job.verify);
+}
+
+void AdvancedPageTest::verificationFindsDifference()
+{
+    Page page;
+    prepare(page, jobs[1], write(QStringLiteral("a.hex"), image));
+    dialogs.plan(QMessageBox::Yes);
+    click(page.front);
+    QCOMPARE(describe(dialogs.take()).value(1), upgraded());
+    click(page.verify);
+    page.file->setText(write(QStringLiteral("b.hex"), otherImage));
+    click(page.front);
+    QVERIFY(questions.last.errorCode != 0);
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(failed("Verifying", questions.last.percent, questions.last.errorCode)));
+}
+
+void AdvancedPageTest::damagedFileFails()
+{
+    const QString version = unit(QStringLiteral("Versions.front"));
+    Page page;
+    prepare(page, jobs[1], write(QStringLiteral("a.hex"), ":0400000001020304F3\n:00000001FF\n"));
+    dialogs.plan(QMessageBox::Yes);
+    click(page.front);
+    QVERIFY(questions.last.errorCode != 0);
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({upgradeQuestion(),
+            failed("Converting file", questions.last.percent, questions.last.errorCode)}));
+    QCOMPARE(unit(QStringLiteral("Versions.front")), version);
+}
+
+void AdvancedPageTest::refusesSupervisorOnBattery()
+{
+    setUnit(QStringLiteral("Battery.powerSource"), QStringLiteral("0"));
+    Page page;
+    prepare(page, jobs[2], QStringLiteral("/tmp/a.hex"));
+    click(page.supervisor);
+    QCOMPARE(calls(), QStringList({QStringLiteral("Battery_create()"),
+                          QStringLiteral("Battery_getPowerSource() = 0 [0]"),
+                          QStringLiteral("Battery_release()")}));
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(box(QMessageBox::Warning, "Warning. Battery Power",
+            QStringLiteral("Please use external power when updating SS!"), "tabAdvanced")));
+    // The others don't ask for the power.
+    fault(QStringLiteral("Firmware_startFrontUpgrade"), 5);
+    dialogs.plan(QMessageBox::Yes);
+    click(page.front);
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("Firmware_startFrontUpgrade(\"/tmp/a.hex\", false) = 5"),
+            deviceTextCall(5)}));
+    QCOMPARE(dialogs.take().count(), 2);
+}
+
+void AdvancedPageTest::verifiesSupervisorOnBattery()
+{
+    setUnit(QStringLiteral("Battery.powerSource"), QStringLiteral("0"));
+    fault(QStringLiteral("Firmware_startSSVerification"), 5);
+    Page page;
+    prepare(page, jobs[5], QStringLiteral("/tmp/a.hex"));
+    dialogs.plan(QMessageBox::Yes);
+    click(page.supervisor);
+    QCOMPARE(calls(),
+        QStringList({QStringLiteral("Firmware_startSSVerification(\"/tmp/a.hex\", false) = 5"),
+            deviceTextCall(5)}));
+    QCOMPARE(dialogs.take().count(), 2);
+}
+
+void AdvancedPageTest::powerSourceFails_data()
+{
+    addFailureCodes();
+}
+
+void AdvancedPageTest::powerSourceFails()
+{
+    QFETCH(int, code);
+    setUnit(QStringLiteral("Battery.powerSource"), QStringLiteral("0"));
+    fault(QStringLiteral("Battery_getPowerSource"), code);
+    Page page;
+    const QString path = write(QStringLiteral("a.hex"), image);
+    prepare(page, jobs[2], path);
+    dialogs.plan(QMessageBox::Yes);
+    click(page.supervisor);
+    QCOMPARE(jobCalls(), QStringList({QStringLiteral("Battery_create()"),
+                             QStringLiteral("Battery_getPowerSource() = %1").arg(code),
+                             QStringLiteral("Battery_release()"), startCall(jobs[2], path, 0)}));
+    QCOMPARE(describe(dialogs.take()), QStringList({supervisorQuestion(), supervisorUpgraded()}));
+}
+
+void AdvancedPageTest::progressDialog()
+{
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    questions.answers.append({FIRMWARE_INITIATING, 0, 0});
+    questions.answers.append({FIRMWARE_READING, 18, 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    QStringList shown;
+    questions.asked = [&](int) {
+        const auto *dialog = page.progress();
+        QVERIFY(dialog);
+        shown << QStringLiteral("%1 %2").arg(dialog->value()).arg(dialog->labelText());
+        QCOMPARE(dialog->parentWidget(), &page);
+        QCOMPARE(dialog->windowTitle(), QStringLiteral("Update progress"));
+        QCOMPARE(dialog->minimum(), -1);
+        QCOMPARE(dialog->maximum(), 100);
+        QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+        QCOMPARE(dialog->minimumDuration(), 0);
+        QVERIFY(!dialog->autoReset());
+        QVERIFY(!dialog->findChild<QPushButton *>());
+        QVERIFY(dialog->windowFlags() & Qt::CustomizeWindowHint);
+        QVERIFY(dialog->windowFlags() & Qt::WindowTitleHint);
+        QVERIFY(!(dialog->windowFlags() & Qt::WindowCloseButtonHint));
+    };
+    click(page.front);
+    QCOMPARE(shown, QStringList({QStringLiteral("0 Fetching data..."),
+                        QStringLiteral("0 Initiating"), QStringLiteral("18 Reading File")}));
+    QVERIFY(!page.progress()->isVisible());
+    QCOMPARE(describe(dialogs.take()), QStringList(verified()));
+}
+
+void AdvancedPageTest::progressDialogStaysOpen()
+{
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    for (int round = 0; round < 4; ++round)
+        questions.answers.append({FIRMWARE_FLASHING, quint8(20 * round + 20), 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    int shownRounds = 0;
+    questions.asked = [&](int count) {
+        if (count < 2)
+            return;
+        shownRounds += page.progress()->isVisible();
+        QTest::keyClick(page.progress(), Qt::Key_Escape);
+        page.progress()->close();
+    };
+    click(page.front);
+    QCOMPARE(shownRounds, 3);
+    QVERIFY(!page.progress()->isVisible());
+    QCOMPARE(describe(dialogs.take()), QStringList(verified()));
+}
+
+void AdvancedPageTest::makesDialogForEachJob()
+{
+    Page page;
+    prepare(page, jobs[1], write(QStringLiteral("a.hex"), image));
+    for (int job = 1; job <= 3; ++job) {
+        dialogs.plan(QMessageBox::Yes);
+        click(page.front);
+        QCOMPARE(page.jobs(), job);
+        QVERIFY(!page.progress()->isVisible());
+        QCOMPARE(describe(dialogs.take()), QStringList({upgradeQuestion(), upgraded()}));
+    }
+}
+
+void AdvancedPageTest::repaintsDuringJob()
+{
+    /** Counts how often the page is painted. */
+    struct Painted : QObject {
+        int count = 0;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Paint;
+            return false;
+        }
+    } painted;
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    page.installEventFilter(&painted);
+    for (int round = 0; round < 5; ++round)
+        questions.answers.append({FIRMWARE_FLASHING, quint8(10 * round), 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    questions.asked = [&](int count) {
+        if (count > 0)
+            QVERIFY(painted.count >= count - 1);
+        page.update();
+    };
+    click(page.front);
+    QVERIFY(painted.count >= 5);
+    QCOMPARE(dialogs.take().count(), 1);
+}
+
+void AdvancedPageTest::pausesBeforeResult()
+{
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    QElapsedTimer time;
+    questions.asked = [&](int) { time.start(); };
+    qint64 elapsed = 0;
+    dialogs.plan([&](QDialog *dialog) {
+        elapsed = time.elapsed();
+        dialog->accept();
+    });
+    click(page.front);
+    QVERIFY2(elapsed >= 200, qPrintable(QString::number(elapsed)));
+    QCOMPARE(dialogs.take().count(), 1);
+}
+
+void AdvancedPageTest::states_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QByteArray>("failure"); // empty: success
+    const char *labels[] = {"Initiating", "Preparing communication", "Reading File",
+        "Converting file", "Flashing", "Verifying", "Done", "Done - ERROR", "Unknown state"};
+    for (int state = 0; state <= 8; ++state) {
+        const char *failure = state == 7 ? "Complete with error" : labels[state];
+        QTest::addRow("%s fails", labels[state])
+            << state << 5 << latin1(labels[state]) << QByteArray(failure);
+        if (state >= 6)
+            QTest::addRow("%s succeeds", labels[state])
+                << state << 0 << latin1(labels[state]) << QByteArray();
+    }
+    QTest::newRow("far off") << 1000 << 0 << QStringLiteral("Unknown state") << QByteArray();
+    QTest::newRow("negative fails")
+        << -1 << 5 << QStringLiteral("Unknown state") << QByteArray("Unknown state");
+    QTest::newRow("fails with a negative code")
+        << 4 << -1 << QStringLiteral("Flashing") << QByteArray("Flashing");
+    QTest::newRow("fails with not supported") << 1 << 2 << QStringLiteral("Preparing communication")
+                                              << QByteArray("Preparing communication");
+}
+
+void AdvancedPageTest::states()
+{
+    QFETCH(int, state);
+    QFETCH(int, code);
+    QFETCH(QByteArray, failure);
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    // A negative state is below all that end a job.
+    questions.answers.append({-5, 30, 0});
+    questions.answers.append({state, 42, code});
+    QStringList labels;
+    questions.asked = [&](int) { labels << page.progress()->labelText(); };
+    click(page.front);
+    QCOMPARE(questions.count, 2);
+    QCOMPARE(labels.value(1), QStringLiteral("Unknown state"));
+    QTEST(page.progress()->labelText(), "label");
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(failure.isEmpty() ? verified() : failed(failure.constData(), 42, code)));
+}
+
+void AdvancedPageTest::failingQueryIsNotDetected_data()
+{
+    addFailureCodes();
+}
+
+void AdvancedPageTest::failingQueryIsNotDetected()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Firmware_getUpgradeStatus"), code, 3);
+    Page page;
+    prepare(page, jobs[1], write(QStringLiteral("a.hex"), image));
+    dialogs.plan(QMessageBox::Yes);
+    QStringList labels;
+    questions.asked = [&](int) { labels << page.progress()->labelText(); };
+    click(page.front);
+    // The record is as it was made: at the beginning, without an error.
+    QCOMPARE(labels.mid(0, 4),
+        QStringList({QStringLiteral("Fetching data..."), QStringLiteral("Initiating"),
+            QStringLiteral("Initiating"), QStringLiteral("Initiating")}));
+    QCOMPARE(describe(dialogs.take()), QStringList({upgradeQuestion(), upgraded()}));
+}
+
+void AdvancedPageTest::closedDuringJob()
+{
+    QWidget window;
+    auto *page = new Page;
+    (new QVBoxLayout(&window))->addWidget(page);
+    window.show();
+    prepare(*page, jobs[1], write(QStringLiteral("a.hex"), image));
+    const QString version = unit(QStringLiteral("Versions.front"));
+    calls();
+    dialogs.plan(QMessageBox::Yes);
+    questions.asked = [&](int count) {
+        if (count == 3)
+            window.close();
+    };
+    // As in the program: the window closes, its event loop ends, and only then it goes.
+    QTimer::singleShot(0, page->front, &QPushButton::click);
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QVERIFY(!window.isVisible());
+    QVERIFY(questions.count > 4);
+    QCOMPARE(questions.last.state, int(FIRMWARE_DONE));
+    QVERIFY(unit(QStringLiteral("Versions.front")) != version);
+    QVERIFY(!page->progress()->isVisible());
+    dialogs.take();
+}
+
+void AdvancedPageTest::closedDuringFailingJob()
+{
+    QWidget window;
+    auto *page = new Page;
+    (new QVBoxLayout(&window))->addWidget(page);
+    window.show();
+    prepare(*page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    questions.answers.append({FIRMWARE_READING, 18, 0});
+    questions.answers.append({FIRMWARE_FLASHING, 40, 0});
+    questions.answers.append({FIRMWARE_FLASHING, 60, 5});
+    questions.asked = [&](int count) {
+        if (count == 1)
+            window.close();
+    };
+    QTimer::singleShot(0, page->front, &QPushButton::click);
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QCOMPARE(questions.count, 3);
+    QVERIFY(!window.isVisible());
+    dialogs.take();
+}
+
+void AdvancedPageTest::umlautsInPath()
+{
+    QVERIFY(QDir(folder->path())
+                .mkdir(QString::fromUtf8("Pr\xC3\xBC"
+                                         "fst\xC3\xA4nde")));
+    const QString path = write(QString::fromUtf8("Pr\xC3\xBC"
+                                                 "fst\xC3\xA4nde/gr\xC3\xB6\xC3\x9F"
+                                                 "er.hex"),
+        image);
+    const QString version = unit(QStringLiteral("Versions.front"));
+    Page page;
+    prepare(page, jobs[1], path);
+    dialogs.plan(QMessageBox::Yes);
+    click(page.front);
+    QCOMPARE(jobCalls(), QStringList(startCall(jobs[1], path, 0)));
+    QCOMPARE(describe(dialogs.take()), QStringList({upgradeQuestion(), upgraded()}));
+    QVERIFY(unit(QStringLiteral("Versions.front")) != version);
+}
+
+void AdvancedPageTest::pathBeyondLatin1_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("decoy"); // what a careless conversion would make of it
+    QTest::newRow("Japanese") << QString::fromUtf8("\xE6\x97\xA5\xE6\x9C\xAC.hex")
+                              << QStringLiteral("??.hex");
+    QTest::newRow("beyond the first plane")
+        << QString::fromUtf8("\xF0\x9F\x98\x80.hex") << QStringLiteral("??.hex");
+    QTest::newRow("beside umlauts")
+        << QString::fromUtf8("\xC3\xBC\xE2\x82\xAC.hex") << QString::fromUtf8("\xC3\xBC?.hex");
+    QTest::newRow("null character")
+        << QStringLiteral("a.hex") + QChar(QChar::Null) + QStringLiteral("b.hex")
+        << QStringLiteral("a.hex");
+}
+
+void AdvancedPageTest::pathBeyondLatin1()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, decoy);
+    if (!name.contains(QChar::Null))
+        write(name, image);
+    write(decoy, image);
+    const QString version = unit(QStringLiteral("Versions.front"));
+    Page page;
+    prepare(page, jobs[1], folder->filePath(name));
+    dialogs.plan(QMessageBox::Yes);
+    click(page.front);
+    QVERIFY(questions.last.errorCode != 0);
+    QCOMPARE(describe(dialogs.take()),
+        QStringList({upgradeQuestion(),
+            failed("Reading File", questions.last.percent, questions.last.errorCode)}));
+    QCOMPARE(unit(QStringLiteral("Versions.front")), version);
+}
+
+void AdvancedPageTest::shutsDown()
+{
+    Page page;
+    page.show();
+    calls();
+    click(page.shutdown);
+    QCOMPARE(calls(), QStringList(QStringLiteral("Firmware_shutDown() = 0")));
+    QCOMPARE(dialogs.takeTexts(), QStringList());
+}
+
+void AdvancedPageTest::shutDownFails_data()
+{
+    addFailureCodes();
+}
+
+void AdvancedPageTest::shutDownFails()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Firmware_shutDown"), code);
+    Page page;
+    page.show();
+    click(page.shutdown);
+    QCOMPARE(describe(dialogs.take()), QStringList(errorBox(code, "shutDown")));
+}
+
+void AdvancedPageTest::defaultsRefused()
+{
+    Page page;
+    page.show();
+    calls();
+    dialogs.plan(QMessageBox::No);
+    dialogs.plan([](QDialog *dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    click(page.defaults);
+    click(page.defaults);
+    QCOMPARE(calls(), QStringList());
+    const QString question = box(QMessageBox::Warning, "Default Settings",
+        QStringLiteral("This operation will reset all settings to the factory default state.\n\n"
+                       "This includes settings that are only available from the API and not from "
+                       "Vornsettings\n\nDo you want to continue?"),
+        "tabAdvanced", yesNo);
+    QCOMPARE(describe(dialogs.take()), QStringList({question, question}));
+}
+
+void AdvancedPageTest::defaultsReset()
+{
+    applyFactoryDefaults();
+    const QStringList expected = calls();
+    useProfile(QStringLiteral("full"));
+    Page page;
+    page.show();
+    calls();
+    dialogs.plan(QMessageBox::Yes);
+    click(page.defaults);
+    QCOMPARE(calls(), expected);
+    QCOMPARE(describe(dialogs.take()).value(1),
+        box(QMessageBox::Warning, "Default Settings",
+            QStringLiteral("Operation complete. Restart the system for all settings to take "
+                           "effect."),
+            "tabAdvanced"));
+}
+
+VORN_TEST_MAIN(AdvancedPageTest)
+#include "tst_advancedpage.moc"
