@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QImage>
+#include <QProcess>
+#include <QString>
+
+#include <cstdint>
+
+struct xcb_connection_t;
+
+namespace support {
+
+/**
+ * An X server of the test's own, without a screen to see and without a window manager, at a display
+ * number that it chooses itself. It ends with this object.
+ */
+class XServer
+{
+public:
+    XServer();
+    ~XServer();
+    XServer(const XServer &) = delete;
+    XServer &operator=(const XServer &) = delete;
+
+    /** False if it didn't start. */
+    bool isRunning() const { return connection != nullptr; }
+    /** Value for DISPLAY, ":7". */
+    QString display() const { return name; }
+
+    /** Runs xdotool with these arguments; its output, trimmed, or "failed: ...". */
+    QString tool(const QStringList &arguments) const;
+
+    /** Gives the keys to that window; false while it can't have them. */
+    bool focus(std::uint32_t window) const;
+    /** What a window manager's close button sends. */
+    void requestClose(std::uint32_t window) const;
+    /** Least and greatest size that the window lets a window manager give it; null if none. */
+    std::pair<QSize, QSize> sizeLimits(std::uint32_t window) const;
+    /** The window as it is on the screen. */
+    QImage picture(std::uint32_t window) const;
+
+private:
+    std::uint32_t atom(const char *text) const;
+
+    QProcess server;
+    QString name;
+    xcb_connection_t *connection = nullptr;
+};
+
+} // namespace support
