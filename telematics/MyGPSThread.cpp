@@ -1,0 +1,98 @@
+#include "telematics/MyGPSThread.h"
+
+#include "frame/DeviceHandle.h"
+#include "telematics/telematicsState.h"
+
+#include <array>
+#include <cstring>
+
+namespace {
+
+constexpr unsigned long pauseBetweenChunks = 10; // milliseconds
+
+bool keepsRunning()
+{
+    return gpsKeepRunning.load(std::memory_order_relaxed) != 0;
+}
+
+QString antennaText(TelematicsHandle telematics)
+{
+    std::int32_t status = 0;
+    if (Telematics_getGPSAntennaStatus(telematics, &status) != DEVICE_OK)
+        return QStringLiteral("GPS antenna status: Unknown");
+    return status == 1 ? QStringLiteral("GPS antenna status: OK")
+                       : QStringLiteral("GPS antenna status: Error: Open or short");
+}
+
+QString shown(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+} // namespace
+
+void MyGPSThread::run()
+{
+    gpsKeepRunning.store(1, std::memory_order_relaxed);
+    GpsFields fields;
+    DeviceHandle<Telematics_create, Telematics_release> telematics;
+    while (keepsRunning()) {
+        emit newLabel(antennaText(telematics));
+        std::array<char, 512> buffer{};
+        // A result would say nothing that the buffer doesn't: what came in time is there.
+        serialRead(gpsPort, buffer.data(), buffer.size());
+        const std::string_view chunk(buffer.data(), ::strnlen(buffer.data(), buffer.size()));
+        if (chunk.empty())
+            continue;
+        emit newText(shown(chunk));
+        msleep(pauseBetweenChunks);
+        showLines(chunk, fields);
+    }
+    telematics.release();
+    // Cleared first, so that nobody can take up a line that is being closed.
+    serialClose(gpsPort.exchange(nullptr));
+}
+
+/** Sentences are not put together across chunks: each piece of a cut one is looked at by itself. */
+void MyGPSThread::showLines(std::string_view chunk, GpsFields &fields)
+{
+    GpsLines lines(chunk);
+    while (!lines.atEnd() && keepsRunning()) {
+        // A chunk without a line feed is the last one: nothing is read until the stop.
+        if (lines.stuck())
+            msleep(pauseBetweenChunks);
+        showLine(lines.next(), fields);
+    }
+}
+
+void MyGPSThread::showLine(std::string_view line, GpsFields &fields)
+{
+    if (holdsRmc(line) && !showRmc(line, fields))
+        return;
+    if (holdsGga(line))
+        showGga(line, fields);
+    if (holdsFom(line))
+        emit newAcc(shown(readFom(line)));
+}
+
+bool MyGPSThread::showRmc(std::string_view line, GpsFields &fields)
+{
+    const auto texts = readRmc(line, fields);
+    if (!texts)
+        return false;
+    if (texts->time)
+        emit newTime(shown(*texts->time));
+    if (texts->position)
+        emit newPos(shown(*texts->position));
+    emit newSpeed(shown(texts->speed));
+    return true;
+}
+
+void MyGPSThread::showGga(std::string_view line, GpsFields &fields)
+{
+    const auto texts = readGga(line, fields);
+    if (texts.altitude)
+        emit newAlt(shown(*texts.altitude));
+    if (texts.satellites)
+        emit newSat(shown(*texts.satellites));
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QThread>
+
+#include "telematics/gpsParser.h"
+
+/**
+ * Reads the GPS receiver's line (gpsPort) and the state of its antenna, and sends what there is to
+ * show. The line is opened and configured before the thread starts; the thread closes it and
+ * clears gpsPort when it ends. It ends after gpsKeepRunning was set to 0, within one read, and has
+ * a device handle of its own. Without a usable line it goes on asking for the antenna, without
+ * pause.
+ */
+class MyGPSThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    using QThread::QThread;
+
+signals:
+    void newText(const QString &text);  ///< a chunk as read, line ends included
+    void newTime(const QString &text);  ///< date and time
+    void newPos(const QString &text);   ///< position
+    void newSat(const QString &text);   ///< satellites in the fix
+    void newAlt(const QString &text);   ///< altitude
+    void newSpeed(const QString &text); ///< speed and heading
+    void newAcc(const QString &text);   ///< accuracy
+    void newLabel(const QString &text); ///< state of the antenna
+
+protected:
+    void run() override;
+
+private:
+    void showLines(std::string_view chunk, GpsFields &fields);
+    void showLine(std::string_view line, GpsFields &fields);
+    bool showRmc(std::string_view line, GpsFields &fields);
+    void showGga(std::string_view line, GpsFields &fields);
+};
