@@ -1,0 +1,644 @@
+#include "telematics/serialPort_posix.h"
+#include "tests/support/PseudoTerminal.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using support::PseudoTerminal;
+
+namespace {
+
+// A loaded machine may be late, but never early.
+constexpr int early = 20;
+constexpr int late = 2000;
+
+struct Closer {
+    void operator()(SerialPort *port) const { serialClose(port); }
+};
+using Port = std::unique_ptr<SerialPort, Closer>;
+
+Port opened(const PseudoTerminal &line)
+{
+    return Port(serialOpen(line.path().constData()));
+}
+
+/** Opened and set to 9600 baud, 8 bits, no parity, 1 stop bit. */
+Port configured(const PseudoTerminal &line)
+{
+    Port port = opened(line);
+    if (serialConfigure(port.get(), 4, 3, 0, 0) != 0)
+        qFatal("line refused");
+    return port;
+}
+
+struct Reading {
+    int result;
+    QByteArray bytes;
+    qint64 milliseconds;
+};
+
+Reading read(const Port &port, int count)
+{
+    Reading reading{0, QByteArray(count, '\0'), 0};
+    QElapsedTimer timer;
+    timer.start();
+    reading.result =
+        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count));
+    reading.milliseconds = timer.elapsed();
+    return reading;
+}
+
+/** What a reading leaves in its buffer: the text, and untouched zero bytes behind it. */
+QByteArray padded(const QByteArray &text, int count)
+{
+    return text + QByteArray(count - int(text.size()), '\0');
+}
+
+int write(const Port &port, const QByteArray &bytes)
+{
+    return serialWrite(port.get(), bytes.constData(), static_cast<std::uint32_t>(bytes.size()));
+}
+
+/** Runs the work in another process and returns what it returned, 0 to 255. */
+int inOtherProcess(const std::function<int()> &work)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/** The error of a plain open of that line, by another process that is not the super user. */
+int errorOfPlainOpen(const QByteArray &path)
+{
+    ::chmod(path.constData(), 0666);
+    return inOtherProcess([&path] {
+        if (::geteuid() == 0 && ::setuid(65534) != 0)
+            return 255;
+        const int handle = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        return handle < 0 ? errno : 0;
+    });
+}
+
+bool sameState(const termios &one, const termios &other)
+{
+    return one.c_iflag == other.c_iflag && one.c_oflag == other.c_oflag &&
+           one.c_cflag == other.c_cflag && one.c_lflag == other.c_lflag &&
+           std::memcmp(one.c_cc, other.c_cc, sizeof one.c_cc) == 0 &&
+           ::cfgetispeed(&one) == ::cfgetispeed(&other) &&
+           ::cfgetospeed(&one) == ::cfgetospeed(&other);
+}
+
+double processorSeconds()
+{
+    timespec used{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+    return double(used.tv_sec) + double(used.tv_nsec) / 1e9;
+}
+
+} // namespace
+
+class TestSerialPort : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { qunsetenv("VORN_SERIAL_DIR"); }
+
+    void namesThatAreNoLine_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("nowhere") << QByteArray("/dev/no such line");
+        QTest::newRow("not in /dev") << QByteArray("no such line");
+        QTest::newRow("folder") << QByteArray("/dev");
+        QTest::newRow("no terminal") << QByteArray("/dev/null");
+        QTest::newRow("COM0") << QByteArray("COM0");
+        QTest::newRow("COM") << QByteArray("COM");
+        QTest::newRow("COM without a number") << QByteArray("COMx");
+        QTest::newRow("COM out of range") << QByteArray("COM99999999999999999999");
+        QTest::newRow("56 characters") << QByteArray(56, 'x');
+        QTest::newRow("255 characters") << QByteArray(255, 'x');
+        QTest::newRow("longer than any path") << QByteArray(100'000, 'x');
+        QTest::newRow("long path") << QByteArray("/") + QByteArray(100'000, '/');
+        QTest::newRow("signed characters") << QByteArray("\xff\x80\xfe");
+    }
+    void namesThatAreNoLine()
+    {
+        QFETCH(QByteArray, name);
+        QCOMPARE(serialOpen(name.constData()), nullptr);
+    }
+
+    void filesAreNoLines()
+    {
+        QTemporaryDir folder;
+        const QByteArray file = QFile::encodeName(folder.filePath(QStringLiteral("file")));
+        QFile out(QFile::decodeName(file));
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write("text") == 4);
+        out.close();
+        QCOMPARE(serialOpen(file.constData()), nullptr);
+        QVERIFY(out.open(QIODevice::ReadOnly));
+        QCOMPARE(out.readAll(), QByteArray("text"));
+
+        const QByteArray pipe = file + ".pipe";
+        QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+        QCOMPARE(serialOpen(pipe.constData()), nullptr);
+    }
+
+    void bareNamesLieInDev()
+    {
+        const PseudoTerminal line;
+        const QByteArray path = line.path();
+        QVERIFY(path.startsWith("/dev/"));
+        QVERIFY(Port(serialOpen(path.constData() + 5)) != nullptr);
+    }
+
+    void comNamesLieInTheFolder()
+    {
+        const PseudoTerminal line;
+        QTemporaryDir folder;
+        for (const char *name : {"COM3", "COM12", "COM07", "tty"}) {
+            QVERIFY(QFile::link(
+                QFile::decodeName(line.path()), folder.filePath(QString::fromLatin1(name))));
+        }
+        QCOMPARE(serialOpen("COM12"), nullptr);
+        qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder.path()));
+        QVERIFY(Port(serialOpen("COM3")) != nullptr);
+        QVERIFY(Port(serialOpen("COM12")) != nullptr);
+        QCOMPARE(serialOpen("COM4"), nullptr);
+        QCOMPARE(serialOpen("COM07"), nullptr); // no number of a port is written so
+        QVERIFY(opened(line) != nullptr);       // paths stay paths
+        qputenv("VORN_SERIAL_DIR", "");
+        QCOMPARE(serialOpen("COM12"), nullptr);
+    }
+
+    void opening()
+    {
+        PseudoTerminal line;
+        const termios found = line.state();
+        const Port port = opened(line);
+        QVERIFY(port);
+        QVERIFY(sameState(port->savedState, found));
+        QVERIFY(sameState(port->workingState, found));
+        QVERIFY(sameState(line.state(), found));
+        QCOMPARE(int(port->configured), 0);
+        QCOMPARE(::fcntl(port->handle, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+    }
+
+    void noControllingTerminal()
+    {
+        const PseudoTerminal line;
+        const QByteArray path = line.path();
+        QCOMPARE(inOtherProcess([&path] {
+            ::setsid();
+            if (!serialOpen(path.constData()))
+                return 255;
+            return ::open("/dev/tty", O_RDWR) < 0 ? errno : 0;
+        }),
+            ENXIO);
+    }
+
+    void onlyOneHolder()
+    {
+        const PseudoTerminal line;
+        const QByteArray path = line.path();
+        const auto openThere = [&path] { return serialOpen(path.constData()) ? 1 : 0; };
+        QCOMPARE(errorOfPlainOpen(path), 0);
+        QCOMPARE(inOtherProcess(openThere), 1);
+
+        Port port = opened(line);
+        QVERIFY(port);
+        QCOMPARE(serialOpen(path.constData()), nullptr);
+        QCOMPARE(inOtherProcess(openThere), 0);
+        QCOMPARE(errorOfPlainOpen(path), EBUSY);
+        QVERIFY(serialConfigure(port.get(), 4, 3, 0, 0) == 0); // the holder isn't disturbed
+
+        port.reset();
+        QCOMPARE(errorOfPlainOpen(path), 0);
+        QCOMPARE(inOtherProcess(openThere), 1);
+    }
+
+    void lineFormats_data()
+    {
+        QTest::addColumn<int>("baud");
+        QTest::addColumn<int>("speed");
+        QTest::newRow("1200") << 0 << int(B1200);
+        QTest::newRow("2400") << 2 << int(B2400);
+        QTest::newRow("4800") << 3 << int(B4800);
+        QTest::newRow("9600") << 4 << int(B9600);
+        QTest::newRow("19200") << 5 << int(B19200);
+        QTest::newRow("38400") << 6 << int(B38400);
+        QTest::newRow("57600") << 7 << int(B57600);
+        QTest::newRow("115200") << 8 << int(B115200);
+    }
+    void lineFormats()
+    {
+        QFETCH(int, baud);
+        QFETCH(int, speed);
+        const tcflag_t sizes[] = {CS5, CS6, CS7, CS8};
+        const tcflag_t parities[] = {0, PARENB, PARENB | PARODD};
+        const tcflag_t stops[] = {0, CSTOPB};
+        const PseudoTerminal line;
+        const Port port = opened(line);
+        for (int bits = 0; bits < 4; ++bits) {
+            for (int parity = 0; parity < 3; ++parity) {
+                for (int stop = 0; stop < 2; ++stop) {
+                    QCOMPARE(serialConfigure(port.get(), baud, bits, parity, stop), 0);
+                    const termios &asked = port->workingState;
+                    QCOMPARE(asked.c_cflag & CSIZE, sizes[bits]);
+                    QCOMPARE(asked.c_cflag & (PARENB | PARODD), parities[parity]);
+                    QCOMPARE(asked.c_cflag & CSTOPB, stops[stop]);
+                    // Character size and parity are nothing to a pseudo-terminal.
+                    const termios there = line.state();
+                    QCOMPARE(int(::cfgetospeed(&there)), speed);
+                    QCOMPARE(int(::cfgetispeed(&there)), speed);
+                    QCOMPARE(there.c_cflag & CSTOPB, stops[stop]);
+                    QCOMPARE(int(port->configured), 1);
+                    QCOMPARE(port->baudCode, baud);
+                    QCOMPARE(port->dataBitsCode, bits);
+                    QCOMPARE(port->parityCode, parity);
+                    QCOMPARE(port->stopBitsCode, stop);
+                }
+            }
+        }
+    }
+
+    void refusedCodes_data()
+    {
+        QTest::addColumn<QList<int>>("codes");
+        QTest::addColumn<int>("result");
+        constexpr int most = std::numeric_limits<int>::max();
+        QTest::newRow("baud 1") << QList<int>{1, 3, 0, 0} << 3;
+        QTest::newRow("baud 9") << QList<int>{9, 3, 0, 0} << 3;
+        QTest::newRow("baud -1") << QList<int>{-1, 3, 0, 0} << 3;
+        QTest::newRow("baud, largest") << QList<int>{most, 3, 0, 0} << 3;
+        QTest::newRow("data bits 4") << QList<int>{4, 4, 0, 0} << 4;
+        QTest::newRow("data bits -1") << QList<int>{4, -1, 0, 0} << 4;
+        QTest::newRow("parity 3") << QList<int>{4, 3, 3, 0} << 5;
+        QTest::newRow("parity -1") << QList<int>{4, 3, -1, 0} << 5;
+        QTest::newRow("stop bits 2") << QList<int>{4, 3, 0, 2} << 6;
+        QTest::newRow("stop bits -1") << QList<int>{4, 3, 0, -1} << 6;
+        QTest::newRow("baud before all") << QList<int>{1, 9, 9, 9} << 3;
+        QTest::newRow("data bits before parity") << QList<int>{4, 9, 9, 9} << 4;
+        QTest::newRow("parity before stop bits") << QList<int>{4, 3, 9, 9} << 5;
+    }
+    void refusedCodes()
+    {
+        QFETCH(QList<int>, codes);
+        QFETCH(int, result);
+        PseudoTerminal line;
+        const termios found = line.state();
+        const Port port = opened(line);
+        const auto configure = [&] {
+            return serialConfigure(port.get(), codes[0], codes[1], codes[2], codes[3]);
+        };
+        QCOMPARE(configure(), result);
+        QCOMPARE(int(port->configured), 0);
+        QVERIFY(sameState(line.state(), found));
+
+        QCOMPARE(serialConfigure(port.get(), 7, 2, 1, 1), 0);
+        const termios before = line.state();
+        QCOMPARE(configure(), result);
+        QVERIFY(sameState(line.state(), before));
+        QCOMPARE(port->baudCode, 7);
+        QCOMPARE(port->stopBitsCode, 1);
+        QCOMPARE(write(port, "still"), 0);
+        QCOMPARE(line.receive(5), QByteArray("still"));
+        QVERIFY(line.send("here"));
+        QCOMPARE(read(port, 4).bytes, QByteArray("here"));
+    }
+
+    void refusedCodesLeaveEarlierOnesStored()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        QCOMPARE(serialConfigure(port.get(), 8, 0, 2, 7), 6);
+        QCOMPARE(int(::cfgetospeed(&port->workingState)), int(B115200));
+        QCOMPARE(port->workingState.c_cflag & CSIZE, tcflag_t(CS5));
+        QCOMPARE(port->workingState.c_cflag & (PARENB | PARODD), tcflag_t(PARENB | PARODD));
+        QCOMPARE(serialConfigure(port.get(), 0, 9, 0, 0), 4);
+        QCOMPARE(int(::cfgetospeed(&port->workingState)), int(B1200));
+        QCOMPARE(port->workingState.c_cflag & CSIZE, tcflag_t(CS5));
+        const termios there = line.state();
+        QCOMPARE(int(::cfgetospeed(&there)), int(B9600));
+    }
+
+    void flagsOfConfiguring()
+    {
+        PseudoTerminal line;
+        termios found = line.state();
+        found.c_iflag |= IXON | IXOFF | IXANY | INPCK | IGNPAR | ICRNL | INLCR | IGNCR | ISTRIP |
+                         IGNBRK | BRKINT | PARMRK;
+        found.c_oflag |= OPOST | ONLCR;
+        found.c_cflag |= CRTSCTS | HUPCL;
+        found.c_cflag &= ~static_cast<tcflag_t>(CLOCAL);
+        found.c_lflag |= ICANON | ECHO | ISIG | IEXTEN | TOSTOP;
+        found.c_cc[VINTR] = 7;
+        line.setState(found);
+        const Port port = configured(line);
+        const termios state = line.state();
+        QCOMPARE(state.c_iflag &
+                     (IXON | IXOFF | ICRNL | INLCR | IGNCR | ISTRIP | IGNBRK | BRKINT | PARMRK),
+            tcflag_t(0));
+        QCOMPARE(state.c_iflag & (IXANY | INPCK | IGNPAR), tcflag_t(IXANY | INPCK | IGNPAR));
+        QCOMPARE(state.c_oflag & OPOST, tcflag_t(0));
+        QCOMPARE(state.c_oflag & ONLCR, tcflag_t(ONLCR));
+        QCOMPARE(
+            state.c_cflag & (CRTSCTS | HUPCL | CLOCAL | CREAD), tcflag_t(HUPCL | CLOCAL | CREAD));
+        QCOMPARE(state.c_lflag & (ICANON | ECHO | ISIG | IEXTEN | TOSTOP), tcflag_t(TOSTOP));
+        QCOMPARE(int(state.c_cc[VINTR]), 7);
+    }
+
+    void parityCheckingStaysAsFound()
+    {
+        const PseudoTerminal line;
+        const Port port = opened(line);
+        QCOMPARE(serialConfigure(port.get(), 4, 3, 1, 0), 0);
+        QCOMPARE(port->workingState.c_iflag & INPCK, tcflag_t(0));
+    }
+
+    void closingRestores()
+    {
+        PseudoTerminal line;
+        termios found = line.state();
+        found.c_iflag |= IXON | ICRNL | INPCK;
+        found.c_oflag |= OPOST;
+        found.c_cflag |= CRTSCTS | HUPCL | CSTOPB;
+        found.c_lflag |= ICANON | ISIG;
+        found.c_cc[VMIN] = 9;
+        found.c_cc[VTIME] = 4;
+        ::cfsetspeed(&found, B4800);
+        line.setState(found);
+        found = line.state();
+        Port port = opened(line);
+        QCOMPARE(serialConfigure(port.get(), 8, 3, 2, 0), 0);
+        QVERIFY(!sameState(line.state(), found));
+        QCOMPARE(serialConfigure(port.get(), 2, 1, 1, 1), 0);
+        port.reset();
+        QVERIFY(sameState(line.state(), found));
+    }
+
+    void unconfiguredIsNotTouched()
+    {
+        PseudoTerminal line;
+        const Port port = opened(line);
+        QVERIFY(line.send("waiting"));
+        QCOMPARE(write(port, "bytes"), 1);
+        const Reading reading = read(port, 4);
+        QCOMPARE(reading.result, 1);
+        QCOMPARE(reading.bytes, QByteArray(4, '\0'));
+        QVERIFY(reading.milliseconds < late);
+        QCOMPARE(serialWrite(port.get(), nullptr, 0), 1);
+        QCOMPARE(serialRead(port.get(), nullptr, 0), 1);
+        QCOMPARE(line.receive(1, 50), QByteArray());
+    }
+
+    void noLineAtAll()
+    {
+        char byte = 'x';
+        QCOMPARE(serialOpen(nullptr), nullptr);
+        QCOMPARE(serialConfigure(nullptr, 4, 3, 0, 0), 1);
+        QCOMPARE(serialConfigure(nullptr, 1, 9, 9, 9), 1);
+        QCOMPARE(serialWrite(nullptr, &byte, 1), 1);
+        QCOMPARE(serialRead(nullptr, &byte, 1), 1);
+        QCOMPARE(byte, 'x');
+        serialPurge(nullptr);
+        serialClose(nullptr);
+
+        SerialPort invalid{};
+        invalid.handle = -1;
+        invalid.configured = 1;
+        QCOMPARE(serialConfigure(&invalid, 4, 3, 0, 0), 1);
+        QCOMPARE(serialWrite(&invalid, &byte, 1), 1);
+        QCOMPARE(serialRead(&invalid, &byte, 1), 1);
+        serialPurge(&invalid);
+        serialClose(&invalid);
+    }
+
+    void nothingToMove()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(serialRead(port.get(), nullptr, 0), 0);
+        QCOMPARE(serialWrite(port.get(), nullptr, 0), 0);
+        QVERIFY(timer.elapsed() < late);
+    }
+
+    void allBytesPass()
+    {
+        PseudoTerminal line;
+        QByteArray all;
+        for (int byte = 0; byte < 256; ++byte)
+            all += static_cast<char>(byte);
+        const Port port = configured(line);
+        QCOMPARE(write(port, all), 0);
+        QCOMPARE(line.receive(256), all);
+        QVERIFY(line.send(all));
+        const Reading reading = read(port, 256);
+        QCOMPARE(reading.result, 0);
+        QCOMPARE(reading.bytes, all);
+        QVERIFY(reading.milliseconds < late);
+        QCOMPARE(line.receive(1, 50), QByteArray()); // no echo
+    }
+
+    void silence()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        char buffer[4] = {'k', 'e', 'e', 'p'};
+        QElapsedTimer timer;
+        timer.start();
+        const double before = processorSeconds();
+        QCOMPARE(serialRead(port.get(), buffer, 4), 7);
+        QVERIFY(timer.elapsed() >= 3000 - early);
+        QVERIFY(timer.elapsed() < 3000 + late);
+        QVERIFY(processorSeconds() - before < 0.2);
+        QCOMPARE(QByteArray(buffer, 4), QByteArray("keep"));
+    }
+
+    void shortReply()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        const QByteArray reply(80, 'r');
+        QVERIFY(line.send(reply));
+        const Reading reading = read(port, 512);
+        QCOMPARE(reading.result, 7);
+        QCOMPARE(reading.bytes, padded(reply, 512));
+        QVERIFY(reading.milliseconds >= 3000 - early);
+        QVERIFY(reading.milliseconds < 3000 + late);
+    }
+
+    void everyByteStartsTheSilenceAnew()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        std::thread sender([&line] {
+            for (int byte = 0; byte < 4; ++byte) {
+                QTest::qSleep(1000);
+                line.send("t");
+            }
+        });
+        const Reading reading = read(port, 16);
+        sender.join();
+        QCOMPARE(reading.result, 7);
+        QCOMPARE(reading.bytes, padded("tttt", 16));
+        QVERIFY(reading.milliseconds >= 7000 - early);
+        QVERIFY(reading.milliseconds < 7000 + late);
+    }
+
+    void fullAtOnce()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QVERIFY(line.send("first, rest"));
+        Reading reading = read(port, 5);
+        QCOMPARE(reading.result, 0);
+        QCOMPARE(reading.bytes, QByteArray("first"));
+        QVERIFY(reading.milliseconds < late);
+        reading = read(port, 6);
+        QCOMPARE(reading.bytes, QByteArray(", rest"));
+    }
+
+    void signalsDontShortenTheSilence()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        struct sigaction before = {};
+        ::sigaction(SIGALRM, &action, &before);
+        const itimerval often{{0, 40'000}, {0, 40'000}};
+        ::setitimer(ITIMER_REAL, &often, nullptr);
+        const Reading reading = read(port, 16);
+        const itimerval never{};
+        ::setitimer(ITIMER_REAL, &never, nullptr);
+        ::sigaction(SIGALRM, &before, nullptr);
+        QCOMPARE(reading.result, 7);
+        QVERIFY(reading.milliseconds >= 3000 - early);
+        QVERIFY(reading.milliseconds < 3000 + late);
+    }
+
+    void writesWaitForRoom()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        const QByteArray much(200'000, 'm');
+        QByteArray received;
+        std::thread reader([&] {
+            QTest::qSleep(serialSilence + 500); // longer than any read would wait
+            received = line.receive(int(much.size()));
+        });
+        QElapsedTimer timer;
+        timer.start();
+        const int result = write(port, much);
+        const auto milliseconds = timer.elapsed();
+        reader.join();
+        QCOMPARE(result, 0);
+        QCOMPARE(received, much);
+        QVERIFY(milliseconds >= serialSilence);
+    }
+
+    void purgingDropsWhatWaits()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        const QByteArray much(10'000, 'm'); // more than the reader's 4096, and yet no wait
+        QCOMPARE(write(port, much), 0);
+        QCOMPARE(line.receiveAll().size(), much.size());
+        QVERIFY(line.send("kept"));
+        QCOMPARE(write(port, much), 0);
+        serialPurge(port.get());
+        QVERIFY(line.receiveAll().size() < much.size());
+        QCOMPARE(read(port, 4).bytes, QByteArray("kept"));
+    }
+
+    void receivedBytesSurvive()
+    {
+        PseudoTerminal line;
+        QVERIFY(line.send("before"));
+        const Port port = opened(line);
+        QVERIFY(line.send(" between"));
+        QCOMPARE(serialConfigure(port.get(), 7, 3, 0, 0), 0);
+        QCOMPARE(read(port, 14).bytes, QByteArray("before between"));
+    }
+
+    void vanishedLine()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QVERIFY(line.send("last"));
+        std::thread puller([&line] {
+            QTest::qSleep(300);
+            line.hangUp();
+        });
+        const double before = processorSeconds();
+        const Reading reading = read(port, 16);
+        puller.join();
+        QCOMPARE(reading.result, 7);
+        QCOMPARE(reading.bytes, padded("last", 16));
+        QVERIFY(reading.milliseconds < 3000 + late);
+
+        // A line that is gone is a silent one: whoever reads in a loop doesn't spin.
+        const Reading again = read(port, 16);
+        QCOMPARE(again.result, 7);
+        QVERIFY(again.milliseconds >= 3000 - early);
+        QVERIFY(again.milliseconds < 3000 + late);
+        QVERIFY(processorSeconds() - before < 0.2);
+
+        QCOMPARE(write(port, "anybody?"), 1);
+        serialPurge(port.get());
+    }
+
+    void vanishesWhileWriting()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        std::thread puller([&line] {
+            QTest::qSleep(500);
+            line.hangUp();
+        });
+        const double before = processorSeconds();
+        const int result = write(port, QByteArray(1'000'000, 'm'));
+        puller.join();
+        QCOMPARE(result, 1);
+        QVERIFY(processorSeconds() - before < 0.2);
+    }
+
+    void linesStandAlone()
+    {
+        PseudoTerminal one;
+        PseudoTerminal two;
+        const Port first = configured(one);
+        const Port second = configured(two);
+        QCOMPARE(serialConfigure(second.get(), 7, 3, 0, 0), 0);
+        const termios state = one.state();
+        QCOMPARE(int(::cfgetospeed(&state)), int(B9600));
+        QVERIFY(one.send("1"));
+        QVERIFY(two.send("2"));
+        QCOMPARE(read(second, 1).bytes, QByteArray("2"));
+        QCOMPARE(read(first, 1).bytes, QByteArray("1"));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestSerialPort)
+#include "tst_serialport.moc"
