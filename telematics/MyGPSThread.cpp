@@ -61,38 +61,22 @@ void MyGPSThread::showLines(std::string_view chunk, GpsFields &fields)
         // A chunk without a line feed is the last one: nothing is read until the stop.
         if (lines.stuck())
             msleep(pauseBetweenChunks);
-        showLine(lines.next(), fields);
+        show(readGpsLine(lines.next(), fields));
     }
 }
 
-void MyGPSThread::showLine(std::string_view line, GpsFields &fields)
+void MyGPSThread::show(const GpsTexts &texts)
 {
-    if (holdsRmc(line) && !showRmc(line, fields))
-        return;
-    if (holdsGga(line))
-        showGga(line, fields);
-    if (holdsFom(line))
-        emit newAcc(shown(readFom(line)));
-}
-
-bool MyGPSThread::showRmc(std::string_view line, GpsFields &fields)
-{
-    const auto texts = readRmc(line, fields);
-    if (!texts)
-        return false;
-    if (texts->time)
-        emit newTime(shown(*texts->time));
-    if (texts->position)
-        emit newPos(shown(*texts->position));
-    emit newSpeed(shown(texts->speed));
-    return true;
-}
-
-void MyGPSThread::showGga(std::string_view line, GpsFields &fields)
-{
-    const auto texts = readGga(line, fields);
+    if (texts.time)
+        emit newTime(shown(*texts.time));
+    if (texts.position)
+        emit newPos(shown(*texts.position));
+    if (texts.speed)
+        emit newSpeed(shown(*texts.speed));
     if (texts.altitude)
         emit newAlt(shown(*texts.altitude));
     if (texts.satellites)
         emit newSat(shown(*texts.satellites));
+    if (texts.accuracy)
+        emit newAcc(shown(*texts.accuracy));
 }

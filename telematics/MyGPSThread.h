@@ -34,7 +34,5 @@ protected:
 
 private:
     void showLines(std::string_view chunk, GpsFields &fields);
-    void showLine(std::string_view line, GpsFields &fields);
-    bool showRmc(std::string_view line, GpsFields &fields);
-    void showGga(std::string_view line, GpsFields &fields);
+    void show(const GpsTexts &texts);
 };

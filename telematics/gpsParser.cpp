@@ -58,19 +58,16 @@ std::string_view GpsLines::next()
     return line;
 }
 
-bool holdsRmc(std::string_view line)
+GpsTexts readGpsLine(std::string_view line, GpsFields &fields)
 {
-    return contains(line, rmcName);
-}
-
-bool holdsGga(std::string_view line)
-{
-    return contains(line, ggaName);
-}
-
-bool holdsFom(std::string_view line)
-{
-    return contains(line, fomName);
+    GpsTexts texts;
+    if (contains(line, rmcName) && !readRmc(line, fields, texts))
+        return texts;
+    if (contains(line, ggaName))
+        readGga(line, fields, texts);
+    if (contains(line, fomName))
+        readFom(line, texts);
+    return texts;
 }
 
 void splitGpsLine(std::string_view line, GpsFields &fields)
@@ -88,7 +85,7 @@ void splitGpsLine(std::string_view line, GpsFields &fields)
     }
 }
 
-std::optional<RmcTexts> readRmc(std::string_view line, GpsFields &fields)
+bool readRmc(std::string_view line, GpsFields &fields, GpsTexts &texts)
 {
     splitGpsLine(line, fields);
     const auto &time = fields[0];
@@ -102,8 +99,7 @@ std::optional<RmcTexts> readRmc(std::string_view line, GpsFields &fields)
     const auto &date = fields[8];
     const auto clock = timeText(time);
     if (!clock)
-        return std::nullopt;
-    RmcTexts texts;
+        return false;
     const bool positionValid = status == "A";
     texts.time = dateText(date, *clock);
     // Without decimal points the entries are empty, cut, or left over from another sentence.
@@ -111,28 +107,27 @@ std::optional<RmcTexts> readRmc(std::string_view line, GpsFields &fields)
         texts.position = latitude + northSouth + " " + longitude + eastWest +
                          (positionValid ? " " : " - INVALID");
     texts.speed = knots + " knots" + ", Heading: " + course + " degrees";
-    return texts;
+    return true;
 }
 
-GgaTexts readGga(std::string_view line, GpsFields &fields)
+void readGga(std::string_view line, GpsFields &fields, GpsTexts &texts)
 {
     splitGpsLine(line, fields);
     const auto &satellites = fields[6];
     const auto &altitude = fields[8];
-    GgaTexts texts;
+    // Long without a decimal point, or a count with one: a stale or a misplaced field.
     if (!altitude.empty() && (altitude.size() <= 5 || contains(altitude, ".")))
         texts.altitude = altitude + " meters";
     if (!contains(satellites, "."))
         texts.satellites = satellites;
-    return texts;
 }
 
-std::string readFom(std::string_view line)
+void readFom(std::string_view line, GpsTexts &texts)
 {
     // The sentence is taken to start the line: what a line has in front of it shifts the value.
     const auto start = std::min(fomName.size(), line.size());
     const auto star = line.find('*');
     const bool inPlace = star != std::string_view::npos && star >= start;
-    std::string text(line.substr(start, inPlace ? star - start : std::string_view::npos));
-    return text + " meters";
+    const auto value = line.substr(start, inPlace ? star - start : std::string_view::npos);
+    texts.accuracy = std::string(value) + " meters";
 }

@@ -47,30 +47,29 @@ private:
     bool failed = false;
 };
 
-/** Whether a line holds such a sentence, anywhere in it. */
-bool holdsRmc(std::string_view line);
-bool holdsGga(std::string_view line);
-bool holdsFom(std::string_view line);
+/** What one line has to show, in the order in which it is shown. */
+struct GpsTexts {
+    std::optional<std::string> time;     ///< "2024-03-23 - 12:35:19"
+    std::optional<std::string> position; ///< "4807.038N 01131.000E ", " - INVALID" behind it if so
+    std::optional<std::string> speed;    ///< "022.4 knots, Heading: 084.4 degrees"
+    std::optional<std::string> altitude; ///< "545.4 meters"
+    std::optional<std::string> satellites; ///< "08"
+    std::optional<std::string> accuracy;   ///< "12.5 meters"
+};
+
+/** Looks for the three kinds of sentences, which may all stand in one line. */
+GpsTexts readGpsLine(std::string_view line, GpsFields &fields);
 
 /** Writes what stands between the commas of the line into the table, from entry 0 on, 19 entries at
  *  most. The sentence name before the first comma and what follows the last one are left out. */
 void splitGpsLine(std::string_view line, GpsFields &fields);
 
-/** What a "$GPRMC," line has to show. */
-struct RmcTexts {
-    std::optional<std::string> time;     ///< "2024-03-23 - 12:35:19"; none without a date
-    std::optional<std::string> position; ///< "4807.038N 01131.000E "; none without decimal points
-    std::string speed;                   ///< "022.4 knots, Heading: 084.4 degrees"
-};
-/** None at all if the time is too short to be cut into hours, minutes and seconds. */
-std::optional<RmcTexts> readRmc(std::string_view line, GpsFields &fields);
+/** A line with "$GPRMC,": time, position and speed. False, and no text, if the time is too short to
+ *  be cut into hours, minutes and seconds. */
+bool readRmc(std::string_view line, GpsFields &fields, GpsTexts &texts);
 
-/** What a "$GPGGA," line has to show. */
-struct GgaTexts {
-    std::optional<std::string> altitude;   ///< "545.4 meters"; none if empty or hardly an altitude
-    std::optional<std::string> satellites; ///< "08"; none if hardly a count
-};
-GgaTexts readGga(std::string_view line, GpsFields &fields);
+/** A line with "$GPGGA,": altitude and satellites, unless they are hardly that. */
+void readGga(std::string_view line, GpsFields &fields, GpsTexts &texts);
 
-/** The accuracy of a "$PFST,FOM," line: "12.5 meters". */
-std::string readFom(std::string_view line);
+/** A line with "$PFST,FOM,": the accuracy. */
+void readFom(std::string_view line, GpsTexts &texts);

@@ -58,9 +58,8 @@ int openExclusively(const char *path)
     const int handle = ::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (handle == invalidHandle)
         return invalidHandle;
-    // The lock refuses also root, whom TIOCEXCL lets pass.
-    const bool ours = ::isatty(handle) == 1 && ::flock(handle, LOCK_EX | LOCK_NB) == 0 &&
-                      ::ioctl(handle, TIOCEXCL) == 0;
+    // What is no serial line knows no TIOCEXCL. The lock refuses also root, whom that lets pass.
+    const bool ours = ::flock(handle, LOCK_EX | LOCK_NB) == 0 && ::ioctl(handle, TIOCEXCL) == 0;
     if (ours)
         return handle;
     ::close(handle);

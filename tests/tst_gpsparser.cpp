@@ -1,0 +1,300 @@
+#include "telematics/gpsParser.h"
+
+#include <QDir>
+#include <QtTest>
+
+namespace {
+
+QByteArray quoted(const char *name, const std::optional<std::string> &text)
+{
+    return text ? QByteArray(name) + " \"" + text->c_str() + "\"\n" : QByteArray();
+}
+
+/** The texts as lines, in the order in which they are shown. */
+QByteArray lines(const GpsTexts &texts)
+{
+    return quoted("newTime", texts.time) + quoted("newPos", texts.position) +
+           quoted("newSpeed", texts.speed) + quoted("newAlt", texts.altitude) +
+           quoted("newSat", texts.satellites) + quoted("newAcc", texts.accuracy);
+}
+
+std::string_view view(const QByteArray &bytes)
+{
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+QByteArray read(const QByteArray &line, GpsFields &fields)
+{
+    return lines(readGpsLine(view(line), fields));
+}
+
+/** All lines of a chunk, each on a line of its own. */
+QByteArray readChunk(const QByteArray &chunk, GpsFields &fields)
+{
+    QByteArray shown;
+    for (GpsLines rest(view(chunk)); !rest.atEnd() && !rest.stuck();)
+        shown += lines(readGpsLine(rest.next(), fields));
+    return shown;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no file %s", qPrintable(path));
+    return file.readAll();
+}
+
+} // namespace
+
+class TestGpsParser : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void linesOfAChunk_data()
+    {
+        QTest::addColumn<QByteArray>("chunk");
+        QTest::addColumn<QList<QByteArray>>("expected");
+        using List = QList<QByteArray>;
+        QTest::newRow("one, cut") << QByteArray("one") << List{"one"};
+        QTest::newRow("ended") << QByteArray("one\n") << List{"one", ""};
+        QTest::newRow("carriage returns stay")
+            << QByteArray("one\r\ntwo\rthree") << List{"one\r", "two\rthree"};
+        QTest::newRow("empty lines") << QByteArray("\n\na") << List{"", "", "a"};
+        QTest::newRow("nothing") << QByteArray() << List{""};
+        const QByteArray most(511, 'm');
+        QTest::newRow("511, cut") << most << List{most};
+        QTest::newRow("511, ended") << most + '\n' << List{most, ""};
+        QTest::newRow("garbage") << QByteArray("\xff\x00\x80\n\x01", 5)
+                                 << List{QByteArray("\xff\x00\x80", 3), "\x01"};
+    }
+    void linesOfAChunk()
+    {
+        QFETCH(QByteArray, chunk);
+        QFETCH(QList<QByteArray>, expected);
+        GpsLines rest(view(chunk));
+        QList<QByteArray> found;
+        while (!rest.atEnd()) {
+            const auto line = rest.next();
+            found << QByteArray(line.data(), static_cast<int>(line.size()));
+            QVERIFY(!rest.stuck());
+        }
+        QCOMPARE(found, expected);
+    }
+
+    void lineTooLong()
+    {
+        const QByteArray chunk = "first\n" + QByteArray(512, 'm') + "\nnever seen\n";
+        GpsLines rest(view(chunk));
+        QCOMPARE(int(rest.next().size()), 5);
+        QVERIFY(!rest.stuck());
+        QCOMPARE(int(rest.next().size()), 511);
+        for (int pass = 0; pass < 3; ++pass) {
+            QVERIFY(rest.stuck());
+            QVERIFY(!rest.atEnd());
+            QVERIFY(rest.next().empty());
+        }
+    }
+
+    void splitting_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QList<QByteArray>>("expected"); // of a table of "-"
+        using List = QList<QByteArray>;
+        QTest::newRow("what follows the last comma is left out")
+            << QByteArray("$N,a,b,c*00\r") << List{"a", "b"};
+        QTest::newRow("empty fields") << QByteArray("$N,,,") << List{"", ""};
+        QTest::newRow("one comma") << QByteArray("$N,a") << List{};
+        QTest::newRow("no comma") << QByteArray("$N") << List{};
+        QTest::newRow("empty line") << QByteArray() << List{};
+        QTest::newRow("starts with a comma") << QByteArray(",a,$N,b,") << List{"a", "$N", "b"};
+        List most;
+        for (int field = 0; field < 19; ++field)
+            most << "f";
+        QTest::newRow("19 fields") << "$N," + QByteArray("f,").repeated(19) << most;
+        QTest::newRow("more than 19") << "$N," + QByteArray("f,").repeated(40) << most;
+    }
+    void splitting()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QList<QByteArray>, expected);
+        GpsFields fields;
+        fields.fill("-");
+        splitGpsLine(view(line), fields);
+        for (int field = 0; field < 20; ++field)
+            QCOMPARE(QByteArray(fields[std::size_t(field)].c_str()), expected.value(field, "-"));
+    }
+
+    void sentences_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QByteArray>("shown");
+        const QByteArray speed = "newSpeed \"022.4 knots, Heading: 084.4 degrees\"\n";
+        QTest::newRow("position")
+            << QByteArray("$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230324,003.1,W*6A\r")
+            << "newTime \"2024-03-23 - 12:35:19\"\n"
+               "newPos \"4807.038N 01131.000E \"\n" +
+                   speed;
+        QTest::newRow("invalid position")
+            << QByteArray("$GPRMC,123519.000,V,4807.038,N,01131.000,E,0.0,0.0,230394,,,N")
+            << QByteArray("newTime \"2094-03-23 - 12:35:19\"\n"
+                          "newPos \"4807.038N 01131.000E - INVALID\"\n"
+                          "newSpeed \"0.0 knots, Heading: 0.0 degrees\"\n");
+        QTest::newRow("status of two letters")
+            << QByteArray("$GPRMC,123519,AA,48.0,N,11.0,E,,,,")
+            << QByteArray(
+                   "newPos \"48.0N 11.0E - INVALID\"\nnewSpeed \" knots, Heading:  degrees\"\n");
+        QTest::newRow("no position")
+            << QByteArray("$GPRMC,123519,V,,,,,,,230324,,*00")
+            << QByteArray(
+                   "newTime \"2024-03-23 - 12:35:19\"\nnewSpeed \" knots, Heading:  degrees\"\n");
+        QTest::newRow("latitude without a point")
+            << QByteArray("$GPRMC,123519,A,4807,N,01131.0,E,,,,")
+            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n");
+        QTest::newRow("longitude without a point")
+            << QByteArray("$GPRMC,123519,A,4807.0,N,01131,E,,,,")
+            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n");
+        QTest::newRow("date of 5 characters")
+            << QByteArray("$GPRMC,123519,A,,,,,1,2,23032,")
+            << QByteArray("newSpeed \"1 knots, Heading: 2 degrees\"\n");
+        QTest::newRow("date of 7 characters")
+            << QByteArray("$GPRMC,123519,A,,,,,1,2,2303249,")
+            << QByteArray(
+                   "newTime \"2024-03-23 - 12:35:19\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
+        QTest::newRow("name in the middle")
+            << QByteArray("noise$GPRMC,123519,A,,,,,1,2,,")
+            << QByteArray("newSpeed \"1 knots, Heading: 2 degrees\"\n");
+        QTest::newRow("a comma in front of the name")
+            << QByteArray("x,123519,$GPRMC,1.0,N,2.0,E,1,2,,")
+            << QByteArray(
+                   "newPos \"1.0N 2.0E - INVALID\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
+        QTest::newRow("time of 4 characters")
+            << QByteArray("$GPRMC,1235,A,,,,,1,2,230324,")
+            << QByteArray(
+                   "newTime \"2024-03-23 - 12:35:\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
+        QTest::newRow("time of 3 characters")
+            << QByteArray("$GPRMC,123,A,4.0,N,1.0,E,1,2,230324,") << QByteArray();
+        QTest::newRow("no time") << QByteArray("$GPRMC,,A,4.0,N,1.0,E,1,2,230324,") << QByteArray();
+        QTest::newRow("short time silences the whole line")
+            << QByteArray("$GPRMC,12,A,$GPGGA,$PFST,FOM,1*00") << QByteArray();
+
+        QTest::newRow("altitude and satellites")
+            << QByteArray("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47")
+            << QByteArray("newAlt \"545.4 meters\"\nnewSat \"08\"\n");
+        QTest::newRow("no fix") << QByteArray("$GPGGA,123519,,,,,0,00,,,M,,M,,*66")
+                                << QByteArray("newSat \"00\"\n");
+        QTest::newRow("altitude of 6 characters without a point")
+            << QByteArray("$GPGGA,,,,,,,8,,123456,") << QByteArray("newSat \"8\"\n");
+        QTest::newRow("altitude of 6 characters with a point")
+            << QByteArray("$GPGGA,,,,,,,8,,1234.5,")
+            << QByteArray("newAlt \"1234.5 meters\"\nnewSat \"8\"\n");
+        QTest::newRow("altitude of 5 characters")
+            << QByteArray("$GPGGA,,,,,,,8,,12345,")
+            << QByteArray("newAlt \"12345 meters\"\nnewSat \"8\"\n");
+        QTest::newRow("satellites with a point")
+            << QByteArray("$GPGGA,,,,,,,0.9,,1,") << QByteArray("newAlt \"1 meters\"\n");
+        QTest::newRow("no satellites")
+            << QByteArray("$GPGGA,,,,,,,,,,") << QByteArray("newSat \"\"\n");
+
+        QTest::newRow("accuracy") << QByteArray("$PFST,FOM,12.5*53\r")
+                                  << QByteArray("newAcc \"12.5 meters\"\n");
+        QTest::newRow("accuracy without a checksum")
+            << QByteArray("$PFST,FOM,12.5\r") << QByteArray("newAcc \"12.5\r meters\"\n");
+        QTest::newRow("empty accuracy")
+            << QByteArray("$PFST,FOM,*53") << QByteArray("newAcc \" meters\"\n");
+        QTest::newRow("nothing behind the name")
+            << QByteArray("$PFST,FOM,") << QByteArray("newAcc \" meters\"\n");
+        QTest::newRow("asterisk in front of the value")
+            << QByteArray("12*45$PFST,FOM,7*00") << QByteArray("newAcc \",FOM,7*00 meters\"\n");
+        QTest::newRow("asterisk at the value's start")
+            << QByteArray("$PFST,FOM,*12*") << QByteArray("newAcc \" meters\"\n");
+
+        QTest::newRow("all in one line")
+            << QByteArray("$GPRMC,101500,$GPGGA,$PFST,FOM,5,6.5,*")
+            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n"
+                          "newSat \"\"\nnewAcc \"500,$GPGGA,$PFST,FOM,5,6.5, meters\"\n");
+        QTest::newRow("other sentences")
+            << QByteArray("$GPGSV,1,1,01,01,40,083,46*7F") << QByteArray();
+        QTest::newRow("other talkers")
+            << QByteArray("$GNRMC,123519,A,1.0,N,1.0,E,1,2,230324,") << QByteArray();
+        QTest::newRow("name without its comma") << QByteArray("$GPRMC\r") << QByteArray();
+        QTest::newRow("empty line") << QByteArray() << QByteArray();
+    }
+    void sentences()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QByteArray, shown);
+        GpsFields fields;
+        QCOMPARE(read(line, fields), shown);
+    }
+
+    void cutSentencesShowOlderFields()
+    {
+        GpsFields fields;
+        QCOMPARE(read("$GPGGA,101500.00,5741.9012,N,01156.3301,E,1,09,0.9,31.7,M,36.1,M,,", fields),
+            QByteArray("newAlt \"31.7 meters\"\nnewSat \"09\"\n"));
+        // Status and time are new, the rest is what the other sentence has in these places.
+        QCOMPARE(read("$GPRMC,101501.00,A,", fields),
+            QByteArray("newSpeed \"09 knots, Heading: 0.9 degrees\"\n"));
+        QCOMPARE(read("$GPRMC,101502.00,A,5741.9,N,01156.3,E,3.4,301.7,240226,", fields),
+            QByteArray("newTime \"2026-02-24 - 10:15:02\"\nnewPos \"5741.9N 01156.3E \"\n"
+                       "newSpeed \"3.4 knots, Heading: 301.7 degrees\"\n"));
+        QCOMPARE(read("$GPRMC,101503.00,V", fields),
+            QByteArray("newTime \"2026-02-24 - 10:15:03\"\nnewPos \"5741.9N 01156.3E \"\n"
+                       "newSpeed \"3.4 knots, Heading: 301.7 degrees\"\n"));
+        QCOMPARE(read("$GPGGA,101504.00,", fields), QByteArray());
+    }
+
+    void everyShortTimeIsSurvived()
+    {
+        const QByteArray full = "123519.000";
+        for (int length = 0; length <= full.size(); ++length) {
+            GpsFields fields;
+            const auto shown = read("$GPRMC," + full.left(length) + ",A,,,,,1,2,,", fields);
+            QCOMPARE(shown.isEmpty(), length < 4);
+            // The fields are taken all the same.
+            QCOMPARE(QByteArray(fields[6].c_str()), QByteArray("1"));
+        }
+    }
+
+    void cutAnywhere()
+    {
+        const QByteArray line =
+            "$GPRMC,123519.000,A,4807.038,N,01131.000,E,022.4,084.4,230324,,,A*00"
+            "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47"
+            "$PFST,FOM,12.5*53\r";
+        GpsFields fields;
+        for (int begin = 0; begin < line.size(); ++begin) {
+            for (int end = begin; end <= line.size(); ++end)
+                read(line.mid(begin, end - begin), fields);
+        }
+        QVERIFY(fields[19].empty());
+    }
+
+    void recordings_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QDir folder(QStringLiteral(VORN_SOURCE_DIR "/tests/nmea"));
+        const auto files = folder.entryList({QStringLiteral("*.nmea")});
+        QVERIFY(files.size() >= 3);
+        for (const QString &file : files)
+            QTest::newRow(qPrintable(file)) << folder.filePath(file);
+    }
+    void recordings()
+    {
+        QFETCH(QString, path);
+        const QByteArray recorded = contents(path);
+        GpsFields fields;
+        QByteArray shown;
+        for (int start = 0; start < recorded.size(); start += 512)
+            shown += readChunk(recorded.mid(start, 512), fields);
+        const QByteArray expected =
+            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expected"));
+        QCOMPARE(QString::fromUtf8(shown).split(QLatin1Char('\n')),
+            QString::fromUtf8(expected).split(QLatin1Char('\n')));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestGpsParser)
+#include "tst_gpsparser.moc"
