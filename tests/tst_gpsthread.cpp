@@ -1,0 +1,389 @@
+#include "telematics/MyGPSThread.h"
+#include "telematics/telematicsState.h"
+#include "tests/support/DeviceTest.h"
+#include "tests/support/PseudoTerminal.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+#include <malloc.h>
+
+using support::PseudoTerminal;
+
+namespace {
+
+constexpr char rmc[] = "$GPRMC,123519.000,A,4807.038,N,01131.000,E,022.4,084.4,230324,,,A*00\r\n";
+
+SerialPort *configured(const PseudoTerminal &line)
+{
+    SerialPort *port = serialOpen(line.path().constData());
+    if (!port || serialConfigure(port, 4, 3, 0, 0) != 0)
+        qFatal("line refused");
+    return port;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no file %s", qPrintable(path));
+    return file.readAll();
+}
+
+/** Bytes that are allocated in this process. The sanitizers' own allocators say nothing here, and
+ *  find leaks themselves. */
+std::size_t allocatedMemory()
+{
+    const auto info = ::mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+/** Collects what a thread sends, and stops the thread when the test ends. */
+class Reader : public QObject
+{
+public:
+    Reader()
+    {
+        const auto collect = [this](const char *name) {
+            return [this, name](const QString &text) {
+                texts << QString::fromLatin1(name) + QStringLiteral(" \"") + text +
+                             QLatin1Char('"');
+            };
+        };
+        connect(&thread, &MyGPSThread::newTime, this, collect("newTime"));
+        connect(&thread, &MyGPSThread::newPos, this, collect("newPos"));
+        connect(&thread, &MyGPSThread::newSpeed, this, collect("newSpeed"));
+        connect(&thread, &MyGPSThread::newAlt, this, collect("newAlt"));
+        connect(&thread, &MyGPSThread::newSat, this, collect("newSat"));
+        connect(&thread, &MyGPSThread::newAcc, this, collect("newAcc"));
+        connect(&thread, &MyGPSThread::newText, this, [this](const QString &text) { raw << text; });
+        connect(
+            &thread, &MyGPSThread::newLabel, this, [this](const QString &text) { labels << text; });
+    }
+    ~Reader() override { stop(); }
+
+    void start()
+    {
+        thread.start();
+        QTRY_VERIFY(!labels.isEmpty());
+    }
+    bool stop()
+    {
+        gpsKeepRunning = 0;
+        return thread.wait(10'000);
+    }
+
+    MyGPSThread thread;
+    QStringList texts;
+    QStringList raw;
+    QStringList labels;
+};
+
+} // namespace
+
+class TestGpsThread : public DeviceTest
+{
+    Q_OBJECT
+
+private slots:
+    // One arena for all threads, since only that one's memory is told.
+    void initTestCase() { ::mallopt(M_ARENA_MAX, 1); }
+
+    void signalsInOrder()
+    {
+        const auto &meta = MyGPSThread::staticMetaObject;
+        QStringList names;
+        for (int index = meta.methodOffset(); index < meta.methodCount(); ++index)
+            names << QString::fromLatin1(meta.method(index).methodSignature());
+        QCOMPARE(names,
+            (QStringList{QStringLiteral("newText(QString)"), QStringLiteral("newTime(QString)"),
+                QStringLiteral("newPos(QString)"), QStringLiteral("newSat(QString)"),
+                QStringLiteral("newAlt(QString)"), QStringLiteral("newSpeed(QString)"),
+                QStringLiteral("newAcc(QString)"), QStringLiteral("newLabel(QString)")}));
+    }
+
+    void silentLine()
+    {
+        const PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        calls();
+        QElapsedTimer timer;
+        timer.start();
+        reader.start();
+        QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 2, 6000);
+        QVERIFY(timer.elapsed() >= 2900);
+        QVERIFY(reader.stop());
+        QCOMPARE(reader.raw, QStringList());
+        QCOMPARE(reader.texts, QStringList());
+        QCOMPARE(calls(), (QStringList{QStringLiteral("Telematics_create()"),
+                              QStringLiteral("Telematics_getGPSAntennaStatus() = 0 [1]"),
+                              QStringLiteral("Telematics_getGPSAntennaStatus() = 0 [1]"),
+                              QStringLiteral("Telematics_release()")}));
+        QVERIFY(gpsPort == nullptr);
+        SerialPort *again = configured(line); // closed it is as well
+        serialClose(again);
+    }
+
+    void antenna_data()
+    {
+        QTest::addColumn<QString>("state");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("label");
+        const auto broken = QStringLiteral("GPS antenna status: Error: Open or short");
+        const auto unknown = QStringLiteral("GPS antenna status: Unknown");
+        QTest::newRow("good") << QStringLiteral("1") << 0
+                              << QStringLiteral("GPS antenna status: OK");
+        QTest::newRow("open") << QStringLiteral("0") << 0 << broken;
+        QTest::newRow("short") << QStringLiteral("2") << 0 << broken;
+        QTest::newRow("not supported") << QStringLiteral("1") << 2 << unknown;
+        QTest::newRow("fault") << QStringLiteral("1") << 7 << unknown;
+        QTest::newRow("no data") << QStringLiteral("0") << 18 << unknown;
+    }
+    void antenna()
+    {
+        QFETCH(QString, state);
+        QFETCH(int, code);
+        QFETCH(QString, label);
+        setUnit(QStringLiteral("Telematics.gpsAntennaStatus"), state);
+        if (code != 0)
+            fault(QStringLiteral("Telematics_getGPSAntennaStatus"), code);
+        Reader reader;
+        reader.start();
+        QVERIFY(reader.stop());
+        QCOMPARE(reader.labels.first(), label);
+        clearFaults();
+    }
+
+    void withoutALine()
+    {
+        QVERIFY(gpsPort == nullptr);
+        QLabel label;
+        Reader reader;
+        connect(&reader.thread, &MyGPSThread::newLabel, &label, &QLabel::setText);
+        reader.start();
+        // No pause between the passes, and yet the window stays alive.
+        QTRY_VERIFY(reader.labels.size() > 100);
+        int ticks = 0;
+        QTimer ticker;
+        connect(&ticker, &QTimer::timeout, this, [&ticks] { ++ticks; });
+        ticker.start(10);
+        QTRY_VERIFY(ticks > 20);
+        QVERIFY(reader.stop());
+        QCOMPARE(label.text(), QStringLiteral("GPS antenna status: OK"));
+        QCOMPARE(reader.raw, QStringList());
+    }
+
+    void unconfiguredLine()
+    {
+        PseudoTerminal line;
+        gpsPort = serialOpen(line.path().constData());
+        QVERIFY(line.send(rmc));
+        Reader reader;
+        reader.start();
+        QTRY_VERIFY(reader.labels.size() > 10);
+        QVERIFY(reader.stop());
+        QCOMPARE(reader.raw, QStringList());
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void recordings_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QDir folder(QStringLiteral(VORN_SOURCE_DIR "/tests/nmea"));
+        for (const QString &file : folder.entryList({QStringLiteral("*.nmea")}))
+            QTest::newRow(qPrintable(file)) << folder.filePath(file);
+    }
+    void recordings()
+    {
+        QFETCH(QString, path);
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        const QByteArray recorded = contents(path);
+        const QByteArray expected =
+            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expected"));
+        Reader reader;
+        reader.start();
+        QVERIFY(line.send(recorded));
+        const auto chunks = (recorded.size() + 511) / 512;
+        QTRY_COMPARE_WITH_TIMEOUT(reader.raw.size(), chunks, 10'000);
+        QTRY_COMPARE(
+            reader.texts.join(QLatin1Char('\n')) + QLatin1Char('\n'), QString::fromUtf8(expected));
+        QVERIFY(reader.stop());
+        for (int chunk = 0; chunk < chunks; ++chunk)
+            QCOMPARE(reader.raw.at(chunk), QString::fromUtf8(recorded.mid(chunk * 512, 512)));
+    }
+
+    void zeroBytes()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        QVERIFY(line.send(QByteArray(1, '\0') + rmc));
+        QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 2, 6000); // the chunk counts as none
+        QCOMPARE(reader.raw, QStringList());
+        QByteArray chunk = QByteArray("$PFST,FOM,1.5*00\r\n") + '\0' + rmc;
+        QVERIFY(line.send(chunk + QByteArray(512 - chunk.size(), '\n')));
+        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1.5 meters\"")});
+        QCOMPARE(reader.raw, QStringList{QStringLiteral("$PFST,FOM,1.5*00\r\n")});
+        QVERIFY(reader.stop());
+    }
+
+    void shortTimeDoesntEndTheReader()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        QByteArray chunk = "$GPRMC,12,A,1.0,N,2.0,E,3,4,230324,$PFST,FOM,1\n$PFST,FOM,2*00\n";
+        QVERIFY(line.send(chunk + QByteArray(512 - chunk.size(), '\n')));
+        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"2 meters\"")});
+        QVERIFY(reader.thread.isRunning());
+        QVERIFY(reader.stop());
+    }
+
+    void chunkWithoutALineFeed()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        const QByteArray value(498, '1');
+        const QByteArray chunk = "$PFST,FOM," + value + "*" + "end";
+        QCOMPARE(chunk.size(), 512);
+        QVERIFY(line.send(chunk));
+        // What fits a line is looked at once,
+        QTRY_COMPARE(
+            reader.texts, QStringList{QStringLiteral("newAcc \"") + QString::fromLatin1(value) +
+                                      QStringLiteral(" meters\"")});
+        QCOMPARE(reader.raw, QStringList{QString::fromLatin1(chunk)});
+        // and then nothing is read any more,
+        const QByteArray next = QByteArray(rmc).repeated(8);
+        QVERIFY(line.send(next));
+        QTest::qWait(300);
+        QCOMPARE(reader.raw.size(), 1);
+        QCOMPARE(reader.labels.size(), 1);
+        // but the stop is heard at once.
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(reader.stop());
+        QVERIFY(timer.elapsed() < 1000);
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void stopsWithinOneRead()
+    {
+        const PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(reader.stop());
+        QVERIFY(timer.elapsed() < 5000);
+        QCOMPARE(reader.labels.size(), 1);
+    }
+
+    void stopBetweenLines()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        MyGPSThread thread;
+        QStringList texts;
+        // Said by the thread itself, so in the midst of the chunk.
+        connect(
+            &thread, &MyGPSThread::newAcc, &thread,
+            [&texts](const QString &text) {
+                texts << text;
+                gpsKeepRunning = 0;
+            },
+            Qt::DirectConnection);
+        QSignalSpy labels(&thread, &MyGPSThread::newLabel);
+        thread.start();
+        QTRY_VERIFY(!labels.isEmpty());
+        QVERIFY(line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
+        QVERIFY(thread.wait(10'000));
+        QCOMPARE(texts, QStringList{QStringLiteral("1 meters")});
+    }
+
+    void stopBeforeTheStartIsOverwritten()
+    {
+        gpsKeepRunning = 0;
+        Reader reader;
+        reader.start();
+        QTRY_VERIFY(reader.labels.size() > 3);
+        QVERIFY(reader.thread.isRunning());
+        QVERIFY(reader.stop());
+    }
+
+    void vanishingLine()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        line.hangUp();
+        QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 2, 6000);
+        QVERIFY(reader.stop());
+        QVERIFY(reader.labels.size() <= 3); // one for each silence: no spinning
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void leavesNothingBehind()
+    {
+        PseudoTerminal line;
+        const QDir descriptors(QStringLiteral("/proc/self/fd"));
+        gpsPort = configured(line);
+        serialClose(gpsPort);
+        gpsPort = nullptr;
+        const auto before = descriptors.count();
+        for (int round = 0; round < 100; ++round) {
+            gpsPort = configured(line);
+            Reader reader;
+            reader.start();
+            QVERIFY(
+                line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
+            QTRY_VERIFY(!reader.texts.isEmpty());
+            gpsKeepRunning = 0;
+            QVERIFY(line.send(QByteArray(512, '\n'))); // ends the read
+            QVERIFY(reader.stop());
+        }
+        QCOMPARE(descriptors.count(), before);
+    }
+
+    void memoryDoesntGrow()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        MyGPSThread thread;
+        int chunks = 0;
+        connect(&thread, &MyGPSThread::newText, this, [&chunks] { ++chunks; });
+        QSignalSpy labels(&thread, &MyGPSThread::newLabel);
+        thread.start();
+        QTRY_VERIFY(!labels.isEmpty());
+        disconnect(&thread, &MyGPSThread::newLabel, nullptr, nullptr);
+        const QByteArray chunk = QByteArray(rmc).repeated(8).left(511) + '\n';
+        const auto feed = [&](int count) {
+            const int until = chunks + count;
+            while (chunks < until) {
+                QVERIFY(line.send(chunk));
+                QTest::qWait(1);
+            }
+        };
+        feed(50);
+        const auto before = allocatedMemory();
+        feed(400);
+        // One stream for each chunk would be at least its 512 bytes.
+        QVERIFY(allocatedMemory() < before + 400 * 256);
+        gpsKeepRunning = 0;
+        QVERIFY(thread.wait(10'000));
+    }
+};
+
+VORN_TEST_MAIN(TestGpsThread)
+#include "tst_gpsthread.moc"
