@@ -18,6 +18,8 @@ constexpr auto schema = R"sql(
         after INTEGER NOT NULL, seen INTEGER NOT NULL) WITHOUT ROWID;
     CREATE TABLE delay (operation TEXT PRIMARY KEY, milliseconds INTEGER NOT NULL) WITHOUT ROWID;
     CREATE TABLE image (controller TEXT PRIMARY KEY, bytes BLOB NOT NULL);
+    CREATE TABLE message (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, number BLOB NOT NULL,
+        text BLOB NOT NULL);
 )sql";
 
 Failure damaged(const std::string &what)
@@ -192,7 +194,7 @@ void StateFile::rollback() noexcept
 void StateFile::replaceAll(const Snapshot &snapshot)
 {
     database.execute("DELETE FROM unit; DELETE FROM value; DELETE FROM string; DELETE FROM fault;"
-                     "DELETE FROM delay; DELETE FROM image");
+                     "DELETE FROM delay; DELETE FROM image; DELETE FROM message");
     database.prepare("INSERT INTO unit VALUES ('epoch', ?)").bind(1, snapshot.epoch).run();
     saveClock(snapshot.clock);
     for (std::size_t index = 0; index < specCount; ++index) {
@@ -282,6 +284,24 @@ std::optional<std::string> StateFile::image(std::string_view controller)
     auto bytes = statement.text(0);
     statement.reset();
     return bytes;
+}
+
+void StateFile::addMessage(const ShortMessage &message)
+{
+    database.prepare("INSERT INTO message (time, number, text) VALUES (?, ?, ?)")
+        .bind(1, message.time)
+        .bindBytes(2, message.number)
+        .bindBytes(3, message.text)
+        .run();
+}
+
+std::vector<ShortMessage> StateFile::messages()
+{
+    std::vector<ShortMessage> all;
+    auto statement = database.prepare("SELECT time, number, text FROM message ORDER BY id");
+    while (statement.step())
+        all.push_back({statement.integer(0), statement.text(1), statement.text(2)});
+    return all;
 }
 
 } // namespace virtualunit

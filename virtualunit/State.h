@@ -1,6 +1,7 @@
 #pragma once
 
 #include "virtualunit/Database.h"
+#include "virtualunit/VirtualUnit.h"
 #include "virtualunit/properties.h"
 
 #include <functional>
@@ -28,7 +29,7 @@ struct Fault {
     bool passed() const { return times != 0 && seen >= std::int64_t(after) + times; }
 };
 
-/** The whole unit but for its firmware images. */
+/** The whole unit but for its firmware images and short messages. */
 struct Snapshot {
     std::int64_t epoch = 0;            ///< when this unit was made, milliseconds since 1970
     std::optional<std::int64_t> clock; ///< the unit's clock stands there
@@ -72,6 +73,8 @@ public:
     void saveClock(const std::optional<std::int64_t> &clock);
     void saveImage(std::string_view controller, std::string_view bytes);
     std::optional<std::string> image(std::string_view controller);
+    void addMessage(const ShortMessage &message);
+    std::vector<ShortMessage> messages();
 
 private:
     void recognise(const std::function<Snapshot()> &makeUnit);

@@ -252,6 +252,16 @@ std::optional<std::string> Unit::image(std::string_view controller)
     return file->image(controller);
 }
 
+void Unit::addMessage(const ShortMessage &message)
+{
+    file->addMessage(message);
+}
+
+std::vector<ShortMessage> Unit::messages()
+{
+    return file->messages();
+}
+
 void Unit::pause(std::chrono::milliseconds duration)
 {
     mutex.unlock();

@@ -47,9 +47,11 @@ public:
     void replace(const Snapshot &snapshot);
     /** Firmware images by controller: "fpga", "ss", "front". */
     void writeImage(std::string_view controller, std::string_view bytes);
+    void addMessage(const ShortMessage &message);
 
     /** May be read without a Change. */
     std::optional<std::string> image(std::string_view controller);
+    std::vector<ShortMessage> messages();
 
     /** Waits with the unit free for others meanwhile, and takes up what they changed. Not within a
      *  Change. */

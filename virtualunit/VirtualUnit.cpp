@@ -147,6 +147,16 @@ Error setDelay(const std::string &operation, std::uint32_t milliseconds)
         [&](Unit &unit) { unit.writeDelay(checkedOperation(operation), milliseconds); });
 }
 
+Error addShortMessage(const std::string &number, const std::string &text)
+{
+    return changing([&](Unit &unit) { unit.addMessage({unit.now(), number, text}); });
+}
+
+Error shortMessages(std::vector<ShortMessage> &messages)
+{
+    return reading([&](Unit &unit) { messages = unit.messages(); });
+}
+
 std::vector<std::string> operations()
 {
     return operationNames();

@@ -61,6 +61,18 @@ VIRTUALUNIT_API Error clearFaults();
 /** Each call of that operation takes so much longer; 0 takes the delay away. */
 VIRTUALUNIT_API Error setDelay(const std::string &operation, std::uint32_t milliseconds);
 
+/** A short message that the modem of the unit has sent. */
+struct ShortMessage
+{
+    std::int64_t time = 0; ///< when, by the unit's clock, milliseconds since 1970
+    std::string number;
+    std::string text; ///< bytes as they came over the line
+};
+/** Keeps a message as sent now. */
+VIRTUALUNIT_API Error addShortMessage(const std::string &number, const std::string &text);
+/** All that were sent, the oldest first. */
+VIRTUALUNIT_API Error shortMessages(std::vector<ShortMessage> &messages);
+
 /** All operations of the contract that return a code, by name, in the header's order. */
 VIRTUALUNIT_API std::vector<std::string> operations();
 
