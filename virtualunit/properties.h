@@ -396,6 +396,24 @@ inline constexpr auto specs = std::to_array<Spec>({
         .needing("Hardware.hasGps")
         .availableWith("Telematics.gpsPowerStatus"),
 
+    // What the virtual lines make of the radios; no operation tells it.
+    flag("Gsm.simInserted", true, "there is a SIM card in the modem"),
+    text("Gsm.pin", "1234", "PIN that the card asks for after power-on, empty for none"),
+    text("Gsm.puk", "12345678", "PUK of the card"),
+    integer("Gsm.pinTries", 0, 3, 3, "", "tries left for the PIN, 0 asks for the PUK"),
+    integer("Gsm.pukTries", 0, 10, 10, "", "tries left for the PUK, 0 for a dead card"),
+    integer("Gsm.registration", 0, 5, 1, "(1 home, 2 searching, 3 denied, 5 roaming)",
+        "registration in the network, as AT+CREG? tells it"),
+    integer("Gsm.signal", 0, 99, 21, "(0 to 31, 99 unknown)", "signal, as AT+CSQ tells it"),
+    text("Gsm.network", "Virtual Mobile", "name of the network"),
+    integer(
+        "Gsm.unaskedInterval", 0, 86400, 60, "s", "time between lines nobody asked for, 0 never"),
+    integer("Gps.coldStart", 0, 3600, 20, "s", "time from power-on to the first fix"),
+    integer("Gps.satellites", 4, 24, 9, "", "satellites in the fix once all are found"),
+    real("Gps.latitude", -89, 89, 57.70, "degrees north", "middle of the round that is driven"),
+    real("Gps.longitude", -179, 179, 11.97, "degrees east", "middle of the round that is driven"),
+    real("Gps.speed", 0, 400, 50, "km/h", "speed on the round"),
+
     choice("Touch.mode", 0, 3, 3, "(0 mouse, 1 touch at next boot; 2 mouse, 3 touch now)",
         "profile of the touch screen, as last set")
         .needing("Hardware.hasTouchscreen")

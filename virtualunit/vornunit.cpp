@@ -1,12 +1,15 @@
 #include "virtualunit/VirtualUnit.h"
+#include "virtualunit/lines/serve.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -39,6 +42,8 @@ struct Options {
     std::uint32_t after = 0;
     std::uint32_t milliseconds = 0;
     std::string journal;
+    std::string folder;
+    std::string recording;
     bool clear = false;
     bool follow = false;
 };
@@ -212,6 +217,57 @@ void addJournalCommand(CLI::App &app, Options &options)
     journal->final_callback([&] { showJournal(options); });
 }
 
+/// Control characters as C writes them, so that a message stays on its line.
+void printText(const std::string &text)
+{
+    for (const char byte : text) {
+        if (byte == '\r' || byte == '\n')
+            std::cout << (byte == '\r' ? "\\r" : "\\n");
+        else if (static_cast<unsigned char>(byte) < ' ')
+            std::cout << "\\x" << std::hex << std::setw(2) << std::setfill('0') << int{byte}
+                      << std::dec;
+        else
+            std::cout << byte;
+    }
+}
+
+void printMessages()
+{
+    std::vector<virtualunit::ShortMessage> messages;
+    require(virtualunit::shortMessages(messages));
+    for (const auto &message : messages) {
+        const auto seconds = static_cast<std::time_t>(message.time / 1000);
+        std::cout << std::put_time(std::gmtime(&seconds), "%Y-%m-%d %H:%M:%S") << "  "
+                  << message.number << "  ";
+        printText(message.text);
+        std::cout << '\n';
+    }
+}
+
+void serveLines(const Options &options)
+{
+    if (options.folder.empty())
+        throw Refusal{"There is no folder for the lines: set VORN_SERIAL_DIR to it or name it with "
+                      "--dir"};
+    virtualunit::lines::serveLines(options.folder, options.recording);
+}
+
+void addLineCommands(CLI::App &app, Options &options)
+{
+    auto *lines = app.add_subcommand(
+        "lines", "Serves the GPS receiver and the modem on pseudo-terminals until interrupted");
+    lines
+        ->add_option("--dir", options.folder,
+            "The folder with the lines under the names that the unit stores, else VORN_SERIAL_DIR")
+        ->envname("VORN_SERIAL_DIR");
+    lines->add_option(
+        "--gps", options.recording, "A file of NMEA sentences to be replayed over and over");
+    lines->final_callback([&] { serveLines(options); });
+
+    app.add_subcommand("sms", "Lists the short messages that the modem has sent, times in UTC")
+        ->final_callback(printMessages);
+}
+
 int run(int argc, char **argv)
 {
     CLI::App app("Looks after the virtual unit: its state, its profile, its faults, its journal.");
@@ -230,6 +286,7 @@ int run(int argc, char **argv)
     addStateCommands(app, options);
     addDisturbanceCommands(app, options);
     addJournalCommand(app, options);
+    addLineCommands(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -1,0 +1,484 @@
+#include "telematics/gpsParser.h"
+#include "telematics/serialPort_posix.h"
+#include "tests/support/DeviceTest.h"
+#include "virtualunit/VirtualUnit.h"
+#include "virtualunit/lines/Lines.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+using virtualunit::lines::degreesAndMinutes;
+using virtualunit::lines::GpsReceiver;
+using virtualunit::lines::GpsSurroundings;
+using virtualunit::lines::Lines;
+using virtualunit::lines::sentence;
+
+namespace {
+
+constexpr int baud9600 = 4;
+constexpr int baud57600 = 7;
+constexpr std::int64_t someTime = 1'781'687'530; // 2026-06-17 09:12:10 UTC
+
+/** Lines that are served in the background, in a folder of their own. */
+class Server
+{
+public:
+    explicit Server(const QString &recording = QString())
+        : lines(bytes(folder.path()), bytes(recording))
+        , worker([this] {
+            while (!ended) {
+                lines.serve(Lines::Clock::now());
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            }
+        })
+    {
+        qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder.path()));
+    }
+    ~Server()
+    {
+        ended = true;
+        worker.join();
+        qunsetenv("VORN_SERIAL_DIR");
+    }
+
+    QStringList names() const
+    {
+        return QDir(folder.path()).entryList(QDir::Files | QDir::System, QDir::Name);
+    }
+
+private:
+    static std::string bytes(const QString &text) { return QFile::encodeName(text).toStdString(); }
+
+    QTemporaryDir folder;
+    Lines lines;
+    std::atomic<bool> ended{false};
+    std::thread worker;
+};
+
+/** The near end of a line, as the program holds it, that waits for what it wants to hear. */
+class NearEnd
+{
+public:
+    NearEnd(const char *name, int baudCode)
+        : port(serialOpen(name))
+    {
+        if (!port || serialConfigure(port, baudCode, 3, 0, 0) != 0)
+            qFatal("line %s refused", name);
+    }
+    ~NearEnd() { serialClose(port); }
+    NearEnd(const NearEnd &) = delete;
+    NearEnd &operator=(const NearEnd &) = delete;
+
+    void say(const QByteArray &bytes)
+    {
+        if (serialWrite(port, bytes.constData(), std::uint32_t(bytes.size())) != 0)
+            qFatal("line takes nothing");
+    }
+    /** What came until that text came, or until the time was over. */
+    QByteArray hear(const QByteArray &text, int milliseconds = 10'000)
+    {
+        QByteArray heard;
+        QElapsedTimer timer;
+        timer.start();
+        while ((text.isEmpty() || !heard.contains(text)) && timer.elapsed() < milliseconds) {
+            pollfd line{port->handle, POLLIN, 0};
+            ::poll(&line, 1, 50);
+            char byte = 0;
+            while ((text.isEmpty() || !heard.contains(text)) && ::read(port->handle, &byte, 1) == 1)
+                heard += byte;
+        }
+        return heard;
+    }
+    QByteArray ask(const QByteArray &command)
+    {
+        say(command + "\r\n");
+        return hear("OK\r\n");
+    }
+
+private:
+    SerialPort *port;
+};
+
+GpsTexts firstTexts(const std::string &sentences)
+{
+    GpsFields fields;
+    return readGpsLine(sentences.substr(0, sentences.find('\n')), fields);
+}
+
+} // namespace
+
+class TestLines : public DeviceTest
+{
+    Q_OBJECT
+
+private slots:
+    void checksums()
+    {
+        QCOMPARE(sentence("GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,"),
+            std::string("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"));
+    }
+
+    void degrees()
+    {
+        QCOMPARE(degreesAndMinutes(57.70, 2), std::string("5742.0000"));
+        QCOMPARE(degreesAndMinutes(-11.97, 3), std::string("01158.2000"));
+        QCOMPARE(degreesAndMinutes(9.99999999, 2), std::string("1000.0000"));
+        QCOMPARE(degreesAndMinutes(0, 3), std::string("00000.0000"));
+    }
+
+    void coldStart()
+    {
+        GpsReceiver receiver;
+        receiver.powerOn();
+        GpsSurroundings sky;
+        sky.coldStart = 3;
+        sky.satellites = 6;
+        QCOMPARE(receiver.second(sky, someTime),
+            std::string("$GPRMC,091210.000,V,,,,,,,170626,,,N*42\r\n"
+                        "$GPGGA,091210.000,,,,,0,00,,,M,,M,,*73\r\n"
+                        "$PFST,FOM,9999*55\r\n"));
+        receiver.second(sky, someTime + 1);
+        receiver.second(sky, someTime + 2);
+        std::string all = receiver.second(sky, someTime + 3);
+        QCOMPARE(firstTexts(all).time.value_or(""), std::string("2026-06-17 - 09:12:13"));
+        QVERIFY(firstTexts(all).position.has_value());
+        QVERIFY(all.find(",1,04,") != std::string::npos);
+        QVERIFY(all.find("$PFST,FOM,60.0*") != std::string::npos);
+        for (int second = 4; second < 12; ++second)
+            all = receiver.second(sky, someTime + second);
+        QVERIFY(all.find(",1,06,") != std::string::npos);
+        QVERIFY(all.find("$PFST,FOM,20.0*") != std::string::npos);
+        // Off and on again: all is forgotten.
+        receiver.powerOn();
+        QVERIFY(!firstTexts(receiver.second(sky, someTime)).position.has_value());
+    }
+
+    void lostAntenna()
+    {
+        GpsReceiver receiver;
+        GpsSurroundings sky;
+        for (int second = 0; second < 25; ++second)
+            receiver.second(sky, someTime);
+        QVERIFY(firstTexts(receiver.second(sky, someTime)).position.has_value());
+        sky.antenna = false;
+        QVERIFY(!firstTexts(receiver.second(sky, someTime)).position.has_value());
+        sky.antenna = true;
+        int seconds = 0;
+        while (!firstTexts(receiver.second(sky, someTime)).position.has_value())
+            ++seconds;
+        QCOMPARE(seconds, 5);
+    }
+
+    void drivesARound()
+    {
+        GpsReceiver receiver;
+        GpsSurroundings sky;
+        sky.coldStart = 0;
+        sky.latitude = -33.86;
+        sky.longitude = -151.2;
+        const std::string first = receiver.second(sky, someTime);
+        QVERIFY(first.find("S,15112.0000,W") != std::string::npos);
+        QVERIFY(first.find(",27.00,90.00,") != std::string::npos);
+        QVERIFY(first != receiver.second(sky, someTime));
+        sky.speed = 0;
+        receiver = GpsReceiver();
+        QVERIFY(firstTexts(receiver.second(sky, someTime)).position ==
+                firstTexts(receiver.second(sky, someTime)).position);
+    }
+
+    void names()
+    {
+        const Server server;
+        QTRY_COMPARE(server.names(), (QStringList{QStringLiteral("COM3"), QStringLiteral("COM4")}));
+        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QStringLiteral("COM9"));
+        QTRY_COMPARE(server.names(), (QStringList{QStringLiteral("COM3"), QStringLiteral("COM9")}));
+        setUnit(QStringLiteral("Hardware.hasGsm"), QStringLiteral("false"));
+        QTRY_COMPARE(server.names(), QStringList{QStringLiteral("COM9")});
+        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QStringLiteral("/dev/ttyS1"));
+        QTRY_COMPARE(server.names(), QStringList());
+        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QString());
+        QTRY_COMPARE(server.names(), QStringList{QStringLiteral("COM4")});
+        setUnit(QStringLiteral("Telematics.available"), QStringLiteral("0"));
+        QTRY_COMPARE(server.names(), QStringList());
+    }
+
+    void leavesNothingBehind()
+    {
+        const QTemporaryDir folder;
+        const auto path = QFile::encodeName(folder.path()).toStdString();
+        {
+            const Lines lines(path);
+            QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::System).size(), 2);
+            QVERIFY_EXCEPTION_THROWN(Lines second(path), std::runtime_error);
+        }
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::System).size(), 0);
+        // Links that a killed server left are replaced, files are not.
+        QVERIFY(QFile::link(QStringLiteral("/nowhere"), folder.filePath(QStringLiteral("COM4"))));
+        {
+            const Lines lines(path);
+            QVERIFY(QFile::exists(folder.filePath(QStringLiteral("COM4"))));
+        }
+        QFile file(folder.filePath(QStringLiteral("COM3")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY_EXCEPTION_THROWN(Lines third(path), std::system_error);
+        QVERIFY(file.exists());
+    }
+
+    void badRecordings()
+    {
+        const QTemporaryDir folder;
+        const auto path = QFile::encodeName(folder.path()).toStdString();
+        QVERIFY_EXCEPTION_THROWN(Lines(path, "/no/such/file"), std::runtime_error);
+        QVERIFY_EXCEPTION_THROWN(Lines(path, "/dev/null"), std::runtime_error);
+    }
+
+    void modemAnswers()
+    {
+        const Server server;
+        NearEnd modem("COM3", baud57600);
+        QVERIFY(modem.ask("ATE0").endsWith("ATE0\r\r\nOK\r\n"));
+        QCOMPARE(modem.ask("AT+CPIN?"), QByteArray("\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"));
+        QCOMPARE(modem.ask("AT+CPIN=1234"), QByteArray("\r\nOK\r\n"));
+        QCOMPARE(modem.ask("AT+CREG?"), QByteArray("\r\n+CREG: 0,1\r\n\r\nOK\r\n"));
+        setUnit(QStringLiteral("Gsm.registration"), QStringLiteral("5"));
+        setUnit(QStringLiteral("Gsm.signal"), QStringLiteral("7"));
+        QCOMPARE(modem.ask("AT+CREG?"), QByteArray("\r\n+CREG: 0,5\r\n\r\nOK\r\n"));
+        QCOMPARE(modem.ask("AT+CSQ"), QByteArray("\r\n+CSQ: 7,99\r\n\r\nOK\r\n"));
+    }
+
+    void cardIsKeptInTheUnit()
+    {
+        const Server server;
+        NearEnd modem("COM3", baud57600);
+        modem.ask("ATE0");
+        for (const char *left : {"2", "1", "0"}) {
+            modem.say("AT+CPIN=9999\r");
+            modem.hear("+CME ERROR: ");
+            QTRY_COMPARE(unit(QStringLiteral("Gsm.pinTries")), QString::fromLatin1(left));
+        }
+        QCOMPARE(modem.ask("AT+CPIN?"), QByteArray("12\r\n\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n"));
+        modem.ask("AT+CPIN=12345678,4711");
+        QTRY_COMPARE(unit(QStringLiteral("Gsm.pinTries")), QStringLiteral("3"));
+        QCOMPARE(unit(QStringLiteral("Gsm.pin")), QStringLiteral("4711"));
+        modem.say("AT+CPIN?\r");
+        QVERIFY(modem.hear("OK").contains("+CPIN: READY"));
+    }
+
+    void messagesAreKept()
+    {
+        const Server server;
+        NearEnd modem("COM3", baud57600);
+        modem.ask("AT+CPIN=1234");
+        modem.ask("AT+CMGF=1");
+        modem.say("AT+CMGS=123\r\n");
+        modem.hear("> ");
+        modem.say("Hi\x1A"
+                  "CMGS=123\r\n");
+        QVERIFY(modem.hear("OK\r\n").contains("+CMGS: 1"));
+        std::vector<virtualunit::ShortMessage> messages;
+        QTRY_VERIFY(virtualunit::shortMessages(messages).empty() && messages.size() == 1);
+        QCOMPARE(messages[0].number, std::string("123"));
+        QCOMPARE(messages[0].text, std::string("Hi"));
+        QVERIFY(messages[0].time > 0);
+        useProfile(QStringLiteral("full"));
+        QVERIFY(virtualunit::shortMessages(messages).empty());
+        QVERIFY(messages.empty());
+    }
+
+    void unaskedLines()
+    {
+        setUnit(QStringLiteral("Gsm.pin"), QString());
+        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("1"));
+        const Server server;
+        NearEnd modem("COM3", baud57600);
+        QVERIFY(modem.hear("\r\n+CTZV: +4\r\n").endsWith("\r\n+CTZV: +4\r\n"));
+        modem.ask("AT+CREG=1");
+        setUnit(QStringLiteral("Gsm.registration"), QStringLiteral("2"));
+        QVERIFY(modem.hear("\r\n+CREG: 2\r\n").endsWith("\r\n+CREG: 2\r\n"));
+    }
+
+    void modemObeysItsPower()
+    {
+        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("0"));
+        setUnit(QStringLiteral("Telematics.gprsPowerStatus"), QStringLiteral("0"));
+        const Server server;
+        NearEnd modem("COM3", baud57600);
+        modem.say("AT\r\n");
+        QCOMPARE(modem.hear("", 500), QByteArray());
+        setUnit(QStringLiteral("Telematics.gprsPowerStatus"), QStringLiteral("1"));
+        QCOMPARE(modem.hear("RDY\r\n"), QByteArray("\r\nRDY\r\n"));
+        QCOMPARE(modem.ask("AT"), QByteArray("AT\r\r\nOK\r\n"));
+    }
+
+    void wrongSpeedIsGarbage()
+    {
+        const Server server;
+        NearEnd modem("COM3", baud9600);
+        modem.say("AT\r\n");
+        QVERIFY(!modem.hear("", 500).contains("OK"));
+        NearEnd receiver("COM4", baud57600);
+        const QByteArray heard = receiver.hear("", 1500);
+        QVERIFY(heard.size() > 50);
+        QVERIFY(!heard.contains('$'));
+        QVERIFY(!heard.contains('\n'));
+    }
+
+    void receiverTalks()
+    {
+        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("1"));
+        const Server server;
+        NearEnd receiver("COM4", baud9600);
+        const QByteArray start = receiver.hear(",A,");
+        QVERIFY(start.contains("$PFST,FOM,9999*55\r\n"));
+        QVERIFY(receiver.hear("$PFST,FOM,60.0*").contains("$GPGGA,"));
+        setUnit(QStringLiteral("Telematics.gpsAntennaStatus"), QStringLiteral("0"));
+        QVERIFY(receiver.hear(",V,").contains("$GPRMC,"));
+    }
+
+    void receiverObeysItsPower()
+    {
+        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("0"));
+        const Server server;
+        NearEnd receiver("COM4", baud9600);
+        receiver.hear("$PFST,FOM,");
+        setUnit(QStringLiteral("Telematics.gpsPowerStatus"), QStringLiteral("0"));
+        receiver.hear("", 1000);
+        QCOMPARE(receiver.hear("", 1500), QByteArray());
+        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("60"));
+        setUnit(QStringLiteral("Telematics.gpsPowerStatus"), QStringLiteral("1"));
+        QVERIFY(receiver.hear(",V,").contains("$GPRMC,"));
+    }
+
+    void replays()
+    {
+        QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("r.nmea")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QByteArray recorded;
+        for (int number = 100; number < 170; ++number)
+            recorded += "$PFST,FOM," + QByteArray::number(number) + "*00\r\n";
+        QVERIFY(file.write(recorded) == recorded.size());
+        file.close();
+
+        const Server server(file.fileName());
+        NearEnd receiver("COM4", baud9600);
+        receiver.hear("FOM,169*00\r\n"); // from anywhere, as nobody was there before
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(receiver.hear("FOM,169*00\r\n"), recorded);
+        // 960 characters a second, or fewer where this machine is late.
+        QVERIFY(timer.elapsed() > recorded.size() * 1000 / 960 - 200);
+    }
+
+    void nothingOldForALaterComer()
+    {
+        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("0"));
+        const Server server;
+        {
+            NearEnd modem("COM3", baud57600);
+            modem.ask("ATE0");
+            modem.say("ATI\r");
+            QTest::qWait(200); // answered, and nobody reads it
+        }
+        QTest::qWait(100);
+        NearEnd modem("COM3", baud57600);
+        QCOMPARE(modem.ask("AT"), QByteArray("\r\nOK\r\n"));
+    }
+
+    void crashedHoldersAreForgotten()
+    {
+        const Server server;
+        QTRY_COMPARE(server.names().size(), 2);
+        const QByteArray name = qgetenv("VORN_SERIAL_DIR") + "/COM3";
+        int handle = ::open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        QVERIFY(handle >= 0);
+        QCOMPARE(::ioctl(handle, TIOCEXCL), 0);
+        QTest::qWait(100);
+        ::close(handle);
+        int exclusive = 1;
+        const auto stillExclusive = [&] {
+            handle = ::open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+            if (handle >= 0)
+                ::ioctl(handle, TIOCGEXCL, &exclusive);
+            ::close(handle);
+            return exclusive != 0;
+        };
+        QTRY_VERIFY(!stillExclusive());
+    }
+
+    void commandLine()
+    {
+        const QTemporaryDir folder;
+        const QString state = folder.filePath(QStringLiteral("unit.sqlite"));
+        const QString lines = folder.filePath(QStringLiteral("lines"));
+        QCOMPARE(virtualunit::open(QFile::encodeName(state).toStdString()), std::string());
+        QProcess tool;
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+            {QStringLiteral("--unit"), state, QStringLiteral("lines"), QStringLiteral("--dir"),
+                lines});
+        QVERIFY(tool.waitForReadyRead(20'000));
+        QCOMPARE(tool.readAllStandardOutput(),
+            "Serving the unit's serial lines in " + QFile::encodeName(lines) + "\n");
+        {
+            qputenv("VORN_SERIAL_DIR", QFile::encodeName(lines));
+            NearEnd modem("COM3", baud57600);
+            modem.ask("AT+CPIN=1234");
+            modem.ask("AT+CMGF=1");
+            modem.say("AT+CMGS=4711\r");
+            modem.hear("> ");
+            modem.say("one\rtwo\x1A");
+            modem.hear("OK\r\n");
+            qunsetenv("VORN_SERIAL_DIR");
+        }
+        tool.terminate();
+        QVERIFY(tool.waitForFinished(20'000));
+        QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(tool.exitCode(), 0);
+        QCOMPARE(tool.readAllStandardError(), QByteArray());
+        QVERIFY(QDir(lines).isEmpty(QDir::Files | QDir::System));
+
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+            {QStringLiteral("--unit"), state, QStringLiteral("sms")});
+        QVERIFY(tool.waitForFinished(20'000));
+        const auto printed = tool.readAllStandardOutput();
+        QVERIFY2(printed.endsWith("  4711  one\\rtwo\n"), printed.constData());
+        QCOMPARE(printed.count('\n'), 1);
+        QCOMPARE(virtualunit::open(":memory:"), std::string());
+    }
+
+    void commandLineRefuses()
+    {
+        QProcess tool;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("VORN_SERIAL_DIR"));
+        tool.setProcessEnvironment(environment);
+        const QString program = QStringLiteral(VORN_BIN_DIR "/vornunit");
+        tool.start(program,
+            {QStringLiteral("--unit"), QStringLiteral(":memory:"), QStringLiteral("lines")});
+        QVERIFY(tool.waitForFinished(20'000));
+        QCOMPARE(tool.exitCode(), 1);
+        QVERIFY(tool.readAllStandardError().contains("VORN_SERIAL_DIR"));
+        tool.start(
+            program, {QStringLiteral("--unit"), QStringLiteral(":memory:"), QStringLiteral("lines"),
+                         QStringLiteral("--dir"), QStringLiteral("/dev/null/lines")});
+        QVERIFY(tool.waitForFinished(20'000));
+        QCOMPARE(tool.exitCode(), 1);
+        QVERIFY(tool.readAllStandardError().startsWith("vornunit: "));
+    }
+};
+
+VORN_TEST_MAIN(TestLines)
+#include "tst_lines.moc"

@@ -1,0 +1,45 @@
+#include "virtualunit/lines/serve.h"
+
+#include "virtualunit/lines/Lines.h"
+
+#include <csignal>
+#include <iostream>
+#include <thread>
+
+namespace virtualunit::lines {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+volatile std::sig_atomic_t asked = 0;
+
+void askToEnd(int)
+{
+    asked = 1;
+}
+
+} // namespace
+
+void serveLines(const std::filesystem::path &folder, const std::filesystem::path &recording)
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, askToEnd);
+    Lines lines(folder, recording);
+    std::cout << "Serving the unit's serial lines in " << folder.string() << std::endl;
+    std::string trouble;
+    while (asked == 0) {
+        try {
+            lines.serve(Lines::Clock::now());
+            trouble.clear();
+            std::this_thread::sleep_for(20ms);
+        } catch (const std::exception &exception) {
+            if (trouble != exception.what())
+                std::cerr << "vornunit: " << exception.what() << std::endl;
+            trouble = exception.what();
+            std::this_thread::sleep_for(500ms);
+        }
+    }
+}
+
+} // namespace virtualunit::lines
