@@ -1,0 +1,179 @@
+#include "telematics/tabTelematicsDlg.h"
+
+#include "platform/platform.h"
+#include "telematics/telematicsState.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+// The modem console. Its dialogues are unmatched: a command goes out, what the line has to say
+// until it falls silent is shown, and nothing in it is looked at but the two states. A line that
+// fails shows as "No data received".
+
+namespace {
+
+using CommandBuffer = std::array<char, 256>;
+
+constexpr int pauseBetweenSteps = 100; // milliseconds
+constexpr char endOfSms = 0x1A;
+
+/** Puts the text and a zero at the buffer's beginning, as far as it fits. What stands behind stays
+ *  as it was. */
+void fill(CommandBuffer &buffer, const std::string &text)
+{
+    const std::size_t length = std::min(std::strlen(text.c_str()), buffer.size() - 1);
+    std::copy_n(text.c_str(), length, buffer.begin());
+    buffer[length] = '\0';
+}
+
+std::size_t measure(const CommandBuffer &buffer)
+{
+    return std::size_t(std::find(buffer.begin(), buffer.end(), '\0') - buffer.begin());
+}
+
+void write(const CommandBuffer &buffer)
+{
+    serialWrite(gsmPort, buffer.data(), std::uint32_t(measure(buffer)));
+}
+
+/** A command with its terminating zero byte, which goes on the line too. */
+template <std::size_t Size>
+void writeWithZero(const char (&command)[Size])
+{
+    serialWrite(gsmPort, command, Size);
+}
+
+void letRepliesShow()
+{
+    QCoreApplication::processEvents();
+    platform::pause(pauseBetweenSteps);
+}
+
+struct State
+{
+    const char *part; ///< of what the modem said, in any case of letters
+    const char *text;
+};
+
+constexpr State pinStates[] = {
+    {"READY", "PIN code status: Ok"},
+    {"SIM PIN", "PIN code status: Enter PIN"},
+    {"", "PIN code status: Unknown"},
+};
+
+// With the registration mode 0 in front. The first that fits decides, wherever it stands.
+constexpr State networkStates[] = {
+    {"0,0", "Network status: Searching"},
+    {"0,1", "Network status: Ok, registered"},
+    {"0,2", "Network status: Searching"},
+    {"0,3", "Network status: Registration denied"},
+    {"0,5", "Network status: Ok, Roaming"},
+    {"", "Network status: Unknown"},
+};
+
+template <std::size_t Count>
+QString stateText(const QString &reply, const State (&states)[Count])
+{
+    const auto *found = std::find_if(std::begin(states), std::end(states), [&](const State &state) {
+        return reply.contains(QString::fromLatin1(state.part), Qt::CaseInsensitive);
+    });
+    return QString::fromLatin1(found->text);
+}
+
+} // namespace
+
+void tabTelematicsDlg::readReply(std::size_t size)
+{
+    std::vector<char> reply(size, '\0');
+    // Whatever the result: what came in time is in the buffer.
+    serialRead(gsmPort, reply.data(), std::uint32_t(size));
+    showModemReply(reply.data(), size);
+}
+
+void tabTelematicsDlg::showModemReply(const char *buffer, std::size_t size)
+{
+    ui->textEditGSM->clear();
+    bool received = false;
+    // Zero bytes are passed over, and the pieces around them are shown joined.
+    for (std::size_t index = 0; index < size;) {
+        const char *piece = buffer + index;
+        const std::size_t length = ::strnlen(piece, size - index);
+        index += std::max<std::size_t>(length, 1);
+        if (length == 0)
+            continue;
+        received = true;
+        ui->textEditGSM->insertPlainText(QString::fromUtf8(piece, int(length)));
+    }
+    if (!received)
+        ui->textEditGSM->insertPlainText(QStringLiteral("No data received"));
+}
+
+void tabTelematicsDlg::CallClicked()
+{
+    if (ui->editSMStext->text().isEmpty() || ui->editNumber->text().isEmpty())
+        return showMessage(QStringLiteral("Please enter a number and some text"));
+
+    CommandBuffer command{};
+    fill(command, "AT+CMGF=1\r\n");
+    write(command);
+    readReply(256);
+    letRepliesShow();
+
+    fill(command, "AT+CMGS=" + ui->editNumber->text().toStdString() + "\r\n");
+    write(command);
+    readReply(256);
+    letRepliesShow();
+
+    // The end mark takes the place of the text's zero, so that what is left of the command before
+    // goes out behind it.
+    fill(command, ui->editSMStext->text().toStdString());
+    command[measure(command)] = endOfSms;
+    write(command);
+    letRepliesShow();
+    readReply(256);
+}
+
+void tabTelematicsDlg::HangUpClicked()
+{
+    writeWithZero("ATH\r\n");
+    readReply(128);
+}
+
+void tabTelematicsDlg::CustomExecClicked()
+{
+    CommandBuffer command{};
+    fill(command, ui->editCustomAT->text().toStdString() + "\r\n");
+    write(command);
+    readReply(512);
+}
+
+void tabTelematicsDlg::SetPinClicked()
+{
+    const QString pin = ui->editPin->text();
+    bool isNumber = false;
+    const int value = pin.toInt(&isNumber, 10);
+    if (pin.size() != 4 || !isNumber || value >= 10000)
+        return showMessage(QStringLiteral("Please enter a 4 digit PIN"));
+    CommandBuffer command{};
+    fill(command, "AT+CPIN=" + pin.toStdString() + "\r\n");
+    write(command);
+    readReply(128);
+}
+
+void tabTelematicsDlg::GetPinStatusClicked()
+{
+    writeWithZero("AT+CPIN?\r\n");
+    readReply(128);
+    ui->editPinStatus->setText(stateText(ui->textEditGSM->toPlainText(), pinStates));
+}
+
+void tabTelematicsDlg::GetNetworkStatusClicked()
+{
+    writeWithZero("AT+CREG?\r\n");
+    readReply(128);
+    ui->editNetworkStatus->setText(stateText(ui->textEditGSM->toPlainText(), networkStates));
+}
