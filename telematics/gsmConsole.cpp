@@ -53,8 +53,7 @@ void letRepliesShow()
     platform::pause(pauseBetweenSteps);
 }
 
-struct State
-{
+struct State {
     const char *part; ///< of what the modem said, in any case of letters
     const char *text;
 };

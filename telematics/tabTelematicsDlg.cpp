@@ -46,7 +46,8 @@ void deleteWhenFinished(MyGPSThread *thread)
 
 } // namespace
 
-tabTelematicsDlg::tabTelematicsDlg(QWidget *parent) : tabDlg(parent)
+tabTelematicsDlg::tabTelematicsDlg(QWidget *parent)
+    : tabDlg(parent)
 {
     DeviceHandle<Hardware_create, Hardware_release> hardware;
     setGpsMode(true);
@@ -82,7 +83,8 @@ void tabTelematicsDlg::loadPortNames(SettingsHandle settings)
 
 void tabTelematicsDlg::askInterfaces(HardwareHandle hardware)
 {
-    const auto ask = [hardware](DeviceCode (*query)(HardwareHandle, DeviceBool *), DeviceBool &has) {
+    const auto ask = [hardware](
+                         DeviceCode (*query)(HardwareHandle, DeviceBool *), DeviceBool &has) {
         if (query(hardware, &has) != DEVICE_OK)
             has = 0;
     };
@@ -152,10 +154,8 @@ void tabTelematicsDlg::refreshStatus()
     showPower(hasWlan, Telematics_getWLANPowerStatus, "getWLANPowerStatus", ui->checkBoxWLAN);
     showPower(hasBluetooth, Telematics_getBTPowerStatus, "getBTPowerStatus", ui->checkBoxBT);
     showGps();
-    showStartupPower(
-        hasGsm, Telematics_getGPRSStartUpPowerStatus, ui->checkBoxGPRS_Startup);
-    showStartupPower(
-        hasWlan, Telematics_getWLANStartUpPowerStatus, ui->checkBoxWLAN_Startup);
+    showStartupPower(hasGsm, Telematics_getGPRSStartUpPowerStatus, ui->checkBoxGPRS_Startup);
+    showStartupPower(hasWlan, Telematics_getWLANStartUpPowerStatus, ui->checkBoxWLAN_Startup);
     showStartupPower(hasGps, Telematics_getGPSStartUpPowerStatus, ui->checkBoxGPS_Startup);
     showStartupPower(hasBluetooth, Telematics_getBTStartUpPowerStatus, ui->checkBoxBT_Startup);
 }
@@ -212,14 +212,14 @@ void tabTelematicsDlg::WLANClicked(bool on)
 
 void tabTelematicsDlg::GPRS_StartupClicked(bool on)
 {
-    reportError(
-        Telematics_setGPRSStartUpPowerStatus(telematics, statusOf(on)), "setGPRSStartUpPowerStatus");
+    reportError(Telematics_setGPRSStartUpPowerStatus(telematics, statusOf(on)),
+        "setGPRSStartUpPowerStatus");
 }
 
 void tabTelematicsDlg::WLAN_StartupClicked(bool on)
 {
-    reportError(
-        Telematics_setWLANStartUpPowerStatus(telematics, statusOf(on)), "setWLANStartUpPowerStatus");
+    reportError(Telematics_setWLANStartUpPowerStatus(telematics, statusOf(on)),
+        "setWLANStartUpPowerStatus");
 }
 
 void tabTelematicsDlg::BTClicked(bool on)
@@ -294,8 +294,8 @@ void tabTelematicsDlg::TabChanged(int)
     ui->textEditGSM->clear();
     ui->textEdit->clear();
     // The accuracy stays.
-    for (QLineEdit *edit : {ui->editGpsDate, ui->editGpsPos, ui->editGpsSat, ui->editGpsAlt,
-             ui->editGpsSpeed})
+    for (QLineEdit *edit :
+        {ui->editGpsDate, ui->editGpsPos, ui->editGpsSat, ui->editGpsAlt, ui->editGpsSpeed})
         edit->setText(QCoreApplication::translate("tabTelematics", "INVALID"));
 
     // Asked anew each time, since the dialogs on the way may have let the user go on.

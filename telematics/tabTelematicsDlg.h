@@ -7,6 +7,9 @@
 #include "ui_tabTelematicsDlg.h"
 
 #include <cstddef>
+#include <cstdint>
+
+struct SerialPort;
 
 /**
  * Telematics page: the switches of the add-on board's radios, the live GPS display and the modem
