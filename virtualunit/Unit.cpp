@@ -81,10 +81,14 @@ void Unit::acquire()
         throw Failure{StateUnavailable, "The process is ending."};
     if (file && file->moved())
         file.reset();
-    if (!file)
-        file.emplace(path(), [] { return profileSnapshot("full", machineTime()); });
-    if (file->changed())
-        state = file->load();
+    try {
+        if (!file)
+            file.emplace(path(), [] { return profileSnapshot("full", machineTime()); });
+        if (file->changed())
+            state = file->load();
+    } catch (const Failure &failure) {
+        throw Failure{failure.code, chosenPath.value_or("The unit") + ": " + failure.text};
+    }
     time = state.clock ? *state.clock : machineTime();
 }
 

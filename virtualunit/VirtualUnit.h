@@ -17,6 +17,7 @@
  * with screwdriver, heat gun and fault injector. For vornunit and for tests; the program itself
  * knows only frame/VornAux2.h.
  *
+ * Texts are UTF-8 here; those of the device are Latin-1, so they hold no other characters.
  * Each function may be called from any thread. Functions that can fail return an empty text on
  * success, else one English sentence that says what is wrong.
  */

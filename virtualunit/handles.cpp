@@ -67,7 +67,7 @@ void *createHandle(const char *operation, Family family) noexcept
         if (journalRuns())
             journal(operation, {}, "#" + std::to_string(handleNumber(family, handle)), {}, {});
         return handle;
-    } catch (const std::bad_alloc &) {
+    } catch (const std::exception &) {
         return nullptr;
     }
 }
@@ -81,7 +81,7 @@ void releaseHandle(const char *operation, Family family, const void *handle) noe
         const std::lock_guard lock(all.mutex);
         if (all.find(family, handle))
             all.records.erase(handle);
-    } catch (const std::bad_alloc &) {
+    } catch (const std::exception &) {
         // Nobody to tell.
     }
 }
