@@ -26,8 +26,9 @@ int main(int argc, char *argv[])
 
     if (argc == 3 && std::strcmp(argv[1], "--systemreport") == 0) {
         qInstallMessageHandler(dropToolkitWarnings);
+        const char *const path = argv[2]; // the application object may take arguments away
         QCoreApplication application(argc, argv);
-        writeSystemReport(QFile::decodeName(argv[2]));
+        writeSystemReport(QFile::decodeName(path));
         return 0;
     }
     if (argc == 2 && std::strcmp(argv[1], "--factorydefault") == 0) {
