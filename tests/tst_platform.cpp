@@ -9,6 +9,7 @@
 #include <csignal>
 #include <ctime>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -54,6 +55,8 @@ private slots:
     void library_thatIsThere();
     void errorLine_isWrittenWhole();
     void errorLine_toNobodyIsNoFailure();
+    void standardStreams_areOpened_data();
+    void standardStreams_areOpened();
     void blockingMessage_isAPlainBox();
     void reportError_isABoxWithoutParent();
     void reportError_passesOverWhatTheUnitLacks();
@@ -212,6 +215,44 @@ void tst_platform::errorLine_toNobodyIsNoFailure()
     platform::printErrorLine(latin1("nobody reads this"));
     dup2(saved, STDERR_FILENO);
     close(saved);
+}
+
+void tst_platform::standardStreams_areOpened_data()
+{
+    QTest::addColumn<QList<int>>("closed");
+    QTest::newRow("none") << QList<int>{};
+    for (const int stream : {0, 1, 2})
+        QTest::addRow("%d", stream) << QList<int>{stream};
+    QTest::newRow("all") << QList<int>{0, 1, 2};
+}
+
+void tst_platform::standardStreams_areOpened()
+{
+    QFETCH(QList<int>, closed);
+    int saved[3];
+    for (int stream = 0; stream < 3; ++stream)
+        saved[stream] = dup(stream);
+    for (const int stream : closed)
+        close(stream);
+    platform::ensureStandardStreams();
+    QList<int> open;
+    QList<int> changed;
+    for (int stream = 0; stream < 3; ++stream) {
+        struct stat now = {};
+        struct stat before = {};
+        if (fstat(stream, &now) == 0)
+            open << stream;
+        fstat(saved[stream], &before);
+        if (!closed.contains(stream) &&
+            (now.st_dev != before.st_dev || now.st_ino != before.st_ino))
+            changed << stream;
+    }
+    for (int stream = 0; stream < 3; ++stream) {
+        dup2(saved[stream], stream);
+        close(saved[stream]);
+    }
+    QCOMPARE(open, (QList<int>{0, 1, 2}));
+    QCOMPARE(changed, QList<int>());
 }
 
 void tst_platform::blockingMessage_isAPlainBox()
