@@ -4,6 +4,7 @@
 #include "frame/Form.h"
 #include "frame/tabDlg.h"
 #include "telematics/MyGPSThread.h"
+#include "telematics/serialPort.h"
 #include "ui_tabTelematicsDlg.h"
 
 #include <cstddef>
