@@ -77,7 +77,7 @@ bool setLineState(int handle, const termios &state)
 
 bool isOpen(const SerialPort *port)
 {
-    return port && port->handle != invalidHandle;
+    return port != nullptr && port->handle != invalidHandle;
 }
 
 bool isUsable(const SerialPort *port)

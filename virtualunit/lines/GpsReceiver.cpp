@@ -72,7 +72,7 @@ std::string sentence(std::string_view body)
 
 std::string degreesAndMinutes(double degrees, int digits)
 {
-    constexpr int minuteUnits = 10'000;
+    constexpr long long minuteUnits = 10'000;
     constexpr long long degreeUnits = 60 * minuteUnits;
     const long long units = std::llround(std::abs(degrees) * degreeUnits);
     return formatted("%0*lld%02lld.%04lld", digits, units / degreeUnits,
@@ -87,7 +87,7 @@ void GpsReceiver::powerOn()
 
 std::string GpsReceiver::second(const GpsSurroundings &surroundings, std::int64_t time)
 {
-    const std::time_t seconds = static_cast<std::time_t>(time);
+    const auto seconds = static_cast<std::time_t>(time);
     std::tm utc{};
     ::gmtime_r(&seconds, &utc);
     const auto clock = formatted("%02d%02d%02d.000", utc.tm_hour, utc.tm_min, utc.tm_sec);

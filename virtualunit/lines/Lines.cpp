@@ -93,10 +93,10 @@ int heldFolder(const std::filesystem::path &folder)
 
 } // namespace
 
-Lines::Lines(const std::filesystem::path &where, const std::filesystem::path &recorded)
-    : folder(where)
-    , recording(recorded.empty() ? std::string() : contents(recorded))
-    , lock(where)
+Lines::Lines(const std::filesystem::path &folder, const std::filesystem::path &recording)
+    : place(folder)
+    , replay(recording.empty() ? std::string() : contents(recording))
+    , lock(folder)
 {
     lookAtUnit();
 }
@@ -135,8 +135,8 @@ void Lines::lookAtUnit()
     const auto gsmName = gsm ? storedName("Settings.VornsettingsGsmPort", "COM3") : "";
     const auto gpsName = gps ? storedName("Settings.VornsettingsGpsPort", "COM4") : "";
     // Two lines can't have one name; then the program finds the modem there.
-    gpsLine.setName(gpsName.empty() || gpsName == gsmName ? "" : folder / gpsName);
-    gsmLine.setName(gsmName.empty() ? "" : folder / gsmName);
+    gpsLine.setName(gpsName.empty() || gpsName == gsmName ? "" : place / gpsName);
+    gsmLine.setName(gsmName.empty() ? "" : place / gsmName);
     setGpsPower(gps && number<int>("Telematics.gpsPowerStatus") == 1);
     sky.antenna = number<int>("Telematics.gpsAntennaStatus") == 1;
     sky.coldStart = number<int>("Gps.coldStart");
@@ -180,12 +180,12 @@ void Lines::serveReceiver(Clock::time_point now)
 {
     if (!gpsPowered)
         return;
-    while (!recording.empty() && gpsLine.waiting() < queuedAhead) {
-        const auto piece = std::string_view(recording).substr(replayed, queuedAhead);
+    while (!replay.empty() && gpsLine.waiting() < queuedAhead) {
+        const auto piece = std::string_view(replay).substr(replayed, queuedAhead);
         gpsLine.send(piece);
-        replayed = (replayed + piece.size()) % recording.size();
+        replayed = (replayed + piece.size()) % replay.size();
     }
-    if (!recording.empty() || now < nextSecond)
+    if (!replay.empty() || now < nextSecond)
         return;
     gpsLine.send(receiver.second(sky, std::time(nullptr)));
     // After a standstill of the machine the seconds that are gone are not made up for.

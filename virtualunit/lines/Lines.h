@@ -52,8 +52,8 @@ private:
     void serveModem(const std::string &heard, Clock::time_point now);
     void keepCard(const SimCard &before) const;
 
-    std::filesystem::path folder;
-    std::string recording;
+    std::filesystem::path place;
+    std::string replay; // bytes of the recording
     std::size_t replayed = 0;
     Folder lock; // held for as long as there are links in it
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "virtualunit/VirtualUnit.h"
+#include "virtualunit/lines/modemText.h"
 
 #include <string>
 #include <string_view>
@@ -66,8 +67,8 @@ private:
     int registrationNow() const;
     bool typing() const;
     void resetSettings();
-    std::string equipmentError(int number) const;
-    std::string messageError(int number) const;
+    std::string equipmentError(EquipmentError number) const;
+    std::string messageError(MessageError number) const;
     std::string lockError() const;
 
     std::string takeCommandByte(char byte);

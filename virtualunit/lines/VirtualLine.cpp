@@ -48,8 +48,8 @@ std::string garbled(std::string_view bytes)
 
 } // namespace
 
-VirtualLine::VirtualLine(int baud)
-    : speed(baud)
+VirtualLine::VirtualLine(int speed)
+    : baud(speed)
 {
     create();
 }
@@ -146,13 +146,13 @@ bool VirtualLine::held()
 bool VirtualLine::rightSpeed() const
 {
     termios state{};
-    return ::tcgetattr(handle, &state) == 0 && ::cfgetospeed(&state) == codeOf(speed);
+    return ::tcgetattr(handle, &state) == 0 && ::cfgetospeed(&state) == codeOf(baud);
 }
 
 std::string VirtualLine::receive()
 {
     std::string bytes;
-    std::array<char, 4096> piece;
+    std::array<char, 4096> piece{};
     for (;;) {
         const auto got = ::read(handle, piece.data(), piece.size());
         if (got <= 0)
@@ -174,7 +174,7 @@ void VirtualLine::transmit(double seconds)
         allowance = 0;
         return;
     }
-    allowance += seconds * speed / bitsOfACharacter;
+    allowance += seconds * baud / bitsOfACharacter;
     const auto count = std::min(queue.size(), static_cast<std::size_t>(allowance));
     allowance -= static_cast<double>(count);
     const auto now = queue.substr(0, count);

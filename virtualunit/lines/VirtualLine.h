@@ -44,7 +44,7 @@ private:
     bool rightSpeed() const;
     bool tidyUp();
 
-    const int speed;
+    const int baud;
     int handle = -1;
     std::string path;
     std::filesystem::path link;
