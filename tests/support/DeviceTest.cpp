@@ -81,6 +81,7 @@ void prepareEnvironment()
 }
 
 Dialogs::Dialogs()
+    : defaultAnswer(clickDefault)
 {
     qApp->installEventFilter(this);
 }
@@ -158,10 +159,10 @@ void Dialogs::answer(QDialog *dialog)
         record.buttons = buttonTexts(box);
     }
     seen << record;
-    if (answers.isEmpty())
-        clickDefault(dialog);
-    else
+    if (!answers.isEmpty())
         answers.dequeue()(dialog);
+    else
+        defaultAnswer(dialog);
 }
 
 } // namespace support

@@ -43,6 +43,8 @@ public:
     /** Answers of the next dialogs, in order. */
     void plan(QMessageBox::StandardButton button);
     void plan(Answer answer);
+    /** The answer of dialogs without a plan from now on. */
+    void setDefaultAnswer(Answer answer) { defaultAnswer = std::move(answer); }
     /** Types the path into the next file dialog and accepts it; an empty path cancels it. */
     void planFile(const QString &path);
 
@@ -57,6 +59,7 @@ private:
     void answer(QDialog *dialog);
 
     QQueue<Answer> answers;
+    Answer defaultAnswer;
     QList<Dialog> seen;
     QList<QPointer<QDialog>> open;
 };

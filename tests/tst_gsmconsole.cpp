@@ -1,0 +1,308 @@
+#include "telematics/tabTelematicsDlg.h"
+#include "telematics/telematicsState.h"
+#include "tests/support/PageTest.h"
+#include "tests/support/PseudoTerminal.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+
+using support::child;
+using support::operator""_s;
+
+/** The modem console of the Telematics page, with the modem's end of the line in the test's hand.
+ */
+class GsmConsoleTest : public PageTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void withoutLineEachActionEndsAtOnce();
+    void silentModem();
+    void smsDialogue();
+    void smsTextLongerThanTheCommand();
+    void overlongTextsAreCut();
+    void smsNeedsNumberAndText_data();
+    void smsNeedsNumberAndText();
+    void pins_data();
+    void pins();
+    void setPinSendsItAsTyped();
+    void pinStates_data();
+    void pinStates();
+    void networkStates_data();
+    void networkStates();
+    void customCommand();
+    void hangUp();
+    void longRepliesAreShown();
+    void pressingOnDuringTheSms();
+
+private:
+    /** Presses the button while the modem answers each command by the next of these replies; what
+     *  the modem got by and by. */
+    QByteArray talk(const std::function<void()> &action, const QByteArrayList &replies);
+    void press(const char *button) { support::click(page.get(), button); }
+    void type(const char *edit, const QString &text)
+    {
+        child<QLineEdit>(page.get(), edit)->setText(text);
+    }
+    QString shown() const
+    {
+        return child<QPlainTextEdit>(page.get(), "textEditGSM")->toPlainText();
+    }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<support::PseudoTerminal> modem;
+    std::unique_ptr<tabTelematicsDlg> page;
+};
+
+void GsmConsoleTest::init()
+{
+    PageTest::init();
+    folder = std::make_unique<QTemporaryDir>();
+    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder->path()));
+    modem = std::make_unique<support::PseudoTerminal>();
+    QVERIFY(QFile::link(QFile::decodeName(modem->path()), folder->filePath("COM3"_s)));
+    page = std::make_unique<tabTelematicsDlg>();
+    page->show();
+    child<QTabWidget>(page.get(), "tabWidget")->setCurrentIndex(2);
+    QVERIFY(gsmPort);
+}
+
+void GsmConsoleTest::cleanup()
+{
+    page.reset();
+    modem.reset();
+    PageTest::cleanup();
+}
+
+QByteArray GsmConsoleTest::talk(const std::function<void()> &action, const QByteArrayList &replies)
+{
+    QByteArray received;
+    std::atomic<bool> over{false};
+    std::thread peer([&] {
+        int answered = 0;
+        while (!over) {
+            const QByteArray command = modem->receive(1, 50) + modem->receiveAll(50);
+            received += command;
+            if (!command.isEmpty() && answered < replies.size())
+                modem->send(replies[answered++]);
+        }
+        received += modem->receiveAll(50);
+    });
+    action();
+    over = true;
+    peer.join();
+    return received;
+}
+
+void GsmConsoleTest::withoutLineEachActionEndsAtOnce()
+{
+    child<QTabWidget>(page.get(), "tabWidget")->setCurrentIndex(0);
+    QVERIFY(!gsmPort);
+    type("editNumber", "123"_s);
+    type("editPin", "0000"_s);
+    QElapsedTimer clock;
+    clock.start();
+    for (const char *slot : {"CallClicked", "HangUpClicked", "CustomExecClicked", "SetPinClicked",
+             "GetPinStatusClicked", "GetNetworkStatusClicked"}) {
+        QMetaObject::invokeMethod(page.get(), slot);
+        QCOMPARE(shown(), "No data received"_s);
+    }
+    QVERIFY(clock.elapsed() < 3000);
+    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), "PIN code status: Unknown"_s);
+    QCOMPARE(
+        child<QLineEdit>(page.get(), "editNetworkStatus")->text(), "Network status: Unknown"_s);
+}
+
+void GsmConsoleTest::silentModem()
+{
+    QElapsedTimer clock;
+    clock.start();
+    press("pushButtonGetPIN");
+    QVERIFY(clock.elapsed() >= 3000);
+    QCOMPARE(shown(), "No data received"_s);
+    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), "PIN code status: Unknown"_s);
+}
+
+void GsmConsoleTest::smsDialogue()
+{
+    type("editNumber", "123"_s);
+    type("editSMStext", "Hi"_s);
+    QElapsedTimer clock;
+    clock.start();
+    const QByteArray sent = talk(
+        [&] { press("pushButtonCall"); }, {"\r\nOK\r\n", "\r\n> ", "\r\n+CMGS: 7\r\n\r\nOK\r\n"});
+    QVERIFY(clock.elapsed() >= 9300);
+    QCOMPARE(sent, QByteArray("AT+CMGF=1\r\nAT+CMGS=123\r\nHi\x1A"
+                              "CMGS=123\r\n"));
+    QVERIFY(shown().contains("+CMGS: 7"_s));
+}
+
+void GsmConsoleTest::smsTextLongerThanTheCommand()
+{
+    type("editNumber", "1"_s);
+    type("editSMStext", "A text that is longer than the command"_s);
+    const QByteArray sent = talk([&] { press("pushButtonCall"); }, {});
+    QCOMPARE(
+        sent, QByteArray("AT+CMGF=1\r\nAT+CMGS=1\r\nA text that is longer than the command\x1A"));
+}
+
+void GsmConsoleTest::overlongTextsAreCut()
+{
+    type("editNumber", QString(300, QLatin1Char('7')));
+    type("editSMStext", QString(400, QLatin1Char('x')));
+    const QByteArray sent = talk([&] { press("pushButtonCall"); }, {});
+    QCOMPARE(sent,
+        "AT+CMGF=1\r\nAT+CMGS=" + QByteArray(247, '7') + QByteArray(255, 'x') + QByteArray("\x1A"));
+}
+
+void GsmConsoleTest::smsNeedsNumberAndText_data()
+{
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("no number") << QString() << "Hi"_s;
+    QTest::newRow("no text") << "123"_s << QString();
+    QTest::newRow("neither") << QString() << QString();
+}
+
+void GsmConsoleTest::smsNeedsNumberAndText()
+{
+    QFETCH(QString, number);
+    QFETCH(QString, text);
+    type("editNumber", number);
+    type("editSMStext", text);
+    press("pushButtonCall");
+    const auto seen = dialogs.take();
+    QCOMPARE(seen.size(), 1);
+    QCOMPARE(seen[0].title, "Vornsettings"_s);
+    QCOMPARE(seen[0].text, "Please enter a number and some text"_s);
+    QCOMPARE(seen[0].icon, QMessageBox::Critical);
+    QCOMPARE(modem->receiveAll(), QByteArray());
+}
+
+void GsmConsoleTest::pins_data()
+{
+    QTest::addColumn<QString>("pin");
+    for (const char *pin : {"", "123", "12345", "abcd", "12 4", "0x12", "1.23"})
+        QTest::newRow(pin) << QString::fromLatin1(pin);
+}
+
+void GsmConsoleTest::pins()
+{
+    QFETCH(QString, pin);
+    type("editPin", pin);
+    press("pushButtonSetPin");
+    const auto seen = dialogs.take();
+    QCOMPARE(seen.size(), 1);
+    QCOMPARE(seen[0].title, "Vornsettings"_s);
+    QCOMPARE(seen[0].text, "Please enter a 4 digit PIN"_s);
+    QCOMPARE(seen[0].icon, QMessageBox::Critical);
+    QCOMPARE(modem->receiveAll(), QByteArray());
+}
+
+void GsmConsoleTest::setPinSendsItAsTyped()
+{
+    type("editPin", "0000"_s);
+    QCOMPARE(
+        talk([&] { press("pushButtonSetPin"); }, {"\r\nOK\r\n"}), QByteArray("AT+CPIN=0000\r\n"));
+    QVERIFY(shown().contains("OK"_s));
+    // A sign is part of the four characters.
+    type("editPin", "-123"_s);
+    QCOMPARE(talk([&] { press("pushButtonSetPin"); }, {}), QByteArray("AT+CPIN=-123\r\n"));
+}
+
+void GsmConsoleTest::pinStates_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QString>("state");
+    QTest::newRow("ready") << QByteArray("\r\n+CPIN: READY\r\n\r\nOK\r\n")
+                           << "PIN code status: Ok"_s;
+    QTest::newRow("lower case") << QByteArray("+cpin: sim pin") << "PIN code status: Enter PIN"_s;
+    QTest::newRow("PUK") << QByteArray("\r\n+CPIN: SIM PUK\r\n") << "PIN code status: Unknown"_s;
+    QTest::newRow("cut by a zero byte")
+        << QByteArray("+CPIN: RE\0ADY", 13) << "PIN code status: Ok"_s;
+}
+
+void GsmConsoleTest::pinStates()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(QString, state);
+    const QByteArray sent = talk([&] { press("pushButtonGetPIN"); }, {reply});
+    QCOMPARE(sent, QByteArray("AT+CPIN?\r\n\0", 11));
+    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), state);
+}
+
+void GsmConsoleTest::networkStates_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QString>("state");
+    const auto row = [](const char *reply, const char *state) {
+        QTest::newRow(reply) << QByteArray(reply) << QString::fromLatin1(state);
+    };
+    row("+CREG: 0,0", "Network status: Searching");
+    row("+CREG: 0,1", "Network status: Ok, registered");
+    row("+CREG: 0,2", "Network status: Searching");
+    row("+CREG: 0,3", "Network status: Registration denied");
+    row("+CREG: 0,4", "Network status: Unknown");
+    row("+CREG: 0,5", "Network status: Ok, Roaming");
+    row("+CREG: 1,1", "Network status: Unknown");
+    row("0,5 and 0,1", "Network status: Ok, registered"); // the order of the rules decides
+}
+
+void GsmConsoleTest::networkStates()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(QString, state);
+    const QByteArray sent = talk([&] { press("pushButtonGetNetwork"); }, {reply});
+    QCOMPARE(sent, QByteArray("AT+CREG?\r\n\0", 11));
+    QCOMPARE(child<QLineEdit>(page.get(), "editNetworkStatus")->text(), state);
+}
+
+void GsmConsoleTest::customCommand()
+{
+    type("editCustomAT", "ATI"_s);
+    QCOMPARE(
+        talk([&] { press("pushButtonCustomExec"); }, {"\r\nModem\r\n"}), QByteArray("ATI\r\n"));
+    QCOMPARE(shown().trimmed(), "Modem"_s);
+    type("editCustomAT", QString());
+    QCOMPARE(talk([&] { press("pushButtonCustomExec"); }, {}), QByteArray("\r\n"));
+    QCOMPARE(shown(), "No data received"_s);
+    type("editCustomAT", QString(300, QLatin1Char('x')));
+    QCOMPARE(talk([&] { press("pushButtonCustomExec"); }, {}), QByteArray(255, 'x'));
+}
+
+void GsmConsoleTest::hangUp()
+{
+    QCOMPARE(talk([&] { QMetaObject::invokeMethod(page.get(), "HangUpClicked"); }, {"OK"}),
+        QByteArray("ATH\r\n\0", 6));
+    QCOMPARE(shown(), "OK"_s);
+}
+
+void GsmConsoleTest::longRepliesAreShown()
+{
+    type("editCustomAT", "AT"_s);
+    talk([&] { press("pushButtonCustomExec"); }, {QByteArray(700, 'y')});
+    QCOMPARE(shown(), QString(512, QLatin1Char('y')));
+}
+
+void GsmConsoleTest::pressingOnDuringTheSms()
+{
+    type("editNumber", "123"_s);
+    type("editSMStext", "Hi"_s);
+    // Waiting presses run between the steps of the dialogue, and may even take the line away.
+    QTimer::singleShot(0, page.get(), [&] { press("pushButtonGetPIN"); });
+    QTimer::singleShot(
+        0, page.get(), [&] { child<QTabWidget>(page.get(), "tabWidget")->setCurrentIndex(0); });
+    press("pushButtonCall");
+    QVERIFY(!gsmPort);
+    QCOMPARE(shown(), "No data received"_s);
+}
+
+VORN_TEST_MAIN(GsmConsoleTest)
+#include "tst_gsmconsole.moc"

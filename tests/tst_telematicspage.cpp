@@ -1,0 +1,692 @@
+#include "telematics/tabTelematicsDlg.h"
+#include "telematics/telematicsState.h"
+#include "tests/support/PageTest.h"
+#include "tests/support/PseudoTerminal.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <memory>
+
+using support::child;
+using support::operator""_s;
+
+/** The Telematics page but for its modem console, which has a test of its own. */
+class TelematicsPageTest : public PageTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void form();
+    void constructionAndDestruction();
+    void storedNamesAreShownAndKept();
+    void namesWithoutSetting_data();
+    void namesWithoutSetting();
+    void availability_data();
+    void availability();
+    void failedPresenceQueryMeansAbsent_data();
+    void failedPresenceQueryMeansAbsent();
+    void showReadsAllSwitches();
+    void failingStatus_data();
+    void failingStatus();
+    void antennaStates_data();
+    void antennaStates();
+    void switchesWriteTheirState_data();
+    void switchesWriteTheirState();
+    void failingSwitch_data();
+    void failingSwitch();
+    void viewsOfTheGpsData();
+    void gpsTabWithoutPower();
+    void gpsTabShowsLiveData();
+    void rawViewIsKept();
+    void gpsTabWithUnopenablePort();
+    void gpsPowerQueryFailureCountsAsOn();
+    void manyVisitsOfTheGpsTab();
+    void pageGoesWhileTheThreadReads();
+    void gsmTabWithoutPower();
+    void gsmTabOpensAndClosesTheLine();
+    void gsmTabWithUnopenablePort();
+    void gsmTabInTheGpsTabsPlace();
+
+private:
+    void useLines();
+    static int descriptors();
+    static QTabWidget *tabs(const QWidget &page) { return child<QTabWidget>(&page, "tabWidget"); }
+    static QString text(const QWidget &page, const char *edit)
+    {
+        return child<QLineEdit>(&page, edit)->text();
+    }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<support::PseudoTerminal> gps;
+    std::unique_ptr<support::PseudoTerminal> gsm;
+};
+
+namespace {
+
+const QByteArray fix = "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230324,003.1,W*6A\r\n"
+                       "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"
+                       "$PFST,FOM,12.5*6C\r\n";
+
+const char *const parsedView[] = {"label", "label_3", "label_4", "label_5", "label_6", "label_7",
+    "editGpsDate", "editGpsPos", "editGpsSat", "editGpsAlt", "editGpsSpeed", "editGpsAcc"};
+const char *const consoleButtons[] = {"pushButtonCall", "pushButtonCustomExec",
+    "pushButtonGetNetwork", "pushButtonGetPIN", "pushButtonSetPin"};
+
+constexpr int threadEnd = 20000; // milliseconds, generous
+
+} // namespace
+
+void TelematicsPageTest::init()
+{
+    PageTest::init();
+    folder = std::make_unique<QTemporaryDir>();
+    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder->path()));
+}
+
+void TelematicsPageTest::cleanup()
+{
+    // A thread that was left behind ends with the line's silence.
+    QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
+    gps.reset();
+    gsm.reset();
+    PageTest::cleanup();
+}
+
+/** A receiver and a modem under the names that the unit holds. */
+void TelematicsPageTest::useLines()
+{
+    gsm = std::make_unique<support::PseudoTerminal>();
+    gps = std::make_unique<support::PseudoTerminal>();
+    QVERIFY(QFile::link(QFile::decodeName(gsm->path()), folder->filePath("COM3"_s)));
+    QVERIFY(QFile::link(QFile::decodeName(gps->path()), folder->filePath("COM4"_s)));
+}
+
+int TelematicsPageTest::descriptors()
+{
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return int(std::distance(begin(open), end(open)));
+}
+
+void TelematicsPageTest::form()
+{
+    tabTelematicsDlg page;
+    QCOMPARE(page.objectName(), "tabTelematics"_s);
+    QCOMPARE(page.windowTitle(), "Telematics"_s);
+    QCOMPARE(page.size(), QSize(595, 319));
+    QCOMPARE(tabs(page)->currentIndex(), 0);
+    QCOMPARE(tabs(page)->count(), 3);
+    QCOMPARE(tabs(page)->tabText(0), "Settings"_s);
+    QCOMPARE(tabs(page)->tabText(1), "GPS"_s);
+    QCOMPARE(tabs(page)->tabText(2), "GSM/GPRS"_s);
+    QVERIFY(!tabs(page)->usesScrollButtons());
+    const struct {
+        const char *name;
+        const char *caption;
+        const char *toolTip;
+    } widgets[] = {{"checkBoxGPRS", "GSM/GPRS Enabled", ""},
+        {"checkBoxGPRS_Startup", "Enabled at start-up", ""}, {"checkBoxWLAN", "WLAN Enabled", ""},
+        {"checkBoxWLAN_Startup", "Enabled at start-up", ""},
+        {"checkBoxBT", "Bluetooth Enabled", ""}, {"checkBoxBT_Startup", "Enabled at start-up", ""},
+        {"checkBoxGPS", "GPS Enabled", ""}, {"checkBoxGPS_Startup", "Enabled at start-up", ""},
+        {"label_9", "GSM/GPRS device:", ""}, {"lineEditGSMdev", "COM3", ""},
+        {"label_8", "GPS device:", ""}, {"lineEditGPSdev", "COM4", ""},
+        {"lineEditAvailInterfaces", "Available interfaces: Bluetooth, WLAN, GSM/GPRS, GPS", ""},
+        {"label", "Date and time:  ", ""}, {"editGpsDate", "INVALID", ""},
+        {"label_3", "Position:", ""}, {"editGpsPos", "INVALID", ""},
+        {"label_4", "Satelites in fix:", ""}, {"editGpsSat", "INVALID", ""},
+        {"label_5", "Altitude:", ""}, {"editGpsAlt", "INVALID", ""}, {"label_6", "Speed:", ""},
+        {"editGpsSpeed", "INVALID", ""}, {"label_7", "Accuracy:", ""}, {"editGpsAcc", "", ""},
+        {"label_GPSantenna", "GPS antenna status: OK", ""}, {"buttonToggleData", "Serial data", ""},
+        {"editPinStatus", "PIN code status: Unknown", ""}, {"editTestCall", "Send SMS", ""},
+        {"editNumber", "", "Phone number to send to"},
+        {"editNetworkStatus", "Network status: Unknown", ""}, {"editPin", "", "Enter PIN code"},
+        {"pushButtonSetPin", " Set PIN ", ""}, {"pushButtonGetPIN", "Get PIN status", ""},
+        {"pushButtonGetNetwork", "Get network status", ""},
+        {"editTestCall_2", "Custom AT command:", ""},
+        {"editCustomAT", "", "Enter a custom AT command"}, {"pushButtonCustomExec", "", ""},
+        {"editSMStext", "SMS text", "Enter the text to send"}, {"pushButtonCall", "Send", ""}};
+    for (const auto &row : widgets) {
+        const auto *widget = child<QWidget>(&page, row.name);
+        QCOMPARE(widget->property("text").toString(), QString::fromLatin1(row.caption));
+        QCOMPARE(widget->toolTip(), QString::fromLatin1(row.toolTip));
+    }
+    QCOMPARE(child<QGroupBox>(&page, "groupBox_2")->title(), "GPS data"_s);
+    QVERIFY(!child<QPushButton>(&page, "pushButtonCustomExec")->icon().isNull());
+    QVERIFY(child<QLabel>(&page, "icon")->hasScaledContents());
+    for (const char *edit :
+        {"editGpsDate", "editGpsPos", "editGpsSat", "editGpsAlt", "editGpsSpeed", "editGpsAcc",
+            "editPinStatus", "editTestCall", "editNetworkStatus", "editTestCall_2"})
+        QVERIFY2(child<QLineEdit>(&page, edit)->isReadOnly(), edit);
+    for (const char *edit : {"lineEditGSMdev", "lineEditGPSdev", "editNumber", "editPin",
+             "editCustomAT", "editSMStext"})
+        QVERIFY2(!child<QLineEdit>(&page, edit)->isReadOnly(), edit);
+    const auto *raw = child<QPlainTextEdit>(&page, "textEdit");
+    QVERIFY(raw->isReadOnly());
+    QCOMPARE(raw->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+    QCOMPARE(raw->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    QCOMPARE(raw->lineWrapMode(), QPlainTextEdit::WidgetWidth);
+    const auto *modem = child<QPlainTextEdit>(&page, "textEditGSM");
+    QVERIFY(modem->isReadOnly());
+    QCOMPARE(modem->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    QCOMPARE(modem->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    QCOMPARE(modem->lineWrapMode(), QPlainTextEdit::WidgetWidth);
+    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isHidden());
+}
+
+void TelematicsPageTest::constructionAndDestruction()
+{
+    {
+        const tabTelematicsDlg page;
+        QCOMPARE(calls(),
+            QStringList({"Telematics_create()"_s, "Hardware_create()"_s, "Settings_create()"_s,
+                "Settings_getString(\"VornsettingsGsmPort\", 255) = 0 [\"COM3\"]"_s,
+                "Settings_getString(\"VornsettingsGpsPort\", 255) = 0 [\"COM4\"]"_s,
+                "Hardware_hasWlan() = 0 [true]"_s, "Hardware_hasGps() = 0 [true]"_s,
+                "Hardware_hasGsm() = 0 [true]"_s, "Hardware_hasBluetooth() = 0 [true]"_s,
+                "Settings_release()"_s, "Hardware_release()"_s}));
+    }
+    QCOMPARE(calls(), QStringList({"Telematics_release()"_s, "Settings_create()"_s,
+                          "Settings_setString(\"VornsettingsGsmPort\", \"COM3\") = 0"_s,
+                          "Settings_setString(\"VornsettingsGpsPort\", \"COM4\") = 0"_s,
+                          "Settings_release()"_s}));
+}
+
+void TelematicsPageTest::storedNamesAreShownAndKept()
+{
+    {
+        const tabTelematicsDlg page;
+        child<QLineEdit>(&page, "lineEditGSMdev")->setText("ttyUSB2"_s);
+        child<QLineEdit>(&page, "lineEditGPSdev")->setText("/dev/ttyS7"_s);
+    }
+    const tabTelematicsDlg page;
+    QCOMPARE(text(page, "lineEditGSMdev"), "ttyUSB2"_s);
+    QCOMPARE(text(page, "lineEditGPSdev"), "/dev/ttyS7"_s);
+}
+
+void TelematicsPageTest::namesWithoutSetting_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::newRow("empty") << 0;
+    for (const int code : failureCodes)
+        QTest::addRow("%d", code) << code;
+}
+
+void TelematicsPageTest::namesWithoutSetting()
+{
+    QFETCH(int, code);
+    if (code == 0) {
+        const tabTelematicsDlg page;
+        child<QLineEdit>(&page, "lineEditGSMdev")->clear();
+        child<QLineEdit>(&page, "lineEditGPSdev")->clear();
+    } else {
+        fault("Settings_getString"_s, code);
+    }
+    const tabTelematicsDlg page;
+    QCOMPARE(text(page, "lineEditGSMdev"), "COM3"_s);
+    QCOMPARE(text(page, "lineEditGPSdev"), "COM4"_s);
+}
+
+void TelematicsPageTest::availability_data()
+{
+    QTest::addColumn<int>("radios"); // 1 GSM, 2 WLAN, 4 GPS, 8 Bluetooth
+    for (int radios = 0; radios < 16; ++radios)
+        QTest::addRow("%d", radios) << radios;
+}
+
+void TelematicsPageTest::availability()
+{
+    QFETCH(int, radios);
+    const struct {
+        int bit;
+        const char *property;
+        const char *box;
+        const char *startupBox;
+        const char *toolTip;
+        QStringList others;
+        const char *tab;
+    } rows[] = {{1, "Hardware.hasGsm", "checkBoxGPRS", "checkBoxGPRS_Startup",
+                    "GSM/GPRS is not available", {"lineEditGSMdev"_s, "label_9"_s}, "GSM/GPRS"},
+        {2, "Hardware.hasWlan", "checkBoxWLAN", "checkBoxWLAN_Startup", "WLAN is not available", {},
+            nullptr},
+        {4, "Hardware.hasGps", "checkBoxGPS", "checkBoxGPS_Startup", "GPS is not available",
+            {"lineEditGPSdev"_s, "label_8"_s}, "GPS"},
+        {8, "Hardware.hasBluetooth", "checkBoxBT", "checkBoxBT_Startup",
+            "Bluetooth is not available", {}, nullptr}};
+    for (const auto &row : rows)
+        setUnit(QString::fromLatin1(row.property), radios & row.bit ? "true"_s : "false"_s);
+    tabTelematicsDlg page;
+    page.show();
+    QStringList captions;
+    for (int i = 0; i < tabs(page)->count(); ++i)
+        captions << tabs(page)->tabText(i);
+    for (const auto &row : rows) {
+        const bool present = radios & row.bit;
+        for (const char *name : {row.box, row.startupBox}) {
+            const auto *box = child<QCheckBox>(&page, name);
+            QCOMPARE(box->isVisible(), present);
+            QCOMPARE(box->isEnabled(), present);
+            QCOMPARE(box->toolTip(), present ? QString() : QString::fromLatin1(row.toolTip));
+            if (!present)
+                QVERIFY(!box->isChecked());
+        }
+        for (const QString &name : row.others)
+            QCOMPARE(page.findChild<QWidget *>(name)->isVisible(), present);
+        if (row.tab)
+            QCOMPARE(captions.contains(QString::fromLatin1(row.tab)), present);
+    }
+    QStringList names;
+    for (const auto &[bit, name] : {std::pair(8, "Bluetooth"), std::pair(2, "WLAN"),
+             std::pair(1, "GSM/GPRS"), std::pair(4, "GPS")}) {
+        if (radios & bit)
+            names << QString::fromLatin1(name);
+    }
+    QCOMPARE(
+        text(page, "lineEditAvailInterfaces"), "Available interfaces: "_s + names.join(", "_s));
+    QCOMPARE(child<QLabel>(&page, "label_GPSantenna")->text(),
+        radios & 4 ? "GPS antenna status: OK"_s : "GPS antenna status: Unknown"_s);
+}
+
+void TelematicsPageTest::failedPresenceQueryMeansAbsent_data()
+{
+    addFailureRows({"Hardware_hasWlan"_s, "Hardware_hasGps"_s, "Hardware_hasGsm"_s,
+        "Hardware_hasBluetooth"_s});
+}
+
+void TelematicsPageTest::failedPresenceQueryMeansAbsent()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    fault(operation, code);
+    tabTelematicsDlg page;
+    const QString available = text(page, "lineEditAvailInterfaces");
+    QCOMPARE(available.contains("WLAN"_s), operation != "Hardware_hasWlan"_s);
+    QCOMPARE(available.endsWith("GPS"_s), operation != "Hardware_hasGps"_s);
+    QCOMPARE(available.contains("GSM"_s), operation != "Hardware_hasGsm"_s);
+    QCOMPARE(available.contains("Bluetooth"_s), operation != "Hardware_hasBluetooth"_s);
+}
+
+void TelematicsPageTest::showReadsAllSwitches()
+{
+    setUnit("Telematics.gprsPowerStatus"_s, "1"_s);
+    setUnit("Telematics.wlanPowerStatus"_s, "0"_s);
+    setUnit("Telematics.btPowerStatus"_s, "1"_s);
+    setUnit("Telematics.gpsPowerStatus"_s, "1"_s);
+    setUnit("Telematics.gprsStartUpPowerStatus"_s, "0"_s);
+    setUnit("Telematics.wlanStartUpPowerStatus"_s, "1"_s);
+    setUnit("Telematics.gpsStartUpPowerStatus"_s, "2"_s); // every value but 1 is off
+    setUnit("Telematics.btStartUpPowerStatus"_s, "1"_s);
+    tabTelematicsDlg page;
+    calls();
+    page.show();
+    QCOMPARE(calls(),
+        QStringList({"Telematics_getGPRSPowerStatus() = 0 [1]"_s,
+            "Telematics_getWLANPowerStatus() = 0 [0]"_s, "Telematics_getBTPowerStatus() = 0 [1]"_s,
+            "Telematics_getGPSPowerStatus() = 0 [1]"_s,
+            "Telematics_getGPSAntennaStatus() = 0 [1]"_s,
+            "Telematics_getGPRSStartUpPowerStatus() = 0 [0]"_s,
+            "Telematics_getWLANStartUpPowerStatus() = 0 [1]"_s,
+            "Telematics_getGPSStartUpPowerStatus() = 0 [2]"_s,
+            "Telematics_getBTStartUpPowerStatus() = 0 [1]"_s}));
+    const std::pair<const char *, bool> boxes[] = {{"checkBoxGPRS", true}, {"checkBoxWLAN", false},
+        {"checkBoxBT", true}, {"checkBoxGPS", true}, {"checkBoxGPRS_Startup", false},
+        {"checkBoxWLAN_Startup", true}, {"checkBoxGPS_Startup", false},
+        {"checkBoxBT_Startup", true}};
+    for (const auto &[name, checked] : boxes)
+        QCOMPARE(child<QCheckBox>(&page, name)->isChecked(), checked);
+}
+
+void TelematicsPageTest::failingStatus_data()
+{
+    addFailureRows({"Telematics_getGPRSPowerStatus"_s, "Telematics_getWLANPowerStatus"_s,
+        "Telematics_getBTPowerStatus"_s, "Telematics_getGPSPowerStatus"_s,
+        "Telematics_getGPSAntennaStatus"_s, "Telematics_getGPRSStartUpPowerStatus"_s,
+        "Telematics_getWLANStartUpPowerStatus"_s, "Telematics_getGPSStartUpPowerStatus"_s,
+        "Telematics_getBTStartUpPowerStatus"_s});
+}
+
+void TelematicsPageTest::failingStatus()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    fault(operation, code);
+    tabTelematicsDlg page;
+    page.show();
+    const bool startup = operation.contains("StartUp"_s);
+    const bool antenna = operation.contains("Antenna"_s);
+    const bool silent = startup || (code == 2 && !antenna);
+    const QString name = operation.mid(int(qstrlen("Telematics_")));
+    QCOMPARE(boxes(&page), silent ? QStringList() : QStringList({errorBox(code, name)}));
+    for (const auto *box : page.findChildren<QCheckBox *>()) {
+        const bool modem = box->objectName() == "checkBoxGPRS"_s;
+        QCOMPARE(box->isVisible(),
+            !(modem && code == 2 && operation == "Telematics_getGPRSPowerStatus"_s));
+    }
+    if (antenna)
+        QCOMPARE(child<QLabel>(&page, "label_GPSantenna")->text(), "GPS antenna status: Unknown"_s);
+    if (startup) {
+        const QString box = "checkBox"_s +
+                            (name.contains("GPRS"_s)      ? "GPRS"_s
+                                : name.contains("WLAN"_s) ? "WLAN"_s
+                                : name.contains("GPS"_s)  ? "GPS"_s
+                                                          : "BT"_s) +
+                            "_Startup"_s;
+        QVERIFY(!page.findChild<QCheckBox *>(box)->isChecked());
+    }
+}
+
+void TelematicsPageTest::antennaStates_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("good") << 1 << "GPS antenna status: OK"_s;
+    QTest::newRow("open") << 0 << "GPS antenna status: Error: Open or short"_s;
+    QTest::newRow("short") << 2 << "GPS antenna status: Error: Open or short"_s;
+}
+
+void TelematicsPageTest::antennaStates()
+{
+    QFETCH(int, status);
+    QFETCH(QString, shown);
+    setUnit("Telematics.gpsAntennaStatus"_s, QString::number(status));
+    tabTelematicsDlg page;
+    page.show();
+    QCOMPARE(child<QLabel>(&page, "label_GPSantenna")->text(), shown);
+}
+
+void TelematicsPageTest::switchesWriteTheirState_data()
+{
+    QTest::addColumn<QByteArray>("box");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("property");
+    const char *const rows[][3] = {
+        {"checkBoxGPRS", "setGPRSPowerStatus", "Telematics.gprsPowerStatus"},
+        {"checkBoxWLAN", "setWLANPowerStatus", "Telematics.wlanPowerStatus"},
+        {"checkBoxBT", "setBTPowerStatus", "Telematics.btPowerStatus"},
+        {"checkBoxGPS", "setGPSPowerStatus", "Telematics.gpsPowerStatus"},
+        {"checkBoxGPRS_Startup", "setGPRSStartUpPowerStatus", "Telematics.gprsStartUpPowerStatus"},
+        {"checkBoxWLAN_Startup", "setWLANStartUpPowerStatus", "Telematics.wlanStartUpPowerStatus"},
+        {"checkBoxBT_Startup", "setBTStartUpPowerStatus", "Telematics.btStartUpPowerStatus"},
+        {"checkBoxGPS_Startup", "setGPSStartUpPowerStatus", "Telematics.gpsStartUpPowerStatus"}};
+    for (const auto &row : rows)
+        QTest::newRow(row[0]) << QByteArray(row[0]) << QString::fromLatin1(row[1])
+                              << QString::fromLatin1(row[2]);
+}
+
+void TelematicsPageTest::switchesWriteTheirState()
+{
+    QFETCH(QByteArray, box);
+    QFETCH(QString, operation);
+    QFETCH(QString, property);
+    setUnit(property, "1"_s);
+    tabTelematicsDlg page;
+    page.show();
+    calls();
+    support::click(&page, box.constData());
+    QCOMPARE(calls(), QStringList({"Telematics_"_s + operation + "(0) = 0"_s}));
+    QCOMPARE(unit(property), "0"_s);
+    support::click(&page, box.constData());
+    QCOMPARE(calls(), QStringList({"Telematics_"_s + operation + "(1) = 0"_s}));
+}
+
+void TelematicsPageTest::failingSwitch_data()
+{
+    QTest::addColumn<QByteArray>("box");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("code");
+    const char *const rows[][2] = {{"checkBoxGPRS", "setGPRSPowerStatus"},
+        {"checkBoxWLAN", "setWLANPowerStatus"}, {"checkBoxBT", "setBTPowerStatus"},
+        {"checkBoxGPS", "setGPSPowerStatus"}, {"checkBoxGPRS_Startup", "setGPRSStartUpPowerStatus"},
+        {"checkBoxWLAN_Startup", "setWLANStartUpPowerStatus"},
+        {"checkBoxBT_Startup", "setBTStartUpPowerStatus"},
+        {"checkBoxGPS_Startup", "setGPSStartUpPowerStatus"}};
+    for (const auto &row : rows) {
+        for (const int code : failureCodes)
+            QTest::addRow("%s %d", row[1], code)
+                << QByteArray(row[0]) << QString::fromLatin1(row[1]) << code;
+    }
+}
+
+void TelematicsPageTest::failingSwitch()
+{
+    QFETCH(QByteArray, box);
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    tabTelematicsDlg page;
+    page.show();
+    fault("Telematics_"_s + operation, code);
+    const bool before = child<QCheckBox>(&page, box.constData())->isChecked();
+    support::click(&page, box.constData());
+    QVERIFY(child<QCheckBox>(&page, box.constData())->isChecked() != before);
+    QCOMPARE(boxes(&page), QStringList({errorBox(code, operation)}));
+}
+
+void TelematicsPageTest::viewsOfTheGpsData()
+{
+    tabTelematicsDlg page;
+    page.show();
+    const auto check = [&](bool parsed) {
+        for (const char *name : parsedView)
+            QCOMPARE(child<QWidget>(&page, name)->isHidden(), !parsed);
+        QCOMPARE(child<QWidget>(&page, "textEdit")->isHidden(), parsed);
+        QCOMPARE(child<QPushButton>(&page, "buttonToggleData")->text(),
+            parsed ? "Serial data"_s : "GPS data"_s);
+        QCOMPARE(child<QGroupBox>(&page, "groupBox_2")->title(),
+            parsed ? "GPS data"_s : "Serial data"_s);
+        QCOMPARE(gpsDataMode, parsed);
+    };
+    check(true);
+    QMetaObject::invokeMethod(&page, "GPSModeClicked");
+    check(false);
+    QCOMPARE(child<QWidget>(&page, "textEdit")->geometry(), QRect(16, 30, 400, 180));
+    QMetaObject::invokeMethod(&page, "GPSModeClicked");
+    check(true);
+}
+
+void TelematicsPageTest::gpsTabWithoutPower()
+{
+    useLines();
+    setUnit("Telematics.gpsPowerStatus"_s, "0"_s);
+    setUnit("Telematics.gpsAntennaStatus"_s, "1"_s);
+    tabTelematicsDlg page;
+    page.show();
+    dialogs.take();
+    tabs(page)->setCurrentIndex(1);
+    dialogs.take();
+    QCOMPARE(text(page, "editGpsDate"), "Please enable GPS Power!"_s);
+    QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isVisible());
+    QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isEnabled());
+    QVERIFY(!gpsPort.load());
+}
+
+void TelematicsPageTest::gpsTabShowsLiveData()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    QCOMPARE(text(page, "editGpsDate"), "INVALID"_s);
+    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
+    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isEnabled());
+    QVERIFY(gps->send(fix));
+    QTRY_COMPARE_WITH_TIMEOUT(text(page, "editGpsSat"), "08"_s, 10000);
+    QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
+    QVERIFY(text(page, "editGpsPos").startsWith("4807.038N"_s));
+    QVERIFY(text(page, "editGpsAlt").startsWith("545.4"_s));
+    QVERIFY(text(page, "editGpsSpeed").startsWith("022.4 knots"_s));
+    QVERIFY(text(page, "editGpsDate").endsWith("12:35:19"_s));
+    QVERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("$GPRMC"_s));
+
+    // On leaving, five fields are emptied and the accuracy stays.
+    tabs(page)->setCurrentIndex(0);
+    for (const char *edit :
+        {"editGpsDate", "editGpsPos", "editGpsSat", "editGpsAlt", "editGpsSpeed"})
+        QCOMPARE(text(page, edit), "INVALID"_s);
+    QCOMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEdit")->toPlainText(), QString());
+    QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isVisible());
+    QVERIFY(!gpsPort.load());
+}
+
+void TelematicsPageTest::rawViewIsKept()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    support::click(&page, "buttonToggleData");
+    tabs(page)->setCurrentIndex(0);
+    tabs(page)->setCurrentIndex(1);
+    QVERIFY(child<QWidget>(&page, "textEdit")->isVisible());
+    QVERIFY(gps->send("garbage \x80\xff\r\n"));
+    QTRY_VERIFY_WITH_TIMEOUT(
+        child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("garbage"_s), 10000);
+    tabs(page)->setCurrentIndex(0);
+}
+
+void TelematicsPageTest::gpsTabWithUnopenablePort()
+{
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    QCOMPARE(boxes(&page).size(), 1);
+    QVERIFY(!gpsPort.load());
+    // The tab stays usable, and its thread has nothing to read.
+    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
+    QElapsedTimer clock;
+    clock.start();
+    tabs(page)->setCurrentIndex(0);
+    QVERIFY(clock.elapsed() < 5000);
+}
+
+void TelematicsPageTest::gpsPowerQueryFailureCountsAsOn()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    fault("Telematics_getGPSPowerStatus"_s, 2);
+    tabs(page)->setCurrentIndex(1);
+    QVERIFY(gpsPort.load());
+    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
+    tabs(page)->setCurrentIndex(0);
+}
+
+void TelematicsPageTest::manyVisitsOfTheGpsTab()
+{
+    // Without a line a visit takes 50 ms; with one, up to the 3 s that a silent read lasts.
+    setUnit("Telematics.gpsAntennaStatus"_s, "1"_s);
+    tabTelematicsDlg page;
+    page.show();
+    const auto visit = [&] {
+        tabs(page)->setCurrentIndex(1);
+        dialogs.take();
+        tabs(page)->setCurrentIndex(0);
+    };
+    visit();
+    const int before = descriptors();
+    for (int i = 0; i < 100; ++i)
+        visit();
+    QCOMPARE(descriptors(), before);
+    QCOMPARE(page.findChildren<QThread *>().size(), 0);
+    QStringList created = calls();
+    QCOMPARE(created.filter("Telematics_create"_s).size(),
+        created.filter("Telematics_release"_s).size() + 1);
+}
+
+void TelematicsPageTest::pageGoesWhileTheThreadReads()
+{
+    useLines();
+    auto page = std::make_unique<tabTelematicsDlg>();
+    page->show();
+    tabs(*page)->setCurrentIndex(1);
+    QVERIFY(gps->send(fix));
+    QTRY_COMPARE_WITH_TIMEOUT(text(*page, "editGpsSat"), "08"_s, 10000);
+    calls();
+    page.reset();
+    QCOMPARE(int(gpsKeepRunning.load()), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
+}
+
+void TelematicsPageTest::gsmTabWithoutPower()
+{
+    useLines();
+    setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(2);
+    for (const char *name : consoleButtons) {
+        QVERIFY(!child<QPushButton>(&page, name)->isEnabled());
+        QCOMPARE(child<QPushButton>(&page, name)->toolTip(), "Please enable GSM/GPRS power!"_s);
+    }
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(),
+        "Please enable GSM/GPRS power!"_s);
+    QVERIFY(!gsmPort);
+
+    // The switch is taken note of at the next change of the tab.
+    tabs(page)->setCurrentIndex(0);
+    support::click(&page, "checkBoxGPRS");
+    tabs(page)->setCurrentIndex(2);
+    for (const char *name : consoleButtons) {
+        QVERIFY(child<QPushButton>(&page, name)->isEnabled());
+        QCOMPARE(child<QPushButton>(&page, name)->toolTip(), QString());
+    }
+    QVERIFY(gsmPort);
+}
+
+void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(2);
+    QVERIFY(gsmPort);
+    QCOMPARE(
+        cfgetospeed(std::addressof(static_cast<const termios &>(gsm->state()))), speed_t(B57600));
+    page.hide();
+    QVERIFY2(gsmPort, "leaving the page keeps the line");
+    page.show();
+    tabs(page)->setCurrentIndex(0);
+    QVERIFY(!gsmPort);
+
+    tabs(page)->setCurrentIndex(2);
+    QVERIFY(gsmPort);
+}
+
+void TelematicsPageTest::gsmTabWithUnopenablePort()
+{
+    tabTelematicsDlg page;
+    page.show();
+    child<QLineEdit>(&page, "lineEditGSMdev")->setText("COM17"_s);
+    tabs(page)->setCurrentIndex(2);
+    const auto seen = dialogs.take();
+    QCOMPARE(seen.size(), 1);
+    QCOMPARE(seen[0].title, "Vornsettings"_s);
+    QCOMPARE(seen[0].text, "Could not open serial port: COM17"_s);
+    QCOMPARE(seen[0].icon, QMessageBox::Critical);
+    QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
+    QVERIFY(!gsmPort);
+    support::click(&page, "pushButtonGetPIN");
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
+}
+
+void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
+{
+    useLines();
+    setUnit("Hardware.hasGps"_s, "false"_s);
+    tabTelematicsDlg page;
+    page.show();
+    QCOMPARE(tabs(page)->count(), 2);
+    tabs(page)->setCurrentIndex(1);
+    QCOMPARE(tabs(page)->tabText(1), "GSM/GPRS"_s);
+    QVERIFY(!gsmPort);
+    QCOMPARE(text(page, "editGpsDate"), "GPS is not available!"_s);
+    QVERIFY(child<QPushButton>(&page, "pushButtonGetPIN")->isEnabled());
+    support::click(&page, "pushButtonGetPIN");
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
+}
+
+VORN_TEST_MAIN(TelematicsPageTest)
+#include "tst_telematicspage.moc"
