@@ -90,6 +90,13 @@ private:
 private slots:
     void initTestCase() { setApplicationLook(); }
 
+    // Without a battery no thread outlives its window.
+    void init()
+    {
+        DeviceTest::init();
+        setUnit(QStringLiteral("Battery.available"), QStringLiteral("0"));
+    }
+
     // Pictures of the sheet are there, but for those that it has never had.
     void pictures()
     {
@@ -286,7 +293,7 @@ private slots:
             QCOMPARE(spin->style()
                          ->subControlRect(QStyle::CC_SpinBox, &spinOption, button, spin)
                          .width(),
-                30);
+                32); // likewise
 
         auto *slider = stage.place(new QSlider(Qt::Horizontal));
         QStyleOptionSlider sliderOption;
