@@ -261,7 +261,7 @@ private slots:
         session.press("Escape");
         session.verifyEnd(0);
         for (const QString &line : session.journal())
-            QVERIFY2(!line.contains(QLatin1String("_set")), qPrintable(line));
+            QVERIFY2(!line.contains(QLatin1String("Config_set")), qPrintable(line));
     }
 };
 
