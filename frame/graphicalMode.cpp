@@ -55,8 +55,11 @@ int runGraphicalMode(int &argc, char **argv)
     QApplication application(argc, argv);
     setApplicationLook();
     VornSettings window(nullptr, Qt::WindowFlags());
-    window.setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                          Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
+    // No window system knows the window yet, so its flags can just be put down; setWindowFlags()
+    // would work the style sheet out for all widgets once more, half of the whole start.
+    window.overrideWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                               Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                               Qt::MSWindowsFixedSizeDialogHint);
     window.show();
     return application.exec();
 }

@@ -18,10 +18,14 @@
 #include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"
 
+#include <QAbstractScrollArea>
+#include <QCheckBox>
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
+#include <QStyleOptionButton>
+#include <QTabWidget>
 
 #include <memory>
 
@@ -237,6 +241,52 @@ private:
         return QStringLiteral("%1: %2, %3, tool-tip '%4', opacity %5 and %6")
             .arg(latin1(row.name), enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"),
                 shown, toolTip, QString::number(button), QString::number(label));
+    }
+
+    /// Names of the visible widgets that show less than they hold.
+    static QStringList clippedIn(const tabDlg *page)
+    {
+        QStringList names;
+        for (const QWidget *widget : page->findChildren<QWidget *>()) {
+            if (widget->isVisible() && (isCut(widget) || textIsCut(widget)))
+                names << widget->objectName();
+        }
+        return names;
+    }
+
+    /// Whether the widget reaches out of its surroundings; what scrolls may.
+    static bool isCut(const QWidget *widget)
+    {
+        if (widget->isWindow() || qobject_cast<QAbstractScrollArea *>(widget->parentWidget()))
+            return false;
+        for (const QWidget *above = widget; above; above = above->parentWidget()) {
+            if (qobject_cast<const QAbstractScrollArea *>(above))
+                return false;
+        }
+        return !widget->parentWidget()->rect().contains(widget->geometry());
+    }
+
+    static bool textIsCut(const QWidget *widget)
+    {
+        if (const auto *label = qobject_cast<const QLabel *>(widget)) {
+            if (label->text().isEmpty())
+                return false;
+            if (label->wordWrap())
+                return label->heightForWidth(label->width()) > label->height();
+            const QSize text = label->fontMetrics().size(Qt::TextShowMnemonic, label->text());
+            return text.width() > label->width() || text.height() > label->height();
+        }
+        const auto *button = qobject_cast<const QAbstractButton *>(widget);
+        if (!button || button->text().isEmpty())
+            return false;
+        QRect room = button->rect();
+        if (qobject_cast<const QCheckBox *>(button)) {
+            QStyleOptionButton option;
+            option.initFrom(button);
+            room = button->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, button);
+        }
+        const QSize text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text());
+        return text.width() > room.width() || text.height() > button->height();
     }
 
     static QString classAt(VornSettings &window, int index)
@@ -622,6 +672,29 @@ private slots:
         window.showTab(1);
         QCOMPARE(visiblePage(window), page);
         QCOMPARE(titleStrip(window), QStringLiteral("Another"));
+    }
+
+    // With the font that stands for Arial here, every text fits its place, and every place its
+    // surroundings.
+    void nothingIsClipped_data() { pageAtIndex_data(); }
+
+    void nothingIsClipped()
+    {
+        QFETCH(int, row);
+        VornSettings window;
+        window.show();
+        window.showTab(pageRows[row].index);
+        tabDlg *page = visiblePage(window);
+        QStringList clipped = clippedIn(page);
+        for (auto *tabs : page->findChildren<QTabWidget *>()) {
+            for (int tab = 1; tab < tabs->count(); ++tab) {
+                tabs->setCurrentIndex(tab);
+                clipped << clippedIn(page);
+            }
+        }
+        clipped.removeDuplicates();
+        QCOMPARE(clipped.join(QLatin1Char(' ')), QString());
+        dialogs.take();
     }
 
     // Keys and buttons
