@@ -1,7 +1,7 @@
 #include "pages/tabAdvancedDlg.h"
 #include "report/factoryDefaults.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/pageChecks.h"
+#include "tests/support/Boxes.h"
+#include "tests/support/PageTest.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -96,9 +96,6 @@ constexpr char image[] = ":0400000001020304F2\n:00000001FF\n";
 constexpr char otherImage[] = ":0400000001020305F1\n:00000001FF\n";
 
 constexpr char yesNo[] = "Yes No";
-constexpr char powerTip[] =
-    "After an update, shut down the OS and then turn off the power to the unit for 10 seconds.";
-constexpr char resetTip[] = "Reset all settings to factory default state";
 
 QString upgradeQuestion()
 {
@@ -223,8 +220,7 @@ private slots:
     void init();
     void cleanup();
 
-    void widget_data();
-    void widget();
+    void form();
     void layout();
     void createsAndReleasesHandle();
     void showSetsCaption();
@@ -333,39 +329,28 @@ QStringList AdvancedPageTest::jobCalls()
     return lines;
 }
 
-void AdvancedPageTest::widget_data()
+void AdvancedPageTest::form()
 {
-    addWidgetColumns();
-    addWidget("tabAdvanced", "tabAdvancedDlg", "Advanced");
-    addWidget("icon", "QLabel");
-    addWidget("groupBox_2", "QGroupBox", "Firmware Update");
-    addWidget("label_3", "QLabel", "File path:");
-    addWidget("editFileName", "QLineEdit");
-    addWidget("buttonFile", "QPushButton", "...");
-    addWidget("buttonProgFPGA", "QPushButton", "Program FPGA");
-    addWidget("buttonProgFront", "QPushButton", "Program Front");
-    addWidget("buttonProgSS", "QPushButton", "Program SS");
-    addWidget("checkBox", "QCheckBox", "CheckBox");
-    addWidget("groupBox", "QGroupBox", "Shutdown", powerTip);
-    addWidget("buttonShutdown", "QPushButton", "Shutdown", powerTip);
-    addWidget("groupBox_3", "QGroupBox", "Default Settings", resetTip);
-    addWidget("buttonDefaults", "QPushButton", "Factory defaults", resetTip);
-}
-
-void AdvancedPageTest::widget()
-{
-    const Page page;
-    checkWidget(&page);
+    Page page;
+    QCOMPARE(page.objectName(), QStringLiteral("tabAdvanced"));
+    QCOMPARE(page.windowTitle(), QStringLiteral("Advanced"));
+    QCOMPARE(widgets(&page),
+        QStringList({"icon: QLabel chip.png centred"_s,
+            "groupBox_2: QGroupBox \"Firmware Update\""_s, "label_3: QLabel \"File path:\""_s,
+            "editFileName: QLineEdit \"\""_s, "buttonFile: QPushButton \"...\""_s,
+            "gridLayoutWidget: QWidget"_s, "buttonProgFPGA: QPushButton \"Program FPGA\""_s,
+            "buttonProgFront: QPushButton \"Program Front\""_s,
+            "buttonProgSS: QPushButton \"Program SS\""_s, "checkBox: QCheckBox \"CheckBox\""_s,
+            "groupBox: QGroupBox \"Shutdown\" tip \"After an update, shut down the OS and then turn off the power to the unit for 10 seconds.\""_s,
+            "buttonShutdown: QPushButton \"Shutdown\" tip \"After an update, shut down the OS and then turn off the power to the unit for 10 seconds.\""_s,
+            "groupBox_3: QGroupBox \"Default Settings\" tip \"Reset all settings to factory default state\""_s,
+            "buttonDefaults: QPushButton \"Factory defaults\" tip \"Reset all settings to factory default state\""_s}));
 }
 
 void AdvancedPageTest::layout()
 {
     Page page;
     QCOMPARE(page.size(), QSize(600, 320));
-    const auto *icon = child<QLabel>(&page, "icon");
-    QCOMPARE(icon->geometry(), QRect(525, 15, 60, 60));
-    QCOMPARE(icon->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
-    QVERIFY(!icon->pixmap(Qt::ReturnByValue).isNull());
     const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
     QVERIFY(grid);
     QCOMPARE(grid->contentsMargins(), QMargins());
@@ -377,14 +362,13 @@ void AdvancedPageTest::layout()
     QCOMPARE(child<QLabel>(&page, "label_3")->buddy(), page.file);
     QVERIFY(!page.choose->accessibleName().isEmpty());
     QVERIFY(!page.file->isReadOnly());
+    QCOMPARE(layoutFaults(&page), QStringList());
     page.show();
-    QCOMPARE(tooSmall(&page), QStringList());
-    QCOMPARE(clipped(&page), QStringList());
     // All of the box can be pressed.
     QTest::mouseClick(page.verify, Qt::LeftButton, Qt::NoModifier,
         page.verify->rect().bottomRight() - QPoint(10, 5));
     QVERIFY(page.verify->isChecked());
-    QCOMPARE(clipped(&page), QStringList());
+    QCOMPARE(layoutFaults(&page), QStringList());
 }
 
 void AdvancedPageTest::createsAndReleasesHandle()
