@@ -14,7 +14,12 @@
 
 namespace {
 
-QString lastFirmwareDirectory; // of the last file picked, for all pages of this run
+/** That of the last file picked, for all pages of this run. */
+QString &lastFirmwareDirectory()
+{
+    static QString directory;
+    return directory;
+}
 
 constexpr int endPause = 200; // milliseconds that the full bar stays before the result
 
@@ -106,12 +111,12 @@ void tabAdvancedDlg::showEvent(QShowEvent *)
 void tabAdvancedDlg::clickedOpenFile()
 {
     const QString path =
-        QFileDialog::getOpenFileName(this, QStringLiteral("Open File"), lastFirmwareDirectory,
+        QFileDialog::getOpenFileName(this, QStringLiteral("Open File"), lastFirmwareDirectory(),
             QStringLiteral("All (*.*);;mcs (FPGA) (*.MCS);;hex (Front, SS) (*.HEX)"));
     if (path.isEmpty())
         return;
     ui->editFileName->setText(path);
-    lastFirmwareDirectory = QFileInfo(path).absolutePath();
+    lastFirmwareDirectory() = QFileInfo(path).absolutePath();
 }
 
 // The form's "Program Front" gives way to "Program Front uC" at the first change.
