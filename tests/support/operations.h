@@ -14,7 +14,7 @@ namespace support {
 /** What stands in for the arguments behind the handle. */
 struct Arguments {
     bool nullPointers = false;
-    std::array<unsigned char, 256> out{}; ///< every out argument points here
+    alignas(8) std::array<unsigned char, 256> out{}; ///< every out argument points here
 };
 
 struct Operation {
