@@ -305,7 +305,7 @@ void UnitLifeTest::filterRejectsReflections()
         return found;
     };
     QVERIFY(brightest(0, 100) > 800);
-    // The newest sample alone, unless it is far off: then there is none but it.
+    // The sum of 300 readings shows how much of the reflections comes through.
     const auto averaged = [&](uint32_t rejectWindow) {
         if (LightSensor_startAverageCalc(sensor, 5, rejectWindow, 400, SAMPLING_EXTENDED) != 0)
             qFatal("not started");

@@ -90,7 +90,6 @@ public:
     }
 
 private:
-    friend class Unit;
     std::lock_guard<std::mutex> lock;
 };
 
