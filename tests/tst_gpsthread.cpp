@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
-#include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
 
@@ -293,22 +292,17 @@ private slots:
     {
         PseudoTerminal line;
         gpsPort = configured(line);
-        MyGPSThread thread;
-        QStringList texts;
+        Reader reader;
         // Said by the thread itself, so in the midst of the chunk.
         connect(
-            &thread, &MyGPSThread::newAcc, &thread,
-            [&texts](const QString &text) {
-                texts << text;
-                gpsKeepRunning = 0;
-            },
+            &reader.thread, &MyGPSThread::newAcc, &reader.thread, [] { gpsKeepRunning = 0; },
             Qt::DirectConnection);
-        QSignalSpy labels(&thread, &MyGPSThread::newLabel);
-        thread.start();
-        QTRY_VERIFY(!labels.isEmpty());
+        reader.start();
         QVERIFY(line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
-        QVERIFY(thread.wait(10'000));
-        QCOMPARE(texts, QStringList{QStringLiteral("1 meters")});
+        QVERIFY(reader.thread.wait(10'000));
+        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1 meters\"")});
+        QTest::qWait(0);
+        QCOMPARE(reader.texts.size(), 1);
     }
 
     void stopBeforeTheStartIsOverwritten()
@@ -360,13 +354,12 @@ private slots:
     {
         PseudoTerminal line;
         gpsPort = configured(line);
-        MyGPSThread thread;
+        Reader reader;
+        reader.start();
+        // What the test itself would collect is no growth of the thread's.
         int chunks = 0;
-        connect(&thread, &MyGPSThread::newText, this, [&chunks] { ++chunks; });
-        QSignalSpy labels(&thread, &MyGPSThread::newLabel);
-        thread.start();
-        QTRY_VERIFY(!labels.isEmpty());
-        disconnect(&thread, &MyGPSThread::newLabel, nullptr, nullptr);
+        disconnect(&reader.thread, nullptr, &reader, nullptr);
+        connect(&reader.thread, &MyGPSThread::newText, this, [&chunks] { ++chunks; });
         const QByteArray chunk = QByteArray(rmc).repeated(8).left(511) + '\n';
         const auto feed = [&](int count) {
             const int until = chunks + count;
@@ -380,8 +373,7 @@ private slots:
         feed(400);
         // One stream for each chunk would be at least its 512 bytes.
         QVERIFY(allocatedMemory() < before + 400 * 256);
-        gpsKeepRunning = 0;
-        QVERIFY(thread.wait(10'000));
+        QVERIFY(reader.stop());
     }
 };
 
