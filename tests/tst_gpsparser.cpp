@@ -97,6 +97,15 @@ private slots:
         }
     }
 
+    void chunkWithoutALineFeed()
+    {
+        const QByteArray chunk(512, 'm');
+        GpsLines rest(view(chunk));
+        QCOMPARE(int(rest.next().size()), 511);
+        QVERIFY(rest.stuck());
+        QVERIFY(!rest.atEnd());
+    }
+
     void splitting_data()
     {
         QTest::addColumn<QByteArray>("line");
