@@ -236,10 +236,10 @@ void tst_factorydefaults::handles()
     notePause = [](long) {};
     applyFactoryDefaults();
     notePause = nullptr;
-    QStringList lifes;
+    QStringList lives;
     for (const QString &line : journal()) {
         if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))
-            lifes << line.section(QLatin1Char(' '), 1);
+            lives << line.section(QLatin1Char(' '), 1);
     }
     QStringList expected;
     const auto life = [](const char *family, int number) {
@@ -251,7 +251,7 @@ void tst_factorydefaults::handles()
         expected += life(family, 1);
     const QStringList telematics = life("Telematics", 1);
     expected += QStringList{telematics[0]} + life("Hardware", 2) + QStringList{telematics[1]};
-    QCOMPARE(lifes, expected);
+    QCOMPARE(lives, expected);
 }
 
 void tst_factorydefaults::board_data()

@@ -623,10 +623,10 @@ void tst_report::order()
 void tst_report::handles()
 {
     generateSystemReport();
-    QStringList lifes;
+    QStringList lives;
     for (const QString &line : journal()) {
         if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))
-            lifes << line.section(QLatin1Char(' '), 1);
+            lives << line.section(QLatin1Char(' '), 1);
     }
     const auto create = [](const char *family) {
         return latin1(family) + latin1("_create() = #1");
@@ -641,7 +641,7 @@ void tst_report::handles()
         {"Adc", "Backlight", "Buzzer", "Can", "Config", "FrontLED", "Power", "Touch"})
         expected << create(family) << release(family);
     expected << create("Telematics") << create("Battery") << release("Battery");
-    QCOMPARE(lifes, expected);
+    QCOMPARE(lives, expected);
 }
 
 void tst_report::frame()

@@ -128,9 +128,9 @@ int32_t GET_INFO_NAME(uint32_t board, void *out)
     putWord(record, 200, 0x4131);
     putWord(record, 202, 65535);
     putText(record, 220, "PN 220");
-# ifdef BOARD_CGOS
+#    ifdef BOARD_CGOS
     putText(record, 260, "EAN4567890123456789012"); /* to the record's last byte, without an end */
-# endif
+#    endif
     return answer("info");
 }
 #endif
