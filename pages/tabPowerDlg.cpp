@@ -1,5 +1,7 @@
 #include "pages/tabPowerDlg.h"
 
+#include "platform/platform.h"
+
 #include <array>
 #include <memory>
 #include <vector>
@@ -82,6 +84,10 @@ tabPowerDlg::tabPowerDlg(QWidget *parent)
     loadCurrentSettings();
 
     monitor->start(QThread::InheritPriority);
+    // It sets its flag itself; a stop that came before that would be lost. Without a battery it has
+    // cleared the flag again and is about to end.
+    while (batteryKeepRunning.load(std::memory_order_relaxed) == 0 && !monitor->isFinished())
+        platform::pause(1);
     connect(monitor, &MyThread::newLevel, ui->progressBar, &QProgressBar::setValue);
     connect(monitor, &MyThread::newLabel, ui->label_4, &QLabel::setText);
     connect(monitor, &MyThread::newCharge, ui->label_3, &QLabel::setText);

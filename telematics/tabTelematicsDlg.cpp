@@ -368,6 +368,9 @@ void tabTelematicsDlg::startGpsThread()
 {
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
+    // It sets its flag itself; a stop that came before that would be lost.
+    while (gpsKeepRunning.load(std::memory_order_relaxed) == 0 && !gpsThread->isFinished())
+        platform::pause(1);
     connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::insertPlainText);
     connect(gpsThread, &MyGPSThread::newTime, ui->editGpsDate, &QLineEdit::setText);
     connect(gpsThread, &MyGPSThread::newPos, ui->editGpsPos, &QLineEdit::setText);

@@ -235,9 +235,9 @@ void UnitStateTest::refusesBadValues_data()
     QTest::newRow("no key") << "Settings."
                             << "1";
     QTest::newRow("above") << "Diagnostics.ssTemp"
-                           << "201";
+                           << "32768";
     QTest::newRow("below") << "Diagnostics.ssTemp"
-                           << "-129";
+                           << "-32769";
     QTest::newRow("fraction") << "Diagnostics.ssTemp"
                               << "20.5";
     QTest::newRow("word") << "Diagnostics.ssTemp"
