@@ -3,11 +3,27 @@
 #include "tests/support/DeviceTest.h"
 
 #include <QElapsedTimer>
-#include <QSignalSpy>
 
 #include <memory>
 
 using support::child;
+
+/** What the thread signals, collected on the main thread, where the page's widgets get it too. */
+class Received : public QObject
+{
+public:
+    explicit Received(const MyThread &thread)
+    {
+        connect(
+            &thread, &MyThread::newCharge, this, [this](const QString &text) { charge << text; });
+        connect(&thread, &MyThread::newLabel, this, [this](const QString &text) { label << text; });
+        connect(&thread, &MyThread::newLevel, this, [this](int percent) { level << percent; });
+    }
+
+    QStringList charge;
+    QStringList label;
+    QList<int> level;
+};
 
 class BatteryThreadTest : public DeviceTest
 {
@@ -49,22 +65,20 @@ void BatteryThreadTest::onePass()
     setUnit(QStringLiteral("Battery.powerSource"), QStringLiteral("0"));
     setUnit(QStringLiteral("Battery.voltageLevel"), QStringLiteral("88"));
     MyThread thread;
-    QSignalSpy charge(&thread, &MyThread::newCharge);
-    QSignalSpy label(&thread, &MyThread::newLabel);
-    QSignalSpy level(&thread, &MyThread::newLevel);
+    const Received received(thread);
     QElapsedTimer clock;
     clock.start();
     thread.start();
-    QTRY_COMPARE_WITH_TIMEOUT(charge.size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(received.charge.size(), 1, 20000);
     QVERIFY(clock.elapsed() >= 3000);
-    QTRY_COMPARE_WITH_TIMEOUT(label.size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(received.label.size(), 1, 20000);
     QVERIFY(clock.elapsed() >= 4000);
-    QTRY_COMPARE_WITH_TIMEOUT(level.size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(received.level.size(), 1, 20000);
     QVERIFY(clock.elapsed() >= 5000);
     stop(thread);
-    QCOMPARE(charge[0][0].toString(), QStringLiteral("Battery is fully charged\n"));
-    QCOMPARE(label[0][0].toString(), QStringLiteral("Power source: Battery"));
-    QCOMPARE(level[0][0].toInt(), 88);
+    QCOMPARE(received.charge[0], QStringLiteral("Battery is fully charged\n"));
+    QCOMPARE(received.label[0], QStringLiteral("Power source: Battery"));
+    QCOMPARE(received.level[0], 88);
     QCOMPARE(threadCalls(), QStringList({QStringLiteral("Battery_create()"),
                                 QStringLiteral("Battery_isAvailable() = 0 [true]"),
                                 QStringLiteral("Battery_getChargingStatus() = 0 [2]"),
@@ -87,16 +101,14 @@ void BatteryThreadTest::failuresAreTexts()
         {"Battery_getChargingStatus", "Battery_getPowerSource", "Battery_getVoltageLevel"})
         fault(QString::fromLatin1(operation), code);
     MyThread thread;
-    QSignalSpy charge(&thread, &MyThread::newCharge);
-    QSignalSpy label(&thread, &MyThread::newLabel);
-    QSignalSpy level(&thread, &MyThread::newLevel);
+    const Received received(thread);
     thread.start();
-    QTRY_COMPARE_WITH_TIMEOUT(charge.size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(received.charge.size(), 1, 20000);
     stop(thread);
-    QTRY_COMPARE(level.size(), 1);
-    QCOMPARE(charge[0][0].toString(), QStringLiteral("Could not get battery charging status\n"));
-    QCOMPARE(label.value(0).value(0).toString(), QStringLiteral("Power source: Unknown"));
-    QCOMPARE(level[0][0].toInt(), 0);
+    QTRY_COMPARE(received.level.size(), 1);
+    QCOMPARE(received.charge[0], QStringLiteral("Could not get battery charging status\n"));
+    QCOMPARE(received.label.value(0), QStringLiteral("Power source: Unknown"));
+    QCOMPARE(received.level[0], 0);
 }
 
 void BatteryThreadTest::endsAtOnceWithoutBattery_data()
@@ -136,9 +148,9 @@ void BatteryThreadTest::stopsWithinOneStep()
 void BatteryThreadTest::stopInTheMiddleFinishesThePass()
 {
     MyThread thread;
-    QSignalSpy charge(&thread, &MyThread::newCharge);
+    const Received received(thread);
     thread.start();
-    QTRY_COMPARE_WITH_TIMEOUT(charge.size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(received.charge.size(), 1, 20000);
     stop(thread);
     const QStringList made = threadCalls();
     QCOMPARE(made.filter(QStringLiteral("getPowerSource")).size(), 1);
