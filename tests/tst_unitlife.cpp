@@ -1,6 +1,7 @@
 #include "tests/support/unit.h"
 
 #include <QSet>
+#include <QTemporaryDir>
 
 using namespace support;
 
@@ -128,6 +129,16 @@ void UnitLifeTest::extremesAreKept()
     QCOMPARE(Battery_getMinMaxTemp(Battery(), &lowest, &highest), DEVICE_OK);
     QCOMPARE(lowest, int16_t(-12));
     QCOMPARE(highest, int16_t(77));
+    // The hottest that can be reported can be stored as well, even with the noise on top.
+    const QTemporaryDir folder;
+    require(virtualunit::open(folder.filePath(QStringLiteral("unit")).toStdString()));
+    put("Diagnostics.pcbTemp", "32767");
+    put("Diagnostics.pcbTemp", "live 32767");
+    put("Diagnostics.pcbTemp", "live");
+    put("Unit.ambientTemp", "0");
+    require(virtualunit::open(folder.filePath(QStringLiteral("unit")).toStdString()));
+    QCOMPARE(value("Diagnostics.maxTemp"), QStringLiteral("32767"));
+    require(virtualunit::loadProfile("full"));
     put("Battery.maxTemp", "60");
     QCOMPARE(value("Battery.maxTemp"), QStringLiteral("60"));
 

@@ -319,6 +319,26 @@ double illuminance(const Snapshot &unit, std::int64_t now)
     return filteredLight(unit, filter, now);
 }
 
+double movedTo(const Snapshot &unit, Key key, std::int64_t now)
+{
+    switch (key.spec().living) {
+    case Living::Temperature:
+        return temperatureAt(unit, key, now);
+    case Living::Lowest:
+        return seenExtreme(unit, key, now, false);
+    case Living::Highest:
+        return seenExtreme(unit, key, now, true);
+    case Living::Minutes:
+        return minutesAt(unit, key, now);
+    case Living::Charge:
+        return chargeAt(unit, key, now);
+    case Living::Ramp:
+        return intensityAt(unit, key, now);
+    default:
+        return unit[key].number;
+    }
+}
+
 double rawValueAt(const Snapshot &unit, Key key, std::int64_t now)
 {
     switch (key.spec().living) {
@@ -348,22 +368,8 @@ bool accumulates(const Spec &spec)
 
 double settledAt(const Snapshot &unit, Key key, std::int64_t now)
 {
-    switch (key.spec().living) {
-    case Living::Temperature:
-        return temperatureAt(unit, key, now);
-    case Living::Lowest:
-        return seenExtreme(unit, key, now, false);
-    case Living::Highest:
-        return seenExtreme(unit, key, now, true);
-    case Living::Minutes:
-        return minutesAt(unit, key, now);
-    case Living::Charge:
-        return chargeAt(unit, key, now);
-    case Living::Ramp:
-        return intensityAt(unit, key, now);
-    default:
-        return unit[key].number;
-    }
+    const auto &range = key.spec().reports;
+    return std::clamp(movedTo(unit, key, now), range.low, range.high);
 }
 
 double valueAt(const Snapshot &unit, Key key, std::int64_t now)

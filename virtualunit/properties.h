@@ -54,9 +54,8 @@ constexpr Spec rail(std::string_view name, double volts, std::string_view descri
 
 constexpr Spec temperature(std::string_view name, double celsius, std::string_view description)
 {
-    return integer(name, -128, 200, celsius, "degrees C", description)
+    return integer(name, -32768, 32767, celsius, "degrees C", description)
         .alive(Living::Temperature)
-        .reporting(-32768, 32767)
         .drives();
 }
 
@@ -321,10 +320,10 @@ inline constexpr auto specs = std::to_array<Spec>({
     minutes("Diagnostics.runTime60To70", 2210, "running at 60 to 70 degrees C"),
     minutes("Diagnostics.runTime70To80", 95, "running at 70 to 80 degrees C"),
     minutes("Diagnostics.runTimeAbove80", 4, "running above 80 degrees C"),
-    integer("Diagnostics.minTemp", -128, 200, -19, "degrees C", "lowest temperature seen")
+    integer("Diagnostics.minTemp", -32768, 32767, -19, "degrees C", "lowest temperature seen")
         .needing("Feature.minMaxTemp")
         .alive(Living::Lowest),
-    integer("Diagnostics.maxTemp", -128, 200, 82, "degrees C", "highest temperature seen")
+    integer("Diagnostics.maxTemp", -32768, 32767, 82, "degrees C", "highest temperature seen")
         .needing("Feature.minMaxTemp")
         .alive(Living::Highest),
     integer("Diagnostics.powerCycles", 0, 65535, 1289, "", "power cycles"),
@@ -441,9 +440,9 @@ inline constexpr auto specs = std::to_array<Spec>({
     battery(choice("Battery.powerSource", 0, 1, 1, "(0 battery)", "what powers the computer"))
         .drives(),
     battery(temperature("Battery.temperature", 26, "temperature of the battery")),
-    battery(integer("Battery.minTemp", -128, 200, -12, "degrees C", "lowest temperature seen"))
+    battery(integer("Battery.minTemp", -32768, 32767, -12, "degrees C", "lowest temperature seen"))
         .alive(Living::Lowest),
-    battery(integer("Battery.maxTemp", -128, 200, 51, "degrees C", "highest temperature seen"))
+    battery(integer("Battery.maxTemp", -32768, 32767, 51, "degrees C", "highest temperature seen"))
         .alive(Living::Highest),
     battery(choice("Battery.hwErrorStatus", 0, 5, 0, "", "what is wrong with the battery"))
         .drives(),
