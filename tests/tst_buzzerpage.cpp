@@ -139,7 +139,7 @@ void BuzzerPageTest::loadsSoundingBuzzer()
     page.hide();
     setUnit("Buzzer.trigger"_s, "false"_s);
     page.show();
-    QCOMPARE(calls().last(), "Buzzer_setTrigger(false) = 0"_s);
+    QCOMPARE(calls().constLast(), "Buzzer_setTrigger(false) = 0"_s);
     QVERIFY(!child<QPushButton>(&page, "buttonOn")->isChecked());
     QCOMPARE(child<QPushButton>(&page, "buttonOn")->text(), "Off"_s);
 }
@@ -396,7 +396,7 @@ void BuzzerPageTest::leavingDoesNotSilence()
     QCOMPARE(calls(), QStringList());
     QCOMPARE(unit("Buzzer.trigger"_s), "true"_s);
     page.show();
-    QCOMPARE(calls().last(), "Buzzer_getTrigger() = 0 [true]"_s);
+    QCOMPARE(calls().constLast(), "Buzzer_getTrigger() = 0 [true]"_s);
     QVERIFY(child<QPushButton>(&page, "buttonOn")->isChecked());
     QCOMPARE(child<QPushButton>(&page, "buttonOn")->text(), "On"_s);
 }

@@ -356,7 +356,7 @@ void LEDPageTest::startupIsOnForOneOnly()
     calls();
     page.show();
     QCOMPARE(child<QCheckBox>(&page, "checkEnFrontLED")->isChecked(), checked);
-    QCOMPARE(calls().last(), "FrontLED_getEnabledDuringStartup() = 0 [%1]"_s.arg(status));
+    QCOMPARE(calls().constLast(), "FrontLED_getEnabledDuringStartup() = 0 [%1]"_s.arg(status));
 }
 
 void LEDPageTest::signalFailure_data()
@@ -624,7 +624,7 @@ void LEDPageTest::customColorIsBlackAfterFailedRead()
     auto *combo = child<QComboBox>(&page, "comboBoxColor");
     QTest::keyClick(combo, Qt::Key_End);
     QCOMPARE(combo->currentText(), "Custom color"_s);
-    QCOMPARE(calls().first(), "FrontLED_setColor(0, 0, 0) = 0"_s);
+    QCOMPARE(calls().constFirst(), "FrontLED_setColor(0, 0, 0) = 0"_s);
 }
 
 void LEDPageTest::choiceFailure_data()
@@ -784,7 +784,7 @@ void LEDPageTest::typedIdleTimeLosesItsRest()
     auto *spin = child<QSpinBox>(&page, "spinBoxIdleTime");
     spin->selectAll();
     QTest::keyClicks(spin, "150"_s);
-    QCOMPARE(calls().last(), "FrontLED_setIdleTime(1) = 0"_s);
+    QCOMPARE(calls().constLast(), "FrontLED_setIdleTime(1) = 0"_s);
     QCOMPARE(spin->value(), 150);
     page.hide();
     page.show();

@@ -87,8 +87,8 @@ namespace {
 const auto notRunning = "Light Sensor is not running"_s;
 const auto stop = "LightSensor_stopAverageCalc() = 0"_s;
 const auto start = "LightSensor_startAverageCalc(1, 0, 100, 0) = 0"_s;
-const auto lux = "LightSensor_getIlluminance() = 0 [230]"_s;
-const auto range = "LightSensor_getOperatingRange() = 0 [0]"_s;
+const auto luxRead = "LightSensor_getIlluminance() = 0 [230]"_s;
+const auto rangeRead = "LightSensor_getOperatingRange() = 0 [0]"_s;
 
 } // namespace
 
@@ -198,7 +198,7 @@ void LightSensorPageTest::samplingMode()
     QCOMPARE(combo->currentIndex(), index);
     calls();
     page.show();
-    QCOMPARE(calls().first(), "LightSensor_startAverageCalc(1, 0, 100, %1) = 0"_s.arg(mode));
+    QCOMPARE(calls().constFirst(), "LightSensor_startAverageCalc(1, 0, 100, %1) = 0"_s.arg(mode));
 }
 
 void LightSensorPageTest::refusedWhileAutomaticBacklightRuns()
@@ -519,7 +519,8 @@ void LightSensorPageTest::illuminanceFailure()
     QVERIFY(timer.fire());
     const bool absent = code == DEVICE_NOT_SUPPORTED;
     QCOMPARE(calls(),
-        failing(absent ? QStringList{lux, range} : QStringList{lux, stop, range}, operation, code));
+        failing(absent ? QStringList{luxRead, rangeRead} : QStringList{luxRead, stop, rangeRead},
+            operation, code));
     QCOMPARE(
         boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIlluminance"_s)});
     QCOMPARE(child<QGroupBox>(&page, "groupBoxLightsensor")->isVisible(), !absent);
@@ -546,7 +547,8 @@ void LightSensorPageTest::rangeFailure()
     QVERIFY(timer.fire());
     const bool absent = code == DEVICE_NOT_SUPPORTED;
     QCOMPARE(calls(),
-        failing(absent ? QStringList{lux, range} : QStringList{lux, range, stop}, operation, code));
+        failing(absent ? QStringList{luxRead, rangeRead} : QStringList{luxRead, rangeRead, stop},
+            operation, code));
     QCOMPARE(
         boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getOperatingRange"_s)});
     QCOMPARE(reading(page), absent ? "230 Lux, "_s : notRunning);

@@ -26,8 +26,7 @@ namespace virtualunit {
 using Error = std::string;
 
 /** One named value of the unit, such as "Backlight.intensity". */
-struct Property
-{
+struct Property {
     std::string name;        ///< "Family.value"
     std::string value;       ///< as set() takes it
     std::string range;       ///< what set() takes, with the unit of measure, for people
@@ -36,7 +35,8 @@ struct Property
 
 /** Makes this process use that state file (":memory:" for one of its own) from now on. Without
  *  this call it is the file that VORN_UNIT names, else the one in the user's data directory. Open
- *  handles go on working and act on the new file. A new file becomes a unit of the profile "full". */
+ *  handles go on working and act on the new file. A new file becomes a unit of the profile "full".
+ */
 VIRTUALUNIT_API Error open(const std::string &file);
 
 /** Replaces the whole state, faults and delays included, by that profile: a name of a profile that
@@ -56,15 +56,14 @@ VIRTUALUNIT_API Error set(const std::string &name, const std::string &value);
 /** From the call after the next `after` calls on, `times` calls (0: all) of that operation, named
  *  as in the contract ("Buzzer_getVolume"), return the code and do nothing else. Code 0 takes the
  *  operation's fault away. */
-VIRTUALUNIT_API Error addFault(
-    const std::string &operation, std::int32_t code, std::uint32_t times = 0, std::uint32_t after = 0);
+VIRTUALUNIT_API Error addFault(const std::string &operation, std::int32_t code,
+    std::uint32_t times = 0, std::uint32_t after = 0);
 VIRTUALUNIT_API Error clearFaults();
 /** Each call of that operation takes so much longer; 0 takes the delay away. */
 VIRTUALUNIT_API Error setDelay(const std::string &operation, std::uint32_t milliseconds);
 
 /** A short message that the modem of the unit has sent. */
-struct ShortMessage
-{
+struct ShortMessage {
     std::int64_t time = 0; ///< when, by the unit's clock, milliseconds since 1970
     std::string number;
     std::string text; ///< bytes as they came over the line
@@ -84,14 +83,14 @@ VIRTUALUNIT_API Error advanceClock(std::int64_t milliseconds);
 VIRTUALUNIT_API Error releaseClock();
 
 /** One call on the library as it happened. */
-struct Call
-{
+struct Call {
     unsigned thread = 0;   ///< 1 for the first thread that called, 2 for the next new one, ...
     std::string operation; ///< "Buzzer_getVolume"
     unsigned handle = 0;   ///< 1 for the family's first handle, ...; 0 if the operation takes none
     std::string arguments; ///< in arguments, "1, 250"; texts in double quotes
-    std::string result;    ///< the code; "" for _release; "#n" for _create; the text for text operations
-    std::string outs;      ///< out values on success, "25"; "" without
+    std::string
+        result;       ///< the code; "" for _release; "#n" for _create; the text for text operations
+    std::string outs; ///< out values on success, "25"; "" without
 
     /** "T1 Buzzer_getVolume(#1) = 0 [25]", "T1 Buzzer_setVolume(#1, 30) = 0",
      *  "T1 Buzzer_create() = #1", "T1 Buzzer_release(#1)". The lines of VORN_JOURNAL's file. */
