@@ -77,6 +77,13 @@ QByteArray content(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
+// A sanitizer's own book-keeping is no part of the program's memory.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool instrumented = true;
+#else
+constexpr bool instrumented = false;
+#endif
+
 /** The most memory that this process has held so far, in bytes. */
 qint64 peakMemory()
 {
@@ -458,10 +465,10 @@ void AboutPageTest::largeLog()
     page.clickSave();
     QCOMPARE(dialogs.take().count(), 1);
     QVERIFY(QFileInfo(path).size() > size);
-#ifndef __SANITIZE_ADDRESS__ // whose own book-keeping is no part of the program
     const qint64 peak = peakMemory();
-    QVERIFY2(peak > size && peak < 10 * size, qPrintable(QString::number(peak)));
-#endif
+    QVERIFY2(peak > size, qPrintable(QString::number(peak)));
+    if (!instrumented)
+        QVERIFY2(peak < 10 * size, qPrintable(QString::number(peak)));
 }
 
 VORN_TEST_MAIN(AboutPageTest)
