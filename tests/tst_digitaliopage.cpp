@@ -103,9 +103,9 @@ void DigitalIoPageTest::noOutputs_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("code");
-    for (const char *operation : {"DigIO_getDigIO", "DigIO_setDigIO"}) {
-        for (const int code : {2, 18, 20, 5, -1})
-            QTest::addRow("%s %d", operation, code) << QString::fromLatin1(operation) << code;
+    for (const int code : {2, 18, 20, 5, -1}) {
+        QTest::addRow("read %d", code) << QStringLiteral("DigIO_getDigIO") << code;
+        QTest::addRow("write %d", code) << QStringLiteral("DigIO_setDigIO") << code;
     }
 }
 
