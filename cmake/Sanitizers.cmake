@@ -8,5 +8,6 @@ endif()
 # What tests find in their environment, so that a finding ends them and says where it is.
 set(VORN_SANITIZE_ENVIRONMENT
     "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+    "LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_CURRENT_LIST_DIR}/lsan.supp"
     "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
     "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=${CMAKE_CURRENT_LIST_DIR}/tsan.supp")

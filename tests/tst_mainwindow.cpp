@@ -266,6 +266,15 @@ private:
         return !widget->parentWidget()->rect().contains(widget->geometry());
     }
 
+    static QSize textSize(const QWidget *widget, const QString &text)
+    {
+        const QStringList rows = text.split(QLatin1Char('\n'));
+        int width = 0;
+        for (const QString &line : rows)
+            width = std::max(width, widget->fontMetrics().horizontalAdvance(line));
+        return {width, int(rows.size()) * widget->fontMetrics().height()};
+    }
+
     static bool textIsCut(const QWidget *widget)
     {
         if (const auto *label = qobject_cast<const QLabel *>(widget)) {
@@ -273,7 +282,8 @@ private:
                 return false;
             if (label->wordWrap())
                 return label->heightForWidth(label->width()) > label->height();
-            const QSize text = label->fontMetrics().size(Qt::TextShowMnemonic, label->text());
+            const QSize text = Qt::mightBeRichText(label->text()) ? label->sizeHint()
+                                                                  : textSize(label, label->text());
             return text.width() > label->width() || text.height() > label->height();
         }
         const auto *button = qobject_cast<const QAbstractButton *>(widget);
@@ -285,7 +295,7 @@ private:
             option.initFrom(button);
             room = button->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, button);
         }
-        const QSize text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text());
+        const QSize text = textSize(button, button->text());
         return text.width() > room.width() || text.height() > button->height();
     }
 
