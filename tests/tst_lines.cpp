@@ -338,7 +338,7 @@ private slots:
 
     void receiverTalks()
     {
-        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("1"));
+        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("4"));
         const Server server;
         NearEnd receiver("COM4", baud9600);
         const QByteArray start = receiver.hear(",A,");

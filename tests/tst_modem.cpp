@@ -296,8 +296,10 @@ private slots:
         QCOMPARE(ask(modem, "AT+CMGS=abc"), std::string("\r\n+CMS ERROR: 305\r\n"));
         QCOMPARE(ask(modem, "AT+CMGS="), std::string("\r\n+CMS ERROR: 305\r\n"));
         QCOMPARE(ask(modem, "AT+CMGS"), std::string("\r\nERROR\r\n"));
-        QCOMPARE(modem.receive("AT+CMGS=1\r" + std::string(161, 't') + "\x1A"),
-            std::string("\r\n> \r\n+CMS ERROR: 305\r\n"));
+        std::string tooLong = "AT+CMGS=1\r";
+        tooLong.append(161, 't');
+        tooLong += '\x1A';
+        QCOMPARE(modem.receive(tooLong), std::string("\r\n> \r\n+CMS ERROR: 305\r\n"));
         modem.network.registration = 2;
         QCOMPARE(
             modem.receive("AT+CMGS=1\rtext\x1A"), std::string("\r\n> \r\n+CMS ERROR: 331\r\n"));

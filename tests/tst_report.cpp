@@ -875,9 +875,9 @@ void tst_report::settings_automaticBacklight_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("code");
-    for (const char *operation : {"getAutomaticBLParams", "getAutomaticBLFilter"}) {
-        for (const int code : faultCodes)
-            QTest::addRow("%s %d", operation, code) << latin1(operation) << code;
+    for (const int code : faultCodes) {
+        QTest::addRow("parameters %d", code) << latin1("getAutomaticBLParams") << code;
+        QTest::addRow("filter %d", code) << latin1("getAutomaticBLFilter") << code;
     }
 }
 
