@@ -74,10 +74,10 @@ void TouchCalibratorTest::ignoresTapsFarOff()
     window.resize(800, 480);
     window.show();
     tap(window, QPointF(400, 100));
-    tap(window, window.targets()[1]);
+    tap(window, window.targets().at(1));
     QCOMPARE(window.hits(), 0);
     QCOMPARE(window.meanDeviation(), 0.0);
-    tap(window, window.targets()[0]);
+    tap(window, window.targets().at(0));
     QCOMPARE(window.hits(), 1);
 }
 
@@ -87,7 +87,7 @@ void TouchCalibratorTest::escapeGivesUp()
     QSignalSpy ended(&window, &CalibrationWindow::ended);
     window.resize(800, 480);
     window.show();
-    tap(window, window.targets()[0]);
+    tap(window, window.targets().at(0));
     QTest::keyClick(&window, Qt::Key_Escape);
     QVERIFY(!window.isVisible());
     QCOMPARE(ended.count(), 1);
