@@ -11,7 +11,7 @@ namespace virtualunit {
 
 namespace {
 
-constexpr std::size_t mebibyte = 1024 * 1024;
+constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
 /// Text bytes that a byte of memory may take: four are usual, with very short records it is more.
 constexpr std::size_t textPerByte = 8;
 

@@ -66,9 +66,9 @@ Fault readFault(const Json &json)
 void readProfile(const Json &json, Snapshot &unit)
 {
     for (const auto &[section, entries] : json.items()) {
-        if (section == "description") {
+        if (section == "description")
             continue;
-        } else if (section == "values") {
+        if (section == "values") {
             for (const auto &[name, value] : entries.items())
                 assign(unit, name, value.is_string() ? value.get<std::string>() : value.dump());
         } else if (section == "faults") {

@@ -133,7 +133,7 @@ std::string toLatin1(std::string_view text)
         const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
         if ((byte != 0xC2 && byte != 0xC3) || (next & 0xC0) != 0x80)
             throw Failure{ValueOutOfRange, "Texts of the unit take Latin-1 characters only."};
-        latin1 += static_cast<char>(((byte & 0x03) << 6) | (next & 0x3F));
+        latin1 += static_cast<char>(((byte & 0x03U) << 6U) | (next & 0x3FU));
         ++i;
     }
     return latin1;

@@ -116,7 +116,7 @@ std::uintmax_t printJournal(const std::string &file, std::uintmax_t position)
         position = 0;
     std::ifstream stream(file, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(position));
-    std::vector<char> chunk(64 * 1024);
+    std::vector<char> chunk(std::size_t{64} * 1024);
     while (stream && std::cout) {
         stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
         std::cout.write(chunk.data(), stream.gcount());

@@ -17,6 +17,7 @@
 #include <QSpinBox>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -306,11 +307,10 @@ QStringList PageTest::failing(QStringList lines, const QString &operation, int c
 
 QStringList PageTest::calls()
 {
-    QStringList lines = DeviceTest::calls();
-    lines.erase(
-        std::remove_if(lines.begin(), lines.end(),
-            [](const QString &line) { return line.startsWith(QLatin1String("deviceErrorText(")); }),
-        lines.end());
+    const QStringList all = DeviceTest::calls();
+    QStringList lines;
+    std::remove_copy_if(all.begin(), all.end(), std::back_inserter(lines),
+        [](const QString &line) { return line.startsWith(QLatin1String("deviceErrorText(")); });
     return lines;
 }
 

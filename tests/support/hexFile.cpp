@@ -1,5 +1,7 @@
 #include "tests/support/hexFile.h"
 
+#include <utility>
+
 namespace support {
 
 QByteArray hexRecord(int type, int address, const QByteArray &data)
@@ -11,7 +13,7 @@ QByteArray hexRecord(int type, int address, const QByteArray &data)
     raw += char(type);
     raw += data;
     int sum = 0;
-    for (const char byte : raw)
+    for (const char byte : std::as_const(raw))
         sum += byte;
     raw += char(-sum);
     return ':' + raw.toHex().toUpper();
