@@ -41,7 +41,7 @@ private:
 namespace {
 
 constexpr int codes[] = {2, 18, 20, 5, -1};
-constexpr int sampledShare = 8; // of the operations in the profiles other than "full"
+constexpr int sampledShare = 16; // of the operations in the profiles other than "full"
 
 // What a dialog may say. The error box inserts the operation's name as the pages give it.
 const char *const foreseen[] = {
