@@ -87,12 +87,17 @@ QByteArray GsmConsoleTest::talk(const std::function<void()> &action, const QByte
     std::atomic<bool> over{false};
     std::thread peer([&] {
         int answered = 0;
+        QByteArray command;
         while (!over) {
-            const QByteArray command = modem->receive(1, 50) + modem->receiveAll(50);
+            command += modem->receive(1, 50) + modem->receiveAll(50);
+            if (command.isEmpty() || !QByteArray("\n\0\x1A", 3).contains(command.back()))
+                continue;
             received += command;
-            if (!command.isEmpty() && answered < replies.size())
+            command.clear();
+            if (answered < replies.size())
                 modem->send(replies[answered++]);
         }
+        received += command;
         received += modem->receiveAll(50);
     });
     action();
