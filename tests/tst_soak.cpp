@@ -25,7 +25,7 @@ private:
         bool operator==(const Use &) const = default;
     };
     static Use use(const QObject &window);
-    static double residentMegabytes();
+    [[maybe_unused]] static double residentMegabytes();
     /** Handles created and not released since the last time. */
     int openHandles();
 };
@@ -71,14 +71,16 @@ void SoakTest::pageChangesLeaveNothingBehind()
     change(10 * tabCount); // what is made once is made now
     calls();
     const Use before = use(window);
-    const double megabytes = residentMegabytes();
+    [[maybe_unused]] const double megabytes = residentMegabytes();
     for (int round = 0; round < 50; ++round) {
         change(100);
         QCOMPARE(openHandles(), 0);
     }
     QVERIFY(use(window) == before);
+#if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed for a while
     const double grown = residentMegabytes() - megabytes;
     QVERIFY2(grown < 8, qPrintable(QStringLiteral("grown by %1 MB").arg(grown)));
+#endif
 }
 
 VORN_TEST_MAIN(SoakTest)

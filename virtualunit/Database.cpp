@@ -6,7 +6,7 @@ namespace virtualunit {
 
 namespace {
 
-constexpr int lockPatience = 5000; // milliseconds
+constexpr int lockPatience = 10000; // milliseconds
 
 Code codeOf(int result)
 {
