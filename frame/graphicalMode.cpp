@@ -1,6 +1,7 @@
 #include "frame/graphicalMode.h"
 
 #include "frame/VornSettings.h"
+#include "frame/qtVersions.h"
 
 #include <QApplication>
 #include <QFont>
@@ -46,12 +47,7 @@ void setApplicationLook()
 
 int runGraphicalMode(int &argc, char **argv)
 {
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
-        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-#endif
+    qtVersions::scaleWithScreen();
     QApplication application(argc, argv);
     setApplicationLook();
     VornSettings window(nullptr, Qt::WindowFlags());

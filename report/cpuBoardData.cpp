@@ -72,13 +72,13 @@ private:
 };
 
 /** A record of the vendors' libraries: bytes with fields at fixed offsets, the size in front. */
-template <std::uint32_t Size>
+template <std::uint32_t Bytes>
 class Record
 {
 public:
     Record()
     {
-        const std::uint32_t size = Size;
+        const std::uint32_t size = Bytes;
         std::memcpy(bytes.data(), &size, sizeof size);
     }
 
@@ -95,13 +95,13 @@ public:
     QString text(std::size_t offset) const
     {
         QString text;
-        for (; offset + sizeof(std::uint16_t) <= Size && word(offset) != 0; offset += 2)
+        for (; offset + sizeof(std::uint16_t) <= Bytes && word(offset) != 0; offset += 2)
             text += QChar(word(offset));
         return text;
     }
 
 private:
-    alignas(std::uint64_t) std::array<unsigned char, Size> bytes{};
+    alignas(std::uint64_t) std::array<unsigned char, Bytes> bytes{};
 };
 
 QString line(const char *name, const QString &value)
@@ -110,8 +110,8 @@ QString line(const char *name, const QString &value)
 }
 
 /** A date in the layout of a system time; the day of the week, at 140, is passed over. */
-template <std::uint32_t Size>
-QString dateLine(const Record<Size> &record)
+template <std::uint32_t Bytes>
+QString dateLine(const Record<Bytes> &record)
 {
     return QStringLiteral("Manufacturing Date: %1.%2.%3\n")
         .arg(record.word(136))

@@ -1,6 +1,7 @@
 #include "report/systemReport.h"
 
 #include "frame/DeviceHandle.h"
+#include "frame/qtVersions.h"
 #include "platform/platform.h"
 #include "report/formatters.h"
 #include "report/sections.h"
@@ -82,7 +83,7 @@ void addLog(QString &text, const std::filesystem::path &path, const char *header
 
 QString generateSystemReport()
 {
-    const QString started = QDateTime::currentDateTime().toString(Qt::TextDate);
+    const QString started = qtVersions::textDate(QDateTime::currentDateTime());
     QString text = QStringLiteral("\nSystem report generated on: %1\n").arg(started);
     text += banner("SW Versions") + versionLines();
     text += banner("EEPROM data") + eepromDataText();

@@ -95,7 +95,7 @@ QString latin1(const char *text)
 
 QImage picture(const QIcon &icon)
 {
-    return icon.pixmap(QSize(60, 60), 1.0, QIcon::Normal, QIcon::Off).toImage();
+    return icon.pixmap(QSize(60, 60)).toImage();
 }
 
 QImage resourcePicture(const char *name)

@@ -4,6 +4,8 @@
 
 using virtualunit::lines::Modem;
 
+Q_DECLARE_METATYPE(std::string)
+
 namespace {
 
 std::string ask(Modem &modem, const std::string &command)

@@ -22,7 +22,6 @@ private:
         qsizetype runningTimers;
         qsizetype windows;
         std::ptrdiff_t descriptors;
-        bool operator==(const Use &) const = default;
     };
     static Use use(const QObject &window);
     [[maybe_unused]] static double residentMegabytes();
@@ -76,7 +75,12 @@ void SoakTest::pageChangesLeaveNothingBehind()
         change(100);
         QCOMPARE(openHandles(), 0);
     }
-    QVERIFY(use(window) == before);
+    const Use after = use(window);
+    QCOMPARE(after.objects, before.objects);
+    QCOMPARE(after.runningTimers, before.runningTimers);
+    QCOMPARE(after.windows, before.windows);
+    QVERIFY2(after.descriptors <= before.descriptors, // some of the toolkit's close late
+        qPrintable(QStringLiteral("%1 after %2").arg(after.descriptors).arg(before.descriptors)));
 #if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed for a while
     const double grown = residentMegabytes() - megabytes;
     QVERIFY2(grown < 8, qPrintable(QStringLiteral("grown by %1 MB").arg(grown)));

@@ -90,7 +90,7 @@ void TemperaturePageTest::form()
         {"label_3", "editTemp_PCB"}, {"label_5", "editTemp_CPU"}, {"label_4", "editTemp_CPUBoard"}};
     for (int row = 0; row < 5; ++row) {
         for (int column = 0; column < 2; ++column) {
-            const QLayoutItem *item = grid->itemAtPosition(row, column);
+            QLayoutItem *item = grid->itemAtPosition(row, column);
             QCOMPARE(item ? item->widget()->objectName() : QString(),
                 QString::fromLatin1(rows[row][column]));
         }

@@ -1,5 +1,7 @@
 #include "virtualunit/touchcalibrator/CalibrationWindow.h"
 
+#include "frame/qtVersions.h"
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLineF>
@@ -42,15 +44,6 @@ QList<QPointF> placesOf(CalibrationWindow::Points points)
     return places << QPointF(0.5, 0.5);
 }
 
-QPointF positionOf(const QMouseEvent *event)
-{
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    return event->localPos();
-#else
-    return event->position();
-#endif
-}
-
 } // namespace
 
 CalibrationWindow::CalibrationWindow(Points points, QWidget *parent)
@@ -85,7 +78,7 @@ void CalibrationWindow::mousePressEvent(QMouseEvent *event)
 {
     if (isComplete())
         return;
-    const QPointF tap = positionOf(event);
+    const QPointF tap = qtVersions::positionOf(*event);
     const double deviation = QLineF(targets().at(hits()), tap).length();
     missed = deviation > reach;
     if (!missed)
