@@ -30,6 +30,156 @@ QByteArray banners(const QByteArray &report)
     return titles.join(QLatin1Char('|')).toLatin1();
 }
 
+QByteArray banner(const char *title)
+{
+    return QByteArray("\n------------------  ") + title + "  ------------------\n";
+}
+
+/** Items of one outcome. */
+QByteArray lines(std::initializer_list<const char *> labels, const QByteArray &outcome)
+{
+    QByteArray all;
+    for (const char *label : labels)
+        all += label + (": " + outcome) + '\n';
+    return all;
+}
+
+// The report of a unit that has all bits of all values set.
+
+QByteArray allBits(int length)
+{
+    return QByteArray(length, '\xFF');
+}
+
+const QByteArray allBitsMinutes = "4294967295 min (2982616 days, 4h, 15min) ";
+
+QByteArray allBitsIdentity()
+{
+    QByteArray report = banner("SW Versions") + "Vornsettings v2.7.2.0\n";
+    report += lines(
+        {"Vornaux API", "Vornaux Driver", "FPGA", "Front uc", "System Supervisor", "OS version"},
+        "v255.255.255.255");
+    report += banner("EEPROM data") + "Mainboard:\n";
+    report += lines({"Main PCB Serial", "Unit serial number", "Main PCB article number",
+                        "Main manufacturing date", "Main hardware version", "Main product revision",
+                        "Main product art.nr"},
+        allBits(200) + ' ');
+    report += lines({"Number of Ethernet connections", "Number of CAN connections",
+                        "Number of Video connections", "Number of USB connections",
+                        "Number of Serial connections", "Number of Digital input connections"},
+        "255");
+    report += lines({"Display device mounted", "Touchscreen device mounted"}, "Yes");
+    report +=
+        lines({"Number of Configurable inputs connections", "Number of PWM outputs connections",
+                  "Number of Configurable buttons connections"},
+            "255");
+    report += "\nAddon/Telematics board:\n";
+    report += lines({"Addon PCB serial", "Addon board article number", "Addon manufacturing date",
+                        "Addon hardware version"},
+        allBits(200) + ' ');
+    report += lines({"WLAN device mounted", "GPS device mounted", "Bluetooth device mounted",
+                        "GSM/GPRS device mounted"},
+        "Yes");
+    return report;
+}
+
+QByteArray allBitsHistory()
+{
+    const QByteArray celsius = "-1 \xB0"
+                               "C";
+    const QByteArray rule = QByteArray(57, '-') + '\n';
+    const QByteArray storage = lines({"Device serial number"}, allBits(21) + ' ') +
+                               lines({"Estimated remaining lifetime"}, "255 %") +
+                               "Device was initially timestamped on: Wed Dec 31 23:59:59 1969\n";
+
+    QByteArray report = banner("Diagnostic data") + "Diagnostic data:\n";
+    report += "Startup reason: tiny reason \nShutDown reason: 65535 \n"
+              "HW error status: tiny hardware error \n";
+    report += lines({"Total run time", "Total suspend time", "Total heat time",
+                        "Total run time 40-60\260C", "Total run time 60-70\260C",
+                        "Total run time 70-80\260C", "Total run time above 80\260C"},
+        allBitsMinutes);
+    report += lines({"Minimum temp", "Maximum temp"}, celsius);
+    report += lines({"Number of power cycles"}, "65535 ");
+    // As many sensors as the device can count, since it never says that there are no more.
+    report += lines({"JIDA unknown temp"}, celsius).repeated(256);
+    report += lines({"SS temp", "PCB temp"}, celsius);
+    report += banner("SMART data") + storage + rule + storage + rule;
+    return report;
+}
+
+QByteArray allBitsVoltages()
+{
+    QByteArray report = banner("ADC data") + "ADC values\n";
+    report += lines(
+        {"Voltage 24V in", "Voltage 12V", "Voltage 12V video", "Voltage 5V", "Voltage 3.3V",
+            "Voltage TFT", "Voltage 5V STB", "Voltage 1.9V", "Voltage 1.8V", "Voltage 1.5V",
+            "Voltage 1.2V", "Voltage 1.05V", "Voltage 1.0V", "Voltage 0.9V", "Voltage SS VREF",
+            "Voltage 24V Backup", "Voltage 2.5V", "Voltage 1.1V", "Voltage 1.3V PER",
+            "Voltage 1.3V VDDA", "Voltage 3V3 STBY", "Voltage VPMIC", "Voltage VMAIN"},
+        "nan V");
+    return report;
+}
+
+QByteArray allBitsSettings()
+{
+    QByteArray report = banner("Settings") +
+                        "Backlight:\nIntensity: 255\nLed dimming: Disabled\n"
+                        "Backlight Status: 255\nAutomatic backlight Status: 255\n"
+                        "Automatic backlight settings:\n"
+                        "   Soft transitions: 1\n   K value: nan\n"
+                        "   Average window size: 4294967295\n"
+                        "   Reject window size: 4294967295\n"
+                        "   Reject delta in lux: 4294967295\n"
+                        "   Sampling mode: -1\n\n";
+    report += "\nBuzzer:\nFrequency: 65535\nVolume: 65535\nTrigger (On/Off): 255\n";
+    report += "\nCan Settings:\n";
+    report +=
+        lines({"CAN1 Baud rate", "CAN2 Baud rate", "CAN3 Baud rate", "CAN4 Baud rate"}, "65535");
+    report += lines({"CAN1 frame type", "CAN2 frame type", "CAN3 frame type", "CAN4 frame type"},
+        "Undefined value");
+    report += "\nConfig:\nCanStartupPowerConfig: Disabled\nExtFanStartupPowerConfig: Disabled\n"
+              "ExtOnOffSigTrigTime: -1\nFrontBtnTrigTime: 65535\nHeatingTempLimit: -1\n"
+              "LongButtonPressAction: Undefined value\n"
+              "ShortButtonPressAction: Undefined value\nOnOffSigAction: Undefined value\n"
+              "PowerOnStartup: Disabled\nStartupTrigger: Undefined value\nStartupVoltage: nan\n"
+              "SuspendMaxTime: 65535\nVideoStartupPowerConfig: 255\n";
+    report += "\nFrontLED:\nEnabledDuringStartup: Disabled\n";
+    report += lines(
+        {"Color R", "Color G", "Color B", "IdleTime", "NrOfPulses", "OffTime", "OnTime"}, "255");
+    report += "Signal frequency: nan\nSignal duty cycle: 255\n";
+    report += "\nPower:\nBLPowerStatus: Disabled\nCanPowerStatus: Disabled\n"
+              "ExtFanPowerStatus: Disabled\nVideoPowerStatus: 255\n";
+    report += "\nTouchScreen:\nMouseRightClickTime (for mouse profile): 65535\n"
+              "TouchScreenMode: Undefined value\n";
+    report += "\nTelematics:\nTelematics board available: Disabled\n";
+    return report;
+}
+
+/** Neither its error status nor its charging status has a text. */
+QByteArray allBitsBattery()
+{
+    QByteArray report =
+        "\nBattery:\nBattery HW version: " + allBits(20) +
+        "\nBattery SW version: 65535.65535.65535.65535\nBattery serial number: " + allBits(20) +
+        "\nPower source: External power\nBattery voltage level: 255%\n"
+        "Battery temperature: -1 deg C\n"
+        "Battery minimum temp: -1 deg C, maximum temp: -1 deg C\n";
+    report += lines(
+        {"Total run time on main power", "Total run time on battery power",
+            "Total run time < -20\260C", "Total run time -20-0\260C", "Total run time 0-40\260C",
+            "Total run time 40-60\260C", "Total run time 60-70\260C", "Total run time 70-80\260C",
+            "Total run time above 80\260C"},
+        allBitsMinutes);
+    return report;
+}
+
+QByteArray allBitsReport()
+{
+    return allBitsIdentity() + allBitsHistory() + allBitsVoltages() + banner("CPU board data") +
+           allBitsSettings() + allBitsBattery() + banner("Log Files") + banner("End of report");
+}
+
 /** The error lines of a reset that fails throughout, on a unit without CAN and video. */
 QByteArray resetErrors(const QByteArray &text)
 {
@@ -74,6 +224,7 @@ private slots:
     void library_isReplacedByAnotherFile();
     void library_mayFailWithAnyCode_data();
     void library_mayFailWithAnyCode();
+    void library_mayTellAnyValue();
     void logs_data();
     void logs();
     void logs_stayOutIfTheyAreNoFiles();
@@ -342,6 +493,23 @@ void tst_executable::library_mayFailWithAnyCode()
     QVERIFY(report.contains("\nTouchScreenMode: " + setting + "\n\nTelematics:\n"));
     QVERIFY(report.contains("\nTelematics board available: " + setting +
                             "\n\nBattery:\nExternal battery not available.\n\n"));
+}
+
+void tst_executable::library_mayTellAnyValue()
+{
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("0"));
+    tree.environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    const QList<QByteArray> found = tree.report().split('\n');
+    const QList<QByteArray> expected = allBitsReport().split('\n');
+    for (int line = 0; line < qMin(found.size(), expected.size()); ++line)
+        QCOMPARE(found[line], expected[line]);
+    QCOMPARE(found.size(), expected.size());
+
+    // A reset of such a unit: more CAN channels than are handled, no known answer about radios.
+    const Run run = tree.run({resetMode});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.errors, QByteArray());
 }
 
 void tst_executable::logs_data()

@@ -552,6 +552,7 @@ private slots:
     void order();
     void handles();
     void frame();
+    void stamp_isTheStart();
     void eeprom();
     void eeprom_withoutAddonBoard();
     void adc();
@@ -563,6 +564,7 @@ private slots:
     void diagnostic_sensors();
     void storage_data();
     void storage();
+    void storage_onlyOne();
     void settings();
     void settings_values_data();
     void settings_values();
@@ -667,6 +669,19 @@ void tst_report::frame()
                          diagnosticDataText() + banner("ADC data") + adcDataText() +
                          banner("CPU board data") + cpuBoardDataText() + banner("Settings") +
                          settingsDataText() + banner("Log Files") + banner("End of report"));
+}
+
+/** A report that takes its time still says when it began. */
+void tst_report::stamp_isTheStart()
+{
+    virtualunit::setDelay("Versions_getVornAuxVersion", 1500);
+    const qint64 begun = QDateTime::currentMSecsSinceEpoch();
+    const QString line = generateSystemReport().section(QLatin1Char('\n'), 1, 1);
+    const auto stamp = QLocale::c().toDateTime(
+        line.section(latin1(": "), 1).simplified(), QStringLiteral("ddd MMM d HH:mm:ss yyyy"));
+    QVERIFY2(stamp.isValid(), qPrintable(line));
+    QVERIFY(QDateTime::currentMSecsSinceEpoch() >= begun + 1500);
+    QVERIFY(stamp.toMSecsSinceEpoch() < begun + 500);
 }
 
 void tst_report::eeprom()
@@ -825,6 +840,14 @@ void tst_report::storage()
     const QString section = diagnosticDataText();
     const QString banner = latin1("\n------------------  SMART data  ------------------\n");
     QCOMPARE(section.mid(section.indexOf(banner) + banner.size()), text);
+}
+
+void tst_report::storage_onlyOne()
+{
+    for (const char *operation : {"getDeviceSerial2", "getRemainingLifetime2", "getInitialTime2"})
+        fault(latin1("Smart_") + latin1(operation), DEVICE_NOT_SUPPORTED);
+    const auto second = diagnosticText.indexOf(latin1("-----------------------------------------"));
+    QCOMPARE(diagnosticDataText(), diagnosticText.left(second));
 }
 
 void tst_report::settings()
@@ -1184,13 +1207,22 @@ void tst_report::allFail()
     };
     QCOMPARE(adcDataText(), latin1("ADC values\n") + equipment(voltages()));
     QStringList identity;
+    QStringList history;
     for (const Item &item : items()) {
         if (item.section == Section(eepromDataText))
             identity += item.labels;
+        if (item.section == Section(diagnosticDataText))
+            history += item.labels;
     }
     QCOMPARE(eepromDataText(), latin1("Mainboard:\n") + equipment(identity.mid(0, 18)) +
                                    latin1("\nAddon/Telematics board:\n") +
                                    equipment(identity.mid(18)));
+    const QString lifetimes = latin1("Estimated remaining lifetime is not available\n").repeated(2);
+    QCOMPARE(diagnosticDataText(),
+        latin1("Diagnostic data:\n") + equipment(history) +
+            latin1("\n------------------  SMART data  ------------------\n") + lifetimes +
+            equipment(list({"getInitialTime"})) + (code == 2 ? QString() : lifetimes) +
+            equipment(list({"getInitialTime2"})));
     QCOMPARE(batteryDataText(), latin1("External battery not available.\n"));
     const QString settings = settingsDataText();
     QVERIFY(settings.startsWith(latin1("Backlight:\nIntensity: ") + failed + QLatin1Char('\n')));

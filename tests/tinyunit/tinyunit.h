@@ -2,8 +2,14 @@
 
 #include "frame/VornAux2.h"
 
+#include <stddef.h>
+
 /** What every operation answers: the number in TINYUNIT_CODE, 18 without it. */
 DeviceCode answer(void);
+
+/** Sets all bits of an out value if the answer is success: the highest and the lowest that a unit
+ *  can tell, and texts without an end. */
+void fill(void *value, size_t size);
 
 /** A handle for every family. */
 void *device(void);
