@@ -225,6 +225,8 @@ private slots:
     void library_mayFailWithAnyCode_data();
     void library_mayFailWithAnyCode();
     void library_mayTellAnyValue();
+    void library_mayLeaveValuesBehind_data();
+    void library_mayLeaveValuesBehind();
     void logs_data();
     void logs();
     void logs_stayOutIfTheyAreNoFiles();
@@ -510,6 +512,25 @@ void tst_executable::library_mayTellAnyValue()
     const Run run = tree.run({resetMode});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.errors, QByteArray());
+}
+
+void tst_executable::library_mayLeaveValuesBehind_data()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : {2, 18, 20, 5, -1})
+        QTest::addRow("%d", code) << code;
+}
+
+/** A value that came with a failure is none. */
+void tst_executable::library_mayLeaveValuesBehind()
+{
+    QFETCH(int, code);
+    ProgramTree tree(tiny);
+    tree.environment.insert(QStringLiteral("TINYUNIT_CODE"), QString::number(code));
+    const QByteArray clean = tree.report();
+    QVERIFY(clean.contains("End of report"));
+    tree.environment.insert(QStringLiteral("TINYUNIT_TRACES"), QStringLiteral("1"));
+    QCOMPARE(tree.report(), clean);
 }
 
 void tst_executable::logs_data()

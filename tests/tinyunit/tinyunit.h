@@ -8,7 +8,8 @@
 DeviceCode answer(void);
 
 /** Sets all bits of an out value if the answer is success: the highest and the lowest that a unit
- *  can tell, and texts without an end. */
+ *  can tell, and texts without an end. With TINYUNIT_TRACES in the environment it becomes 1 if the
+ *  answer is a failure, which a unit shouldn't do. */
 void fill(void *value, size_t size);
 
 /** A handle for every family. */
