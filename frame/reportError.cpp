@@ -5,11 +5,20 @@
 #include <QApplication>
 #include <QMessageBox>
 
+QString deviceText(std::int32_t code)
+{
+    return QString::fromLatin1(deviceErrorText(code));
+}
+
+QString fieldErrorText(std::int32_t code, const char *operation)
+{
+    return QStringLiteral("%1: Error:  %2").arg(QString::fromLatin1(operation), deviceText(code));
+}
+
 QString errorText(std::int32_t code, const char *operation)
 {
     return QStringLiteral("Error(%1) in %2: %3")
-        .arg(QString::number(code), QString::fromLatin1(operation),
-            QString::fromLatin1(deviceErrorText(code)));
+        .arg(QString::number(code), QString::fromLatin1(operation), deviceText(code));
 }
 
 void reportError(std::int32_t code, const char *operation)

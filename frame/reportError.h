@@ -6,6 +6,15 @@
 
 #include <cstdint>
 
+/** The device library's own words for a code. */
+QString deviceText(std::int32_t code);
+
+/**
+ * "operation: Error:  text of the code", which stands in a field instead of the value that could
+ * not be read.
+ */
+QString fieldErrorText(std::int32_t code, const char *operation);
+
 /** "Error(code) in operation: text of the code", as every error dialog says it. */
 QString errorText(std::int32_t code, const char *operation);
 

@@ -39,8 +39,10 @@ QString chargingText(std::int32_t status)
     }
 }
 
-QString powerSourceText(std::int32_t source)
+QString powerSourceText(DeviceCode code, std::int32_t source)
 {
+    if (code != DEVICE_OK)
+        return QStringLiteral("Power source: Unknown");
     return source == POWER_BATTERY ? QStringLiteral("Power source: Battery")
                                    : QStringLiteral("Power source: External power");
 }
@@ -59,15 +61,14 @@ void MyThread::run()
             break;
 
         std::int32_t status = CHARGING_UNKNOWN;
-        DeviceCode code = Battery_getChargingStatus(battery, &status);
+        auto code = Battery_getChargingStatus(battery, &status);
         emit newCharge(chargingText(code == DEVICE_OK ? status : CHARGING_UNKNOWN));
 
         // A stop from here on shortens the waits, but the pass is finished.
         waitSteps(10);
         std::int32_t source = POWER_EXTERNAL;
         code = Battery_getPowerSource(battery, &source);
-        emit newLabel(
-            code == DEVICE_OK ? powerSourceText(source) : QStringLiteral("Power source: Unknown"));
+        emit newLabel(powerSourceText(code, source));
 
         waitSteps(10);
         std::uint8_t percent = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "frame/VornAux2.h"
+
 #include <QThread>
 
 #include <atomic>
@@ -29,6 +31,7 @@ protected:
     void run() override;
 };
 
-/** What the Battery tab says of a BatteryChargingStatus, and of a BatteryPowerSource. */
+/** What the Battery tab says of a BatteryChargingStatus. */
 QString chargingText(std::int32_t status);
-QString powerSourceText(std::int32_t source);
+/** What it says of a BatteryPowerSource, or of the failure to read one. */
+QString powerSourceText(DeviceCode code, std::int32_t source);

@@ -1,5 +1,7 @@
 #include "pages/tabCanDlg.h"
 
+#include "frame/reportError.h"
+
 #include <QMessageBox>
 
 #include <algorithm>
@@ -7,15 +9,12 @@
 
 namespace {
 
+constexpr std::uint8_t maxCanNets = 4;
+
 constexpr const char *frameTypes[] = {"Standard", "Extended", "Standard Extended"}; // CanFrameType
 
 constexpr std::uint16_t baudRates[] = {100, 125, 250, 500, 800, 1000}; // kbit/s
 constexpr int otherBaudRate = 6; // the item behind them: what the unit holds besides
-
-QString deviceText(DeviceCode code)
-{
-    return QString::fromLatin1(deviceErrorText(code));
-}
 
 } // namespace
 
@@ -31,9 +30,9 @@ tabCanDlg::tabCanDlg(QWidget *parent)
 
 void tabCanDlg::findNets()
 {
-    for (std::int32_t net = 1; net <= maxCanNets; ++net) {
+    for (std::uint8_t net = 1; net <= maxCanNets; ++net) {
         std::uint16_t kbitPerSecond = 0; // only whether the net answers is of interest
-        const auto code = Can_getBaudrate(can, std::uint8_t(net), &kbitPerSecond);
+        const auto code = Can_getBaudrate(can, net, &kbitPerSecond);
         if (code != DEVICE_OK) {
             if (net == 1)
                 ui->comboBoxDevice->insertItem(
@@ -114,8 +113,7 @@ void tabCanDlg::loadBaudRate(std::uint8_t net)
         ui->labelBaudRate->hide();
         ui->comboBoxBaudRate->hide();
     } else {
-        text =
-            QStringLiteral("%1 %2").arg(QStringLiteral("getBaudrate: Error: "), deviceText(code));
+        text = fieldErrorText(code, "getBaudrate");
         insertBaudRate(text);
     }
     const auto *rate = std::find_if(std::begin(baudRates), std::end(baudRates),

@@ -40,5 +40,4 @@ private:
     Form<Ui::tabCan> ui{this};
     DeviceHandle<Can_create, Can_release> can;
     bool noCanNets = true; ///< until a net has answered; the page is idle meanwhile
-    std::int32_t maxCanNets = 4;
 };

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr int updateInterval = 250; // milliseconds
+
 // The boxes of the lines, in the order of the mask's bits.
 template <typename Ui>
 std::array<QCheckBox *, 4> inputs(const Ui &ui)
@@ -28,7 +30,7 @@ void showMask(const std::array<QCheckBox *, 4> &boxes, std::uint8_t mask)
 tabDigIODlg::tabDigIODlg(QWidget *parent)
     : tabDlg(parent)
 {
-    connect(updateTimer, &QTimer::timeout, this, &tabDigIODlg::updateIOValues);
+    connect(&updateTimer, &QTimer::timeout, this, &tabDigIODlg::updateIOValues);
     ui->labelStatus->setText(QStringLiteral("Updated every %1 ms").arg(updateInterval));
 
     findOutputs();
@@ -51,19 +53,19 @@ void tabDigIODlg::findOutputs()
 
 void tabDigIODlg::showEvent(QShowEvent *)
 {
-    updateTimer->start(updateInterval);
+    updateTimer.start(updateInterval);
     updateIOValues();
 }
 
 void tabDigIODlg::hideEvent(QHideEvent *)
 {
-    updateTimer->stop();
+    updateTimer.stop();
 }
 
 void tabDigIODlg::updateIOValues()
 {
     std::uint8_t mask = 0;
-    const DeviceCode code = DigIO_getDigIO(digIO, &mask);
+    const auto code = DigIO_getDigIO(digIO, &mask);
     if (code == DEVICE_OK) {
         if (mask == lastInputs)
             return;
@@ -72,7 +74,7 @@ void tabDigIODlg::updateIOValues()
     } else if (code == DEVICE_NOT_SUPPORTED) {
         ui->groupBoxStatus->hide();
     } else {
-        updateTimer->stop(); // first: the box has an event loop, and rounds would pile up boxes
+        updateTimer.stop(); // first: the box has an event loop, and rounds would pile up boxes
         reportError(code, "getDigIO");
     }
 }
@@ -84,7 +86,7 @@ void tabDigIODlg::doclicked(bool)
         if (outputs(ui)[bit]->isChecked())
             mask = std::uint8_t(mask | 1U << bit);
     }
-    const DeviceCode code = DigIO_setDigIO(digIO, mask);
+    const auto code = DigIO_setDigIO(digIO, mask);
     if (code == DEVICE_NOT_SUPPORTED)
         return removeOutputs();
     reportError(code, "DigIO_setDigIO");

@@ -29,7 +29,6 @@ private:
 
     Form<Ui::tabDigIO> ui{this};
     DeviceHandle<DigIO_create, DigIO_release> digIO;
-    QTimer *updateTimer = new QTimer(this);
-    std::int32_t updateInterval = 250; ///< milliseconds
-    std::uint8_t lastInputs = 0;
+    QTimer updateTimer{this};
+    std::uint8_t lastInputs = 0; ///< mask as last shown
 };

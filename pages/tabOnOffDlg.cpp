@@ -1,17 +1,13 @@
 #include "pages/tabOnOffDlg.h"
 
+#include "frame/reportError.h"
+
 namespace {
 
 bool suspendSupported(ConfigHandle config)
 {
     std::uint16_t minutes = 0;
     return Config_getSuspendMaxTime(config, &minutes) != DEVICE_NOT_SUPPORTED;
-}
-
-QString readError(const char *operation, DeviceCode code)
-{
-    return QStringLiteral("%1 %2").arg(QString::fromLatin1(operation) + QLatin1String(": Error: "),
-        QString::fromLatin1(deviceErrorText(code)));
 }
 
 /**
@@ -27,7 +23,7 @@ void showTime(DeviceCode code, Time time, const char *operation, QGroupBox *grou
     else if (code == DEVICE_NOT_SUPPORTED)
         group->setEnabled(false);
     else
-        text = readError(operation, code);
+        text = fieldErrorText(code, operation);
     edit->setText(text);
 }
 
@@ -64,7 +60,7 @@ tabOnOffDlg::~tabOnOffDlg()
 void tabOnOffDlg::showEvent(QShowEvent *)
 {
     std::int32_t action = 0;
-    DeviceCode code = Config_getOnOffSigAction(config, &action);
+    auto code = Config_getOnOffSigAction(config, &action);
     showAction(code, action, ui->comboBox, ui->groupSignal);
     code = Config_getShortButtonPressAction(config, &action);
     showAction(code, action, ui->comboBox_2, ui->groupButton);
@@ -106,7 +102,7 @@ void tabOnOffDlg::showAction(DeviceCode code, std::int32_t action, QComboBox *bo
 void tabOnOffDlg::showTrigger()
 {
     std::int32_t trigger = 0;
-    const DeviceCode code = Config_getStartupTriggerConfig(config, &trigger);
+    const auto code = Config_getStartupTriggerConfig(config, &trigger);
     if (code != DEVICE_OK || trigger < TRIGGER_FRONT_BUTTON || trigger > TRIGGER_BOTH)
         return ui->groupButton_3->setEnabled(false);
     ui->comboBox_3->setCurrentIndex(trigger - 1);

@@ -1,10 +1,10 @@
 #include "pages/tabPowerDlg.h"
 
+#include "frame/reportError.h"
 #include "platform/platform.h"
 
 #include <array>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -46,8 +46,7 @@ std::array<QCheckBox *, 4> videoBoxes(const Form<Ui::tabPower> &ui)
 QString batteryFailure(const char *what, DeviceCode code)
 {
     return QStringLiteral("Could not get battery %1. Error(%2) %3\n")
-        .arg(QString::fromLatin1(what), QString::number(code),
-            QString::fromLatin1(deviceErrorText(code)));
+        .arg(QString::fromLatin1(what), QString::number(code), deviceText(code));
 }
 
 QString batteryErrorText(DeviceCode code, std::int32_t status)
@@ -126,58 +125,56 @@ void tabPowerDlg::modeIndexChanged(int index)
 
 void tabPowerDlg::loadCurrentSettings()
 {
-    std::int32_t status = STATUS_OFF;
-    DeviceCode code = Power_getCanPowerStatus(power, &status);
-    showSwitch(code, status, "getCanPowerStatus", ui->checkBoxCAN);
-    code = Power_getExtFanPowerStatus(power, &status);
-    showSwitch(code, status, "getExtFanPowerStatus", ui->checkBoxExtFan);
-    std::uint8_t mask = 0;
-    code = Power_getVideoPowerStatus(power, &mask);
-    showVideo(code, mask);
+    loadSwitch(Power_getCanPowerStatus, power, "getCanPowerStatus", ui->checkBoxCAN);
+    loadSwitch(Power_getExtFanPowerStatus, power, "getExtFanPowerStatus", ui->checkBoxExtFan);
+    loadVideo(Power_getVideoPowerStatus, power);
 }
 
 void tabPowerDlg::loadStartupSettings()
 {
-    std::int32_t status = STATUS_OFF;
-    DeviceCode code = Config_getCanStartupPowerConfig(config, &status);
-    showSwitch(code, status, "getCanStartupPowerConfig", ui->checkBoxCAN);
-    code = Config_getExtFanStartupPowerConfig(config, &status);
-    showSwitch(code, status, "getExtFanStartupPowerConfig", ui->checkBoxExtFan);
-    std::uint8_t mask = 0;
-    code = Config_getVideoStartupPowerConfig(config, &mask);
-    showVideo(code, mask);
+    loadSwitch(
+        Config_getCanStartupPowerConfig, config, "getCanStartupPowerConfig", ui->checkBoxCAN);
+    loadSwitch(Config_getExtFanStartupPowerConfig, config, "getExtFanStartupPowerConfig",
+        ui->checkBoxExtFan);
+    loadVideo(Config_getVideoStartupPowerConfig, config);
 }
 
-void tabPowerDlg::showSwitch(
-    DeviceCode code, std::int32_t status, const char *operation, QCheckBox *box)
+template <typename Query, typename Handle>
+void tabPowerDlg::loadSwitch(
+    Query query, const Handle &handle, const char *operation, QCheckBox *box)
 {
-    if (code == DEVICE_OK) {
+    std::int32_t status = STATUS_OFF;
+    const auto code = query(handle, &status);
+    if (code == DEVICE_OK)
         box->setChecked(status == STATUS_ON);
-        box->show();
-        box->setEnabled(true);
+    showAnswer(code, operation, {box});
+}
+
+template <typename Query, typename Handle>
+void tabPowerDlg::loadVideo(Query query, const Handle &handle)
+{
+    std::uint8_t mask = 0;
+    const auto code = query(handle, &mask);
+    const auto boxes = videoBoxes(ui);
+    for (std::size_t channel = 0; channel < boxes.size() && code == DEVICE_OK; ++channel)
+        boxes[channel]->setChecked((mask >> channel) & 1);
+    // One name for the state at start-up and the state now.
+    showAnswer(code, "getVideoPowerStatus", {boxes.begin(), boxes.end()});
+}
+
+void tabPowerDlg::showAnswer(
+    DeviceCode code, const char *operation, const std::vector<QCheckBox *> &boxes)
+{
+    if (code == DEVICE_NOT_SUPPORTED) {
+        for (QCheckBox *box : boxes)
+            box->hide();
         return;
     }
-    hideOrReport(code, operation, {box});
-    if (code != DEVICE_NOT_SUPPORTED)
-        box->setEnabled(false);
-}
-
-void tabPowerDlg::showVideo(DeviceCode code, std::uint8_t mask)
-{
-    // One name for the state at start-up and the state now.
-    if (code != DEVICE_OK && code != DEVICE_NOT_SUPPORTED)
-        reportError(code, "getVideoPowerStatus");
-    for (std::size_t channel = 0; channel < videoBoxes(ui).size(); ++channel) {
-        QCheckBox *box = videoBoxes(ui)[channel];
-        if (code == DEVICE_OK) {
-            box->setChecked((mask >> channel) & 1);
+    reportError(code, operation);
+    for (QCheckBox *box : boxes) {
+        if (code == DEVICE_OK)
             box->show();
-            box->setEnabled(true);
-        } else if (code == DEVICE_NOT_SUPPORTED) {
-            box->hide();
-        } else {
-            box->setEnabled(false);
-        }
+        box->setEnabled(code == DEVICE_OK);
     }
 }
 
@@ -189,41 +186,44 @@ void tabPowerDlg::BacklightClicked(bool on)
 
 void tabPowerDlg::CANClicked(bool on)
 {
-    const std::int32_t status = on ? STATUS_ON : STATUS_OFF;
-    const int mode = ui->comboBoxMode->currentIndex();
-    if (mode == startupMode)
-        reportError(Config_setCanStartupPowerConfig(config, status), "setCanPowerStatus");
-    else if (mode == currentMode)
-        reportError(Power_setCanPowerStatus(power, status), "setCanPowerStatus");
+    write(Config_setCanStartupPowerConfig, Power_setCanPowerStatus, on ? STATUS_ON : STATUS_OFF,
+        "setCanPowerStatus");
 }
 
 void tabPowerDlg::ExtFanClicked(bool on)
 {
-    const std::int32_t status = on ? STATUS_ON : STATUS_OFF;
-    const int mode = ui->comboBoxMode->currentIndex();
-    if (mode == startupMode)
-        reportError(Config_setExtFanStartupPowerConfig(config, status), "setExtFanPowerStatus");
-    else if (mode == currentMode)
-        reportError(Power_setExtFanPowerStatus(power, status), "setExtFanPowerStatus");
+    write(Config_setExtFanStartupPowerConfig, Power_setExtFanPowerStatus,
+        on ? STATUS_ON : STATUS_OFF, "setExtFanPowerStatus");
 }
 
 void tabPowerDlg::VideoClicked()
 {
-    unsigned mask = 0;
-    for (std::size_t channel = 0; channel < videoBoxes(ui).size(); ++channel)
-        mask |= unsigned(videoBoxes(ui)[channel]->isChecked()) << channel;
+    std::uint8_t mask = 0;
+    const auto boxes = videoBoxes(ui);
+    for (std::size_t channel = 0; channel < boxes.size(); ++channel) {
+        if (boxes[channel]->isChecked())
+            mask = std::uint8_t(mask | 1U << channel);
+    }
+    write(
+        Config_setVideoStartupPowerConfig, Power_setVideoPowerStatus, mask, "setVideoPowerStatus");
+}
+
+// The mode says which of the two it is; a failure has one name in both.
+template <typename SetAtStartup, typename SetNow, typename Value>
+void tabPowerDlg::write(
+    SetAtStartup setAtStartup, SetNow setNow, Value value, const char *operation)
+{
     const int mode = ui->comboBoxMode->currentIndex();
     if (mode == startupMode)
-        reportError(
-            Config_setVideoStartupPowerConfig(config, std::uint8_t(mask)), "setVideoPowerStatus");
+        reportError(setAtStartup(config, value), operation);
     else if (mode == currentMode)
-        reportError(Power_setVideoPowerStatus(power, std::uint8_t(mask)), "setVideoPowerStatus");
+        reportError(setNow(power, value), operation);
 }
 
 void tabPowerDlg::loadBatteryDetails()
 {
     std::int32_t status = BATTERY_NO_ERROR;
-    DeviceCode code = Battery_getHwErrorStatus(battery, &status);
+    auto code = Battery_getHwErrorStatus(battery, &status);
     ui->label_2->setText(batteryErrorText(code, status));
 
     std::int32_t charging = CHARGING_UNKNOWN;
@@ -233,8 +233,7 @@ void tabPowerDlg::loadBatteryDetails()
 
     std::int32_t source = POWER_EXTERNAL;
     code = Battery_getPowerSource(battery, &source);
-    ui->label_4->setText(
-        code == DEVICE_OK ? powerSourceText(source) : QStringLiteral("Power source: Unknown"));
+    ui->label_4->setText(powerSourceText(code, source));
 
     std::uint8_t percent = 0;
     code = Battery_getVoltageLevel(battery, &percent);

@@ -6,6 +6,8 @@
 #include "pages/MyThread.h"
 #include "ui_tabPowerDlg.h"
 
+#include <vector>
+
 /**
  * Power page: which loads get power, at start-up or now, and the external battery, which a thread
  * follows for as long as the page exists.
@@ -31,8 +33,13 @@ private slots:
 private:
     void loadCurrentSettings();
     void loadStartupSettings();
-    void showSwitch(DeviceCode code, std::int32_t status, const char *operation, QCheckBox *box);
-    void showVideo(DeviceCode code, std::uint8_t mask);
+    template <typename Query, typename Handle>
+    void loadSwitch(Query query, const Handle &handle, const char *operation, QCheckBox *box);
+    template <typename Query, typename Handle>
+    void loadVideo(Query query, const Handle &handle);
+    void showAnswer(DeviceCode code, const char *operation, const std::vector<QCheckBox *> &boxes);
+    template <typename SetAtStartup, typename SetNow, typename Value>
+    void write(SetAtStartup setAtStartup, SetNow setNow, Value value, const char *operation);
     void loadBatteryDetails();
 
     Form<Ui::tabPower> ui{this};

@@ -1,5 +1,7 @@
 #include "pages/tabSysConfDlg.h"
 
+#include "frame/reportError.h"
+
 #include <limits>
 
 namespace {
@@ -35,7 +37,7 @@ tabSysConfDlg::~tabSysConfDlg()
 void tabSysConfDlg::showEvent(QShowEvent *)
 {
     std::int16_t celsius = 0;
-    const DeviceCode code = Config_getHeatingTempLimit(config, &celsius);
+    const auto code = Config_getHeatingTempLimit(config, &celsius);
     if (code == DEVICE_OK) {
         ui->editHeatingTemp->setText(QString::number(celsius));
     } else if (code == DEVICE_NOT_SUPPORTED) {
@@ -44,9 +46,7 @@ void tabSysConfDlg::showEvent(QShowEvent *)
     } else {
         ui->groupHeating->setEnabled(false);
         ui->groupHeating->setToolTip(QStringLiteral("Requires newer SS version"));
-        ui->editHeatingTemp->setText(
-            QStringLiteral("%1 %2").arg(QStringLiteral("getHeatingTempLimit: Error: "),
-                QString::fromLatin1(deviceErrorText(code))));
+        ui->editHeatingTemp->setText(fieldErrorText(code, "getHeatingTempLimit"));
     }
 }
 

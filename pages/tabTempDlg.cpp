@@ -1,5 +1,7 @@
 #include "pages/tabTempDlg.h"
 
+#include "frame/reportError.h"
+
 #include <QGridLayout>
 
 namespace {
@@ -11,11 +13,6 @@ constexpr int firstProcessorSensor = 10;
 // Readings outside are those of an absent or broken sensor, degrees C.
 constexpr std::int16_t lowestPlausible = -56;
 constexpr std::int16_t highestPlausible = 255;
-
-QString errorText(DeviceCode code)
-{
-    return QString::fromLatin1(deviceErrorText(code));
-}
 
 QString temperatureText(std::int16_t celsius)
 {
@@ -119,14 +116,13 @@ void tabTempDlg::sensorIndexChanged(int)
 void tabTempDlg::findSensors()
 {
     std::int16_t scratch = 0;
-    DeviceCode code = Diagnostics_getSSTemp(diagnostics, &scratch);
+    auto code = Diagnostics_getSSTemp(diagnostics, &scratch);
     if (code == DEVICE_OK)
         addSensor(QStringLiteral("System supervisor"), supervisorSensor);
     else if (code == DEVICE_NOT_SUPPORTED)
         removeRow(0);
     else
-        supervisor.setText(QStringLiteral("Error(%1) in getSSTemp: %2")
-                               .arg(QString::number(code), errorText(code)));
+        supervisor.setText(errorText(code, "getSSTemp"));
 
     code = Diagnostics_getPCBTemp(diagnostics, &scratch);
     if (code == DEVICE_OK)
@@ -134,8 +130,7 @@ void tabTempDlg::findSensors()
     else if (code == DEVICE_NOT_SUPPORTED)
         removeRow(2);
     else
-        board.setText(QStringLiteral("Error(%1) in getPCBTemp: %2")
-                          .arg(QString::number(code), errorText(code)));
+        board.setText(errorText(code, "getPCBTemp"));
 
     // The rows go by the number of the sensors, whatever their kinds.
     const int processorSensors = findProcessorSensors();
@@ -193,9 +188,9 @@ void tabTempDlg::refresh()
     for (int i = 0; i < ui->comboBoxSensor->count(); ++i) {
         const int sensor = sensorIndex[std::size_t(i)];
         if (sensor == supervisorSensor)
-            readFixedSensor(Diagnostics_getSSTemp, supervisor, "getSSTemp: Error: ", text);
+            readFixedSensor(Diagnostics_getSSTemp, supervisor, "getSSTemp", text);
         else if (sensor == boardSensor)
-            readFixedSensor(Diagnostics_getPCBTemp, board, "getPCBTemp: Error: ", text);
+            readFixedSensor(Diagnostics_getPCBTemp, board, "getPCBTemp", text);
         else
             readProcessorSensor(i, text);
         ui->editTemp->setText(text);
@@ -203,16 +198,16 @@ void tabTempDlg::refresh()
 }
 
 void tabTempDlg::readFixedSensor(
-    decltype(&Diagnostics_getSSTemp) query, const Row &row, const char *errorPrefix, QString &text)
+    decltype(&Diagnostics_getSSTemp) query, const Row &row, const char *name, QString &text)
 {
     std::int16_t celsius = 0;
-    const DeviceCode code = query(diagnostics, &celsius);
+    const auto code = query(diagnostics, &celsius);
     if (code == DEVICE_OK)
         text = temperatureText(celsius);
     else if (code == DEVICE_NOT_SUPPORTED)
         row.hide();
     else
-        text = QStringLiteral("%1 %2").arg(QString::fromLatin1(errorPrefix), errorText(code));
+        text = fieldErrorText(code, name);
     row.setText(text);
 }
 
@@ -221,7 +216,7 @@ void tabTempDlg::readProcessorSensor(int entry, QString &text)
     const int sensor = sensorIndex[std::size_t(entry)];
     std::int16_t celsius = 0;
     std::int32_t kind = sensorKind[std::size_t(entry)];
-    const DeviceCode code = Diagnostics_getPMTemp(
+    const auto code = Diagnostics_getPMTemp(
         diagnostics, std::uint8_t(sensor - firstProcessorSensor), &celsius, &kind);
     if (code == DEVICE_OK) {
         text = temperatureText(celsius);
@@ -230,9 +225,9 @@ void tabTempDlg::readProcessorSensor(int entry, QString &text)
         processor.hide();
         removeProcessorRows();
     } else {
-        text = QStringLiteral("i:%1 sensorindex:%2 %3 %4")
+        text = QStringLiteral("i:%1 sensorindex:%2 %3")
                    .arg(QString::number(entry), QString::number(sensor),
-                       QStringLiteral("getPMTemp: Error: "), errorText(code));
+                       fieldErrorText(code, "getPMTemp"));
     }
     if (kind == SENSOR_CPU)
         processor.setText(text);

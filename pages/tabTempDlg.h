@@ -42,8 +42,8 @@ private:
     void removeRow(int gridRow);
     void removeProcessorRows();
     void refresh();
-    void readFixedSensor(decltype(&Diagnostics_getSSTemp) query, const Row &row,
-        const char *errorPrefix, QString &text);
+    void readFixedSensor(
+        decltype(&Diagnostics_getSSTemp) query, const Row &row, const char *name, QString &text);
     void readProcessorSensor(int entry, QString &text);
 
     Form<Ui::tabTemp> ui{this};

@@ -1,5 +1,6 @@
 #include "pages/tabVersionDlg.h"
 
+#include "frame/reportError.h"
 #include "frame/version.h"
 
 #include <vector>
@@ -34,7 +35,7 @@ QString text(const Version &version)
 struct VersionRow {
     VersionQuery query;
     QLineEdit *edit;
-    const char *errorPrefix;
+    const char *name; ///< of the query, in error texts
     /** What goes when the unit doesn't know that version; empty where that is an error too. */
     std::vector<QWidget *> optional;
 };
@@ -54,23 +55,21 @@ void tabVersionDlg::showEvent(QShowEvent *)
 void tabVersionDlg::showVersions()
 {
     const VersionRow rows[] = {
-        {Versions_getFPGAVersion, ui->editFPGA,
-            "getFPGAVersion: Error: ", {ui->editFPGA, ui->label_2}},
+        {Versions_getFPGAVersion, ui->editFPGA, "getFPGAVersion", {ui->editFPGA, ui->label_2}},
         // The label of the system supervisor stays.
-        {Versions_getSSVersion, ui->editSS, "getSSVersion: Error: ", {ui->editSS}},
-        {Versions_getFrontVersion, ui->editFront,
-            "getFrontVersion: Error: ", {ui->editFront, ui->label_5}},
-        {Versions_getVornAuxVersion, ui->editVornAux, "getVornAuxVersion: Error: ", {}},
+        {Versions_getSSVersion, ui->editSS, "getSSVersion", {ui->editSS}},
+        {Versions_getFrontVersion, ui->editFront, "getFrontVersion", {ui->editFront, ui->label_5}},
+        {Versions_getVornAuxVersion, ui->editVornAux, "getVornAuxVersion", {}},
         {nullptr, ui->editVornSettings, nullptr, {}},
-        {Versions_getVornAuxDrvVersion, ui->editVornAuxDrv,
-            "getVornAuxDrvVersion: Error: ", {ui->editVornAuxDrv, ui->label_6}},
-        {Versions_getOSVersion, ui->editOS, "getOSVersion: Error: ", {}},
+        {Versions_getVornAuxDrvVersion, ui->editVornAuxDrv, "getVornAuxDrvVersion",
+            {ui->editVornAuxDrv, ui->label_6}},
+        {Versions_getOSVersion, ui->editOS, "getOSVersion", {}},
     };
 
     QString shown; // carried on: a row without a text of its own shows the one before it
     for (const VersionRow &row : rows) {
         Version version;
-        const DeviceCode code = row.query ? read(row.query, versions, version) : DEVICE_OK;
+        const auto code = row.query ? read(row.query, versions, version) : DEVICE_OK;
         if (!row.query) {
             shown = QStringLiteral("v%1 - 64 bit").arg(programVersion());
         } else if (code == DEVICE_OK) {
@@ -79,8 +78,7 @@ void tabVersionDlg::showVersions()
             for (QWidget *widget : row.optional)
                 widget->hide();
         } else {
-            shown = QStringLiteral("%1 %2").arg(
-                QString::fromLatin1(row.errorPrefix), QString::fromLatin1(deviceErrorText(code)));
+            shown = fieldErrorText(code, row.name);
         }
         row.edit->setText(shown);
     }
@@ -90,8 +88,8 @@ void tabVersionDlg::checkInstallation()
 {
     const DeviceHandle<Versions_create, Versions_release> check;
     Version scratch;
-    const DeviceCode driver = read(Versions_getVornAuxDrvVersion, check, scratch);
-    const DeviceCode library = read(Versions_getVornAuxVersion, check, scratch);
+    const auto driver = read(Versions_getVornAuxDrvVersion, check, scratch);
+    const auto library = read(Versions_getVornAuxVersion, check, scratch);
     // The sum in 64 bits, so that two extreme codes can't overflow.
     if (std::int64_t(driver) + library != 0)
         showMessage(
