@@ -1,15 +1,22 @@
 #include "pages/tabDigIODlg.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/FormCheck.h"
+#include "tests/support/PageTest.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
 
 using support::child;
+using support::click;
+using support::HeldTimer;
+using support::operator""_s;
 
-class DigitalIoPageTest : public DeviceTest
+class DigitalIoPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
     void form();
+    void layout();
     void outputsFollowTheDeviceAtConstruction_data();
     void outputsFollowTheDeviceAtConstruction();
     void noOutputs_data();
@@ -18,9 +25,13 @@ private slots:
     void everyBitHasItsBox_data();
     void everyBitHasItsBox();
     void unchangedMaskIsNotShownAgain();
-    void timerStopsWithThePage();
-    void failingRead_data();
-    void failingRead();
+    void timerRunsWhileShown();
+    void failingFirstRead_data();
+    void failingFirstRead();
+    void failingRound_data();
+    void failingRound();
+    void hiddenInputsStayHidden();
+    void inputsCantBePressed();
     void clickWritesAllBoxes();
     void failingWrite_data();
     void failingWrite();
@@ -42,38 +53,41 @@ int DigitalIoPageTest::shownMask(const QWidget &page, const char *prefix)
 
 void DigitalIoPageTest::form()
 {
+    setUnit("DigIO.digIO"_s, "5"_s);
     const tabDigIODlg page;
-    QCOMPARE(page.objectName(), QStringLiteral("tabDigIO"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("Digital Input/Output"));
+    QCOMPARE(page.objectName(), "tabDigIO"_s);
+    QCOMPARE(page.windowTitle(), "Digital Input/Output"_s);
+    QCOMPARE(support::widgets(&page),
+        QStringList({"groupBoxStatus: QGroupBox \"Status\""_s,
+            "labelStatus: QLabel \"Updated every 250 ms\""_s, "gridLayoutArea: QWidget"_s,
+            "checkBoxDI_1: QCheckBox \"DI 1\" disabled"_s,
+            "checkBoxDI_3: QCheckBox \"DI 3\" disabled"_s,
+            "checkBoxDI_2: QCheckBox \"DI 2\" disabled"_s,
+            "checkBoxDI_4: QCheckBox \"DI 4\" disabled"_s,
+            "groupBoxStatus_2: QGroupBox \"Outputs\""_s, "gridLayout_2Area: QWidget"_s,
+            "checkBoxDO_1: QCheckBox \"DO 1\" checked"_s,
+            "checkBoxDO_3: QCheckBox \"DO 3\" checked"_s, "checkBoxDO_2: QCheckBox \"DO 2\""_s,
+            "checkBoxDO_4: QCheckBox \"DO 4\""_s, "icon: QLabel package_settings.png centred"_s}));
+}
+
+void DigitalIoPageTest::layout()
+{
+    tabDigIODlg page;
     QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::compareForm(&page,
-                 {{"icon", "QLabel"}, {"groupBoxStatus", "QGroupBox", "Status"},
-                     {"labelStatus", "QLabel", "Updated every 250 ms"},
-                     {"checkBoxDI_1", "QCheckBox", "DI 1"}, {"checkBoxDI_2", "QCheckBox", "DI 2"},
-                     {"checkBoxDI_3", "QCheckBox", "DI 3"}, {"checkBoxDI_4", "QCheckBox", "DI 4"},
-                     {"groupBoxStatus_2", "QGroupBox", "Outputs"},
-                     {"checkBoxDO_1", "QCheckBox", "DO 1"}, {"checkBoxDO_2", "QCheckBox", "DO 2"},
-                     {"checkBoxDO_3", "QCheckBox", "DO 3"}, {"checkBoxDO_4", "QCheckBox", "DO 4"}}),
-        QString());
-    for (const char *grid : {"gridLayout", "gridLayout_2"}) {
-        const auto *layout = page.findChild<QGridLayout *>(QString::fromLatin1(grid));
-        QVERIFY(layout);
-        QCOMPARE(layout->horizontalSpacing(), 15);
-        QCOMPARE(layout->verticalSpacing(), 10);
-        QCOMPARE(layout->contentsMargins(), QMargins());
-        const QString prefix = QLatin1String(grid).endsWith(QLatin1Char('2'))
-                                   ? QStringLiteral("checkBoxDO_")
-                                   : QStringLiteral("checkBoxDI_");
-        const auto at = [&](int row, int column) {
-            return layout->itemAtPosition(row, column)->widget()->objectName();
-        };
-        QCOMPARE(at(0, 0), prefix + QLatin1Char('1'));
-        QCOMPARE(at(0, 1), prefix + QLatin1Char('3'));
-        QCOMPARE(at(1, 0), prefix + QLatin1Char('2'));
-        QCOMPARE(at(1, 1), prefix + QLatin1Char('4'));
+    const std::pair<const char *, QString> grids[] = {
+        {"gridLayout", "checkBoxDI_"_s}, {"gridLayout_2", "checkBoxDO_"_s}};
+    for (const auto &[name, prefix] : grids) {
+        const auto *grid = page.findChild<QGridLayout *>(QString::fromLatin1(name));
+        QVERIFY(grid);
+        QCOMPARE(grid->horizontalSpacing(), 15);
+        QCOMPARE(grid->verticalSpacing(), 10);
+        QCOMPARE(grid->contentsMargins(), QMargins());
+        // Column by column: 1 over 2, 3 over 4.
+        for (int line = 1; line <= 4; ++line)
+            QCOMPARE(grid->itemAtPosition((line - 1) % 2, (line - 1) / 2)->widget()->objectName(),
+                prefix + QString::number(line));
     }
-    for (const char *input : {"checkBoxDI_1", "checkBoxDI_2", "checkBoxDI_3", "checkBoxDI_4"})
-        QVERIFY(!child<QCheckBox>(&page, input)->isEnabled());
+    QCOMPARE(support::layoutFaults(&page), QStringList());
 }
 
 void DigitalIoPageTest::outputsFollowTheDeviceAtConstruction_data()
@@ -86,27 +100,23 @@ void DigitalIoPageTest::outputsFollowTheDeviceAtConstruction_data()
 void DigitalIoPageTest::outputsFollowTheDeviceAtConstruction()
 {
     QFETCH(int, mask);
-    setUnit(QStringLiteral("DigIO.digIO"), QString::number(mask));
+    setUnit("DigIO.digIO"_s, QString::number(mask));
     {
         const tabDigIODlg page;
         QCOMPARE(shownMask(page, "checkBoxDO_"), mask & 15);
+        QCOMPARE(shownMask(page, "checkBoxDI_"), 0);
         for (const char *output : {"checkBoxDO_1", "checkBoxDO_2", "checkBoxDO_3", "checkBoxDO_4"})
             QVERIFY(child<QCheckBox>(&page, output)->isEnabled());
-        QCOMPARE(calls(), QStringList({QStringLiteral("DigIO_create()"),
-                              QStringLiteral("DigIO_getDigIO() = 0 [%1]").arg(mask),
-                              QStringLiteral("DigIO_setDigIO(%1) = 0").arg(mask)}));
+        QCOMPARE(calls(),
+            QStringList({"DigIO_create()"_s, QStringLiteral("DigIO_getDigIO() = 0 [%1]").arg(mask),
+                QStringLiteral("DigIO_setDigIO(%1) = 0").arg(mask)}));
     }
-    QCOMPARE(calls(), QStringList({QStringLiteral("DigIO_release()")}));
+    QCOMPARE(calls(), QStringList("DigIO_release()"_s));
 }
 
 void DigitalIoPageTest::noOutputs_data()
 {
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<int>("code");
-    for (const int code : {2, 18, 20, 5, -1}) {
-        QTest::addRow("read %d", code) << QStringLiteral("DigIO_getDigIO") << code;
-        QTest::addRow("write %d", code) << QStringLiteral("DigIO_setDigIO") << code;
-    }
+    addFailureRows({"DigIO_getDigIO"_s, "DigIO_setDigIO"_s});
 }
 
 void DigitalIoPageTest::noOutputs()
@@ -115,12 +125,18 @@ void DigitalIoPageTest::noOutputs()
     QFETCH(int, code);
     fault(operation, code, 1);
     tabDigIODlg page;
+    QStringList expected{"DigIO_create()"_s};
+    if (operation == QLatin1String("DigIO_setDigIO"))
+        expected << "DigIO_getDigIO() = 0 [5]"_s
+                 << QStringLiteral("DigIO_setDigIO(5) = %1").arg(code);
+    else
+        expected << QStringLiteral("DigIO_getDigIO() = %1").arg(code);
+    QCOMPARE(calls(), expected);
     page.show();
-    QVERIFY(!child<QGroupBox>(&page, "groupBoxStatus_2")->isVisible());
+    QVERIFY(child<QGroupBox>(&page, "groupBoxStatus_2")->isHidden());
     QVERIFY(!child<QGroupBox>(&page, "groupBoxStatus_2")->isEnabled());
     QVERIFY(child<QGroupBox>(&page, "groupBoxStatus")->isVisible());
-    const bool asked = calls().contains(QStringLiteral("DigIO_setDigIO(5) = %1").arg(code));
-    QCOMPARE(asked, operation == QLatin1String("DigIO_setDigIO"));
+    QCOMPARE(calls(), QStringList("DigIO_getDigIO() = 0 [5]"_s));
 }
 
 void DigitalIoPageTest::inputsAreReadAtOnceAndByTimer()
@@ -128,12 +144,9 @@ void DigitalIoPageTest::inputsAreReadAtOnceAndByTimer()
     tabDigIODlg page;
     calls();
     page.show();
-    QCOMPARE(calls(), QStringList({QStringLiteral("DigIO_getDigIO() = 0 [5]")}));
+    QCOMPARE(calls(), QStringList("DigIO_getDigIO() = 0 [5]"_s));
     QCOMPARE(shownMask(page, "checkBoxDI_"), 5);
-    const auto *timer = page.findChild<QTimer *>();
-    QVERIFY(timer && timer->isActive() && !timer->isSingleShot());
-    QCOMPARE(timer->interval(), 250);
-    setUnit(QStringLiteral("DigIO.digIO"), QStringLiteral("10"));
+    setUnit("DigIO.digIO"_s, "10"_s);
     QTRY_COMPARE(shownMask(page, "checkBoxDI_"), 10);
     // The outputs stand for what was last set here.
     QCOMPARE(shownMask(page, "checkBoxDO_"), 5);
@@ -141,28 +154,23 @@ void DigitalIoPageTest::inputsAreReadAtOnceAndByTimer()
 
 void DigitalIoPageTest::everyBitHasItsBox_data()
 {
-    QTest::addColumn<int>("bit");
-    QTest::addColumn<QByteArray>("box");
-    QTest::newRow("1") << 0 << QByteArray("checkBoxDI_1");
-    QTest::newRow("2") << 1 << QByteArray("checkBoxDI_2");
-    QTest::newRow("3") << 2 << QByteArray("checkBoxDI_3");
-    QTest::newRow("4") << 3 << QByteArray("checkBoxDI_4");
+    QTest::addColumn<int>("mask");
+    for (int mask = 1; mask < 16; ++mask)
+        QTest::addRow("%d", mask) << mask;
 }
 
 void DigitalIoPageTest::everyBitHasItsBox()
 {
-    QFETCH(int, bit);
-    QFETCH(QByteArray, box);
-    setUnit(QStringLiteral("DigIO.digIO"), QString::number(1 << bit));
+    QFETCH(int, mask);
+    setUnit("DigIO.digIO"_s, QString::number(mask));
     tabDigIODlg page;
     page.show();
-    QVERIFY(child<QCheckBox>(&page, box.constData())->isChecked());
-    QCOMPARE(shownMask(page, "checkBoxDI_"), 1 << bit);
+    QCOMPARE(shownMask(page, "checkBoxDI_"), mask);
 }
 
 void DigitalIoPageTest::unchangedMaskIsNotShownAgain()
 {
-    setUnit(QStringLiteral("DigIO.digIO"), QStringLiteral("0"));
+    setUnit("DigIO.digIO"_s, "0"_s);
     tabDigIODlg page;
     auto *box = child<QCheckBox>(&page, "checkBoxDI_1");
     box->setChecked(true);
@@ -170,7 +178,7 @@ void DigitalIoPageTest::unchangedMaskIsNotShownAgain()
     // A first mask of 0 counts as unchanged.
     QVERIFY(box->isChecked());
     page.hide();
-    setUnit(QStringLiteral("DigIO.digIO"), QStringLiteral("16"));
+    setUnit("DigIO.digIO"_s, "16"_s);
     page.show();
     QVERIFY2(!box->isChecked(), "the upper bits count for the comparison");
     box->setChecked(true);
@@ -179,52 +187,100 @@ void DigitalIoPageTest::unchangedMaskIsNotShownAgain()
     QVERIFY(box->isChecked());
 }
 
-void DigitalIoPageTest::timerStopsWithThePage()
+void DigitalIoPageTest::timerRunsWhileShown()
 {
     tabDigIODlg page;
-    const auto *timer = page.findChild<QTimer *>();
-    QVERIFY(!timer->isActive());
+    HeldTimer timer(&page);
+    QVERIFY(!timer.isActive());
     page.show();
-    QVERIFY(timer->isActive());
+    QVERIFY(timer.isActive());
+    QCOMPARE(timer.interval(), 250);
+    calls();
+    QVERIFY(timer.fire());
+    QVERIFY(timer.fire());
+    const auto read = "DigIO_getDigIO() = 0 [5]"_s;
+    QCOMPARE(calls(), QStringList({read, read}));
     page.hide();
-    QVERIFY(!timer->isActive());
+    QVERIFY(!timer.isActive());
 }
 
-void DigitalIoPageTest::failingRead_data()
+void DigitalIoPageTest::failingFirstRead_data()
 {
-    QTest::addColumn<int>("code");
-    for (const int code : {2, 18, 20, 5, -1})
-        QTest::addRow("%d", code) << code;
+    addFailureRows({"DigIO_getDigIO"_s});
 }
 
-void DigitalIoPageTest::failingRead()
+void DigitalIoPageTest::failingFirstRead()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     tabDigIODlg page;
-    fault(QStringLiteral("DigIO_getDigIO"), code);
+    const HeldTimer timer(&page);
+    fault(operation, code, 1);
     page.show();
-    const auto *timer = page.findChild<QTimer *>();
-    const auto seen = dialogs.take();
-    if (code == 2) {
-        QVERIFY(seen.isEmpty());
-        QVERIFY(!child<QGroupBox>(&page, "groupBoxStatus")->isVisible());
-        QVERIFY(timer->isActive());
-        return;
-    }
-    QCOMPARE(seen.size(), 1);
-    QCOMPARE(seen[0].title, QStringLiteral("Vornsettings"));
-    QCOMPARE(
-        seen[0].text, QStringLiteral("Error(%1) in getDigIO: %2")
-                          .arg(QString::number(code), QString::fromLatin1(deviceErrorText(code))));
-    QCOMPARE(seen[0].icon, QMessageBox::Critical);
-    QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
-    QVERIFY(!timer->isActive());
-    QVERIFY(child<QGroupBox>(&page, "groupBoxStatus")->isVisible());
-
-    clearFaults();
+    QCOMPARE(boxes(&page), code == 2 ? QStringList() : QStringList(errorBox(code, "getDigIO"_s)));
+    QCOMPARE(timer.isActive(), code == 2);
+    QCOMPARE(child<QGroupBox>(&page, "groupBoxStatus")->isVisible(), code != 2);
     page.hide();
     page.show();
-    QVERIFY(timer->isActive());
+    QVERIFY(timer.isActive());
+    // Nothing brings the inputs back.
+    QCOMPARE(child<QGroupBox>(&page, "groupBoxStatus")->isVisible(), code != 2);
+}
+
+void DigitalIoPageTest::failingRound_data()
+{
+    failingFirstRead_data();
+}
+
+void DigitalIoPageTest::failingRound()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    tabDigIODlg page;
+    HeldTimer timer(&page);
+    page.show();
+    fault(operation, code);
+    calls();
+    bool stoodBeforeTheBox = false;
+    if (code != 2)
+        dialogs.plan([&](QDialog *box) {
+            stoodBeforeTheBox = !timer.isActive();
+            box->accept();
+        });
+    QVERIFY(timer.fire());
+    const QStringList asked(QStringLiteral("DigIO_getDigIO() = %1").arg(code));
+    QCOMPARE(calls(), asked);
+    QCOMPARE(timer.isActive(), code == 2);
+    if (code == 2) {
+        // Asked again and again, without a word.
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), asked);
+        return;
+    }
+    QVERIFY2(stoodBeforeTheBox, "further rounds pile up boxes");
+    QCOMPARE(boxes(&page), QStringList(errorBox(code, "getDigIO"_s)));
+}
+
+void DigitalIoPageTest::hiddenInputsStayHidden()
+{
+    tabDigIODlg page;
+    HeldTimer timer(&page);
+    fault("DigIO_getDigIO"_s, 2, 1);
+    page.show();
+    setUnit("DigIO.digIO"_s, "3"_s);
+    QVERIFY(timer.fire());
+    QVERIFY(child<QGroupBox>(&page, "groupBoxStatus")->isHidden());
+    QCOMPARE(shownMask(page, "checkBoxDI_"), 3);
+}
+
+void DigitalIoPageTest::inputsCantBePressed()
+{
+    tabDigIODlg page;
+    page.show();
+    calls();
+    click(&page, "checkBoxDI_2");
+    QCOMPARE(shownMask(page, "checkBoxDI_"), 5);
+    QCOMPARE(calls(), QStringList());
 }
 
 void DigitalIoPageTest::clickWritesAllBoxes()
@@ -232,38 +288,38 @@ void DigitalIoPageTest::clickWritesAllBoxes()
     tabDigIODlg page;
     page.show();
     calls();
-    const auto click = [&](const char *name) {
-        QTest::mouseClick(child<QCheckBox>(&page, name), Qt::LeftButton, {}, QPoint(12, 12));
-        return calls();
-    };
-    QCOMPARE(click("checkBoxDO_2"), QStringList({QStringLiteral("DigIO_setDigIO(7) = 0")}));
-    QCOMPARE(unit(QStringLiteral("DigIO.digIO")), QStringLiteral("7"));
-    QCOMPARE(click("checkBoxDO_1"), QStringList({QStringLiteral("DigIO_setDigIO(6) = 0")}));
-    QCOMPARE(click("checkBoxDO_4"), QStringList({QStringLiteral("DigIO_setDigIO(14) = 0")}));
-    QCOMPARE(click("checkBoxDO_3"), QStringList({QStringLiteral("DigIO_setDigIO(10) = 0")}));
+    const std::pair<const char *, int> presses[] = {
+        {"checkBoxDO_2", 7}, {"checkBoxDO_1", 6}, {"checkBoxDO_4", 14}, {"checkBoxDO_3", 10}};
+    for (const auto &[box, mask] : presses) {
+        click(&page, box);
+        QCOMPARE(calls(), QStringList(QStringLiteral("DigIO_setDigIO(%1) = 0").arg(mask)));
+        QCOMPARE(unit("DigIO.digIO"_s), QString::number(mask));
+    }
+    QTest::keyClick(child<QCheckBox>(&page, "checkBoxDO_1"), Qt::Key_Space);
+    QCOMPARE(calls(), QStringList("DigIO_setDigIO(11) = 0"_s));
 }
 
 void DigitalIoPageTest::failingWrite_data()
 {
-    failingRead_data();
+    addFailureRows({"DigIO_setDigIO"_s});
 }
 
 void DigitalIoPageTest::failingWrite()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     tabDigIODlg page;
     page.show();
-    fault(QStringLiteral("DigIO_setDigIO"), code);
-    auto *box = child<QCheckBox>(&page, "checkBoxDO_2");
-    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(12, 12));
+    fault(operation, code);
+    calls();
+    click(&page, "checkBoxDO_2");
+    QCOMPARE(calls(), QStringList(QStringLiteral("DigIO_setDigIO(7) = %1").arg(code)));
     QCOMPARE(child<QGroupBox>(&page, "groupBoxStatus_2")->isVisible(), code != 2);
     QCOMPARE(child<QGroupBox>(&page, "groupBoxStatus_2")->isEnabled(), code != 2);
-    if (code == 2)
-        return;
-    QVERIFY2(box->isChecked(), "the boxes stay as the user left them");
-    QCOMPARE(dialogs.takeTexts(),
-        QStringList({QStringLiteral("Error(%1) in DigIO_setDigIO: %2")
-                         .arg(QString::number(code), QString::fromLatin1(deviceErrorText(code)))}));
+    QVERIFY2(child<QCheckBox>(&page, "checkBoxDO_2")->isChecked(),
+        "the boxes stay as the user left them");
+    QCOMPARE(
+        boxes(&page), code == 2 ? QStringList() : QStringList(errorBox(code, "DigIO_setDigIO"_s)));
 }
 
 VORN_TEST_MAIN(DigitalIoPageTest)

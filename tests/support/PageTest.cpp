@@ -15,6 +15,9 @@
 #include <QRegularExpression>
 #include <QSlider>
 #include <QSpinBox>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTabWidget>
 
 #include <algorithm>
 #include <iterator>
@@ -23,7 +26,6 @@
 namespace {
 
 const auto resources = QStringLiteral(":/VornSettings/Resources/");
-const QRect iconPlace(525, 15, 60, 60);
 constexpr int lowestTarget = 30;     // pixels
 constexpr int titleStripHeight = 26; // pixels, of a group box under the program's style sheet
 
@@ -138,7 +140,9 @@ QList<QWidget *> formWidgets(const QWidget *page)
     QList<QWidget *> widgets;
     for (QWidget *widget : page->findChildren<QWidget *>()) {
         const QString name = widget->objectName();
-        if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")))
+        const bool belongsToQt = name.startsWith(QLatin1String("qt_")) ||
+                                 qobject_cast<const QTabBar *>(widget->parentWidget());
+        if (!name.isEmpty() && !belongsToQt)
             widgets << widget;
     }
     return widgets;
@@ -165,7 +169,7 @@ bool isClipped(const QWidget *widget)
     return need.width() > widget->width() || need.height() > widget->height();
 }
 
-QStringList faultsOf(const QWidget *widget)
+QStringList faultsOf(const QWidget *widget, const QRect &iconPlace)
 {
     QStringList faults;
     const QWidget *parent = widget->parentWidget();
@@ -187,13 +191,27 @@ QStringList overlaps(const QList<QWidget *> &widgets)
     QStringList faults;
     for (int i = 0; i < widgets.size(); ++i) {
         for (int j = i + 1; j < widgets.size(); ++j) {
-            if (widgets[i]->parentWidget() == widgets[j]->parentWidget() &&
+            const QWidget *parent = widgets[i]->parentWidget();
+            if (parent == widgets[j]->parentWidget() &&
+                !qobject_cast<const QStackedWidget *>(parent) && // the pages of tabs
                 widgets[i]->geometry().intersects(widgets[j]->geometry()))
                 faults << widgets[i]->objectName() + QLatin1String(": lies over ") +
                               widgets[j]->objectName();
         }
     }
     return faults;
+}
+
+/** A tab's content has its places only once the tab has been in front. */
+void layOutTabs(const QWidget *page)
+{
+    for (QTabWidget *tabs : page->findChildren<QTabWidget *>()) {
+        const QSignalBlocker quiet(tabs);
+        const int current = tabs->currentIndex();
+        for (int index = 0; index < tabs->count(); ++index)
+            tabs->setCurrentIndex(index);
+        tabs->setCurrentIndex(current);
+    }
 }
 
 QString styleSheet()
@@ -235,15 +253,16 @@ QStringList widgets(const QWidget *page)
     return lines;
 }
 
-QStringList layoutFaults(QWidget *page)
+QStringList layoutFaults(QWidget *page, const QRect &iconPlace)
 {
     page->setStyleSheet(styleSheet());
     page->resize(600, 320);
     page->show();
+    layOutTabs(page);
     QStringList faults;
     const QList<QWidget *> widgets = formWidgets(page);
     for (const QWidget *widget : widgets) {
-        for (const QString &fault : faultsOf(widget))
+        for (const QString &fault : faultsOf(widget, iconPlace))
             faults << widget->objectName() + QLatin1String(": ") + fault;
     }
     page->hide();

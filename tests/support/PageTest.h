@@ -25,13 +25,16 @@ inline QString operator""_s(const char *text, std::size_t size)
  */
 QStringList widgets(const QWidget *page);
 
+/** Where most pages have their picture. */
+constexpr QRect usualIconPlace{525, 15, 60, 60};
+
 /**
  * What is wrong with the page's layout at 600x320 under the program's style sheet: what is clipped,
  * lies outside its parent, over a neighbour or over a group's title strip, is less than 30 pixels
- * high where it is to be pressed, or has its icon elsewhere than the other pages. Hidden widgets
+ * high where it is to be pressed, or an icon that isn't in its place. Hidden widgets and all tabs
  * count too. Shows the page for a moment.
  */
-QStringList layoutFaults(QWidget *page);
+QStringList layoutFaults(QWidget *page, const QRect &iconPlace = usualIconPlace);
 
 /** Presses the button or check box with the mouse, as a finger would. */
 void click(const QWidget *page, const char *name);
