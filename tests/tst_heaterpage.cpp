@@ -1,17 +1,21 @@
 #include "pages/tabSysConfDlg.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/FormCheck.h"
+#include "tests/support/PageTest.h"
 
+#include <QGroupBox>
+#include <QTextBlock>
 #include <QTextDocument>
 
 using support::child;
+using support::click;
+using support::operator""_s;
 
-class HeaterPageTest : public DeviceTest
+class HeaterPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
     void form();
+    void layout();
     void handles();
     void showReadsTheLimit();
     void failingRead_data();
@@ -21,6 +25,7 @@ private slots:
     void validatorBindsTypingInCelsius();
     void apply_data();
     void apply();
+    void otherLocales();
     void failingWrite_data();
     void failingWrite();
     void disabledGroupWritesNothing();
@@ -39,21 +44,25 @@ void HeaterPageTest::type(QWidget *edit, const QString &text)
 void HeaterPageTest::form()
 {
     const tabSysConfDlg page;
-    QCOMPARE(page.objectName(), QStringLiteral("tabSysConf"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("Heater"));
-    QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::compareForm(
-                 &page, {{"icon", "QLabel"}, {"groupHeating", "QGroupBox", "Heating temperature"},
-                            {"editHeatingTemp", "QLineEdit", "", "Range: -25°C to +5°C"},
-                            {"label_5", "QLabel", "°C"},
-                            {"editHeatingTemp_2", "QLineEdit", "", "Range: -13°F to +41°F"},
-                            {"label_6", "QLabel", "°F"}, {"pushButton", "QPushButton", "Apply"}}),
-        QString());
+    QCOMPARE(page.objectName(), "tabSysConf"_s);
+    QCOMPARE(page.windowTitle(), "Heater"_s);
+    // Its two paragraphs are read apart.
+    auto *label = child<QLabel>(&page, "label_4");
     QTextDocument text;
-    text.setHtml(child<QLabel>(&page, "label_4")->text());
+    text.setHtml(label->text());
     QCOMPARE(text.toPlainText(),
-        QStringLiteral(
-            "Enable internal heater and delay start-up\nwhen internal temperature is lower than:"));
+        "Enable internal heater and delay start-up\nwhen internal temperature is lower than:"_s);
+    QVERIFY(label->text().contains("font-size:8pt"_s));
+    QVERIFY(text.firstBlock().blockFormat().alignment() & Qt::AlignRight);
+    QVERIFY(text.lastBlock().blockFormat().alignment() & Qt::AlignRight);
+    label->clear();
+    QCOMPARE(support::widgets(&page),
+        QStringList({"groupHeating: QGroupBox \"Heating temperature\""_s, "label_4: QLabel \"\""_s,
+            QStringLiteral("editHeatingTemp: QLineEdit \"\" tip \"Range: -25°C to +5°C\""),
+            QStringLiteral("label_5: QLabel \"°C\""),
+            QStringLiteral("editHeatingTemp_2: QLineEdit \"\" tip \"Range: -13°F to +41°F\""),
+            QStringLiteral("label_6: QLabel \"°F\""), "pushButton: QPushButton \"Apply\""_s,
+            "icon: QLabel heater.png centred"_s}));
     const auto *validator = qobject_cast<const QIntValidator *>(
         child<QLineEdit>(&page, "editHeatingTemp")->validator());
     QVERIFY(validator);
@@ -62,15 +71,21 @@ void HeaterPageTest::form()
     QVERIFY(!child<QLineEdit>(&page, "editHeatingTemp_2")->validator());
 }
 
+void HeaterPageTest::layout()
+{
+    tabSysConfDlg page;
+    QCOMPARE(page.size(), QSize(600, 320));
+    QCOMPARE(support::layoutFaults(&page), QStringList());
+    QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
+}
+
 void HeaterPageTest::handles()
 {
     {
         const tabSysConfDlg page;
-        QCOMPARE(calls(),
-            QStringList({QStringLiteral("Config_create()"), QStringLiteral("FrontLED_create()")}));
+        QCOMPARE(calls(), QStringList({"Config_create()"_s, "FrontLED_create()"_s}));
     }
-    QCOMPARE(calls(),
-        QStringList({QStringLiteral("Config_release()"), QStringLiteral("FrontLED_release()")}));
+    QCOMPARE(calls(), QStringList({"Config_release()"_s, "FrontLED_release()"_s}));
 }
 
 void HeaterPageTest::showReadsTheLimit()
@@ -78,7 +93,7 @@ void HeaterPageTest::showReadsTheLimit()
     tabSysConfDlg page;
     calls();
     page.show();
-    QCOMPARE(calls(), QStringList({QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")}));
+    QCOMPARE(calls(), QStringList(QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")));
     QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QStringLiteral("-10"));
     QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), QStringLiteral("14"));
     page.hide();
@@ -90,28 +105,39 @@ void HeaterPageTest::showReadsTheLimit()
 
 void HeaterPageTest::failingRead_data()
 {
-    QTest::addColumn<int>("code");
-    for (const int code : {2, 18, 20, 5, -1})
-        QTest::addRow("%d", code) << code;
+    addFailureRows({"Config_getHeatingTempLimit"_s});
 }
 
 void HeaterPageTest::failingRead()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
-    fault(QStringLiteral("Config_getHeatingTempLimit"), code);
     tabSysConfDlg page;
     page.show();
+    page.hide();
+    fault(operation, code, 1);
+    calls();
+    page.show();
+    QCOMPARE(calls(), QStringList(QStringLiteral("Config_getHeatingTempLimit() = %1").arg(code)));
     const auto *group = child<QGroupBox>(&page, "groupHeating");
+    const auto *apply = child<QPushButton>(&page, "pushButton");
+    const auto *celsius = child<QLineEdit>(&page, "editHeatingTemp");
+    const auto *fahrenheit = child<QLineEdit>(&page, "editHeatingTemp_2");
     QCOMPARE(group->isVisible(), code != 2);
-    QCOMPARE(child<QPushButton>(&page, "pushButton")->isVisible(), code != 2);
-    if (code == 2)
-        return;
-    QVERIFY(!group->isEnabled());
-    QCOMPARE(group->toolTip(), QStringLiteral("Requires newer SS version"));
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(),
-        QLatin1String("getHeatingTempLimit: Error:  ") +
-            QString::fromLatin1(deviceErrorText(code)));
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), QString());
+    QCOMPARE(apply->isVisible(), code != 2);
+    QCOMPARE(group->isEnabled(), code == 2);
+    QVERIFY(apply->isEnabled());
+    QCOMPARE(group->toolTip(), code == 2 ? QString() : "Requires newer SS version"_s);
+    QCOMPARE(celsius->text(),
+        code == 2 ? "-10"_s
+                  : "getHeatingTempLimit: Error:  "_s + QString::fromLatin1(deviceErrorText(code)));
+    QCOMPARE(fahrenheit->text(), code == 2 ? "14"_s : QString());
+    // A later success fills the fields, and brings nothing back.
+    page.hide();
+    page.show();
+    QCOMPARE(celsius->text(), "-10"_s);
+    QCOMPARE(group->isVisible(), code != 2);
+    QCOMPARE(group->isEnabled(), code == 2);
 }
 
 void HeaterPageTest::fieldsFollowEachOther_data()
@@ -192,11 +218,24 @@ void HeaterPageTest::apply_data()
     QTest::newRow("above") << QString() << QStringLiteral("6") << range << 0;
     QTest::newRow("below") << QString() << QStringLiteral("-26") << range << 0;
     QTest::newRow("empty") << QString() << QStringLiteral("") << invalid << 0;
+    QTest::newRow("blank") << QString() << QStringLiteral("  ") << invalid << 0;
+    QTest::newRow("signed") << QString() << QStringLiteral("+5") << QString() << 5;
+    QTest::newRow("padded") << QString() << QStringLiteral(" 5 ") << QString() << 5;
+    QTest::newRow("no digits") << QString() << QStringLiteral("five") << invalid << 0;
+    QTest::newRow("fraction") << QString() << QStringLiteral("4.0") << invalid << 0;
+    QTest::newRow("decimal comma") << QString() << QStringLiteral("4,0") << invalid << 0;
+    QTest::newRow("typographic minus")
+        << QString() << QString(QChar(0x2212)) + u'4' << invalid << 0;
+    QTest::newRow("other digits") << QString() << QString(QChar(0x0664)) << invalid << 0;
+    QTest::newRow("highest int") << QString() << QStringLiteral("2147483647") << QString() << -1;
+    QTest::newRow("beyond int") << QString() << QStringLiteral("2147483648") << invalid << 0;
     QTest::newRow("sign only") << QString() << QStringLiteral("-") << invalid << 0;
     QTest::newRow("hexadecimal") << QString() << QStringLiteral("0x5") << invalid << 0;
     QTest::newRow("huge") << QString() << QStringLiteral("99999999999") << invalid << 0;
     // Cut to 16 bits before the range is tested.
     QTest::newRow("wraps to 4") << QString() << QStringLiteral("65540") << QString() << 4;
+    QTest::newRow("wraps to -25") << QString() << QStringLiteral("-65561") << QString() << -25;
+    QTest::newRow("118004 F") << QStringLiteral("118004") << QString() << QString() << 4;
     QTest::newRow("100 F") << QStringLiteral("100") << QString() << range << 0;
     QTest::newRow("abc F") << QStringLiteral("abc") << QString() << invalid << 0;
     QTest::newRow("33 F") << QStringLiteral("33") << QString() << QString() << 0;
@@ -215,46 +254,59 @@ void HeaterPageTest::apply()
     else
         type(child<QLineEdit>(&page, "editHeatingTemp_2"), fahrenheit);
     calls();
-    QTest::mouseClick(child<QPushButton>(&page, "pushButton"), Qt::LeftButton);
+    click(&page, "pushButton");
     if (message.isEmpty()) {
         QCOMPARE(calls(),
-            QStringList({QStringLiteral("Config_setHeatingTempLimit(%1) = 0").arg(written)}));
-        QCOMPARE(unit(QStringLiteral("Config.heatingTempLimit")), QString::number(written));
+            QStringList(QStringLiteral("Config_setHeatingTempLimit(%1) = 0").arg(written)));
+        QCOMPARE(unit("Config.heatingTempLimit"_s), QString::number(written));
         return;
     }
     QCOMPARE(calls(), QStringList());
-    const auto seen = dialogs.take();
-    QCOMPARE(seen.size(), 1);
-    QCOMPARE(seen[0].text, message);
-    QCOMPARE(seen[0].title, QStringLiteral("Vornsettings"));
-    QCOMPARE(seen[0].icon, QMessageBox::Critical);
-    QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
+    QCOMPARE(boxes(&page), QStringList(message));
+}
+
+void HeaterPageTest::otherLocales()
+{
+    // Numbers are those of the device, whatever the unit's language.
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    tabSysConfDlg page;
+    page.show();
+    type(child<QLineEdit>(&page, "editHeatingTemp_2"), "1.000"_s);
+    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QString());
+    type(child<QLineEdit>(&page, "editHeatingTemp_2"), "2147483647"_s);
+    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), "1193046452"_s);
+    QLocale::setDefault(before);
 }
 
 void HeaterPageTest::failingWrite_data()
 {
-    failingRead_data();
+    addFailureRows({"Config_setHeatingTempLimit"_s});
 }
 
 void HeaterPageTest::failingWrite()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     tabSysConfDlg page;
     page.show();
-    fault(QStringLiteral("Config_setHeatingTempLimit"), code);
-    QTest::mouseClick(child<QPushButton>(&page, "pushButton"), Qt::LeftButton);
-    QCOMPARE(dialogs.takeTexts(),
-        QStringList({QStringLiteral("Error(%1) in setHeatingTempLimit: %2")
-                         .arg(QString::number(code), QString::fromLatin1(deviceErrorText(code)))}));
+    fault(operation, code);
+    calls();
+    click(&page, "pushButton");
+    QCOMPARE(
+        calls(), QStringList(QStringLiteral("Config_setHeatingTempLimit(-10) = %1").arg(code)));
+    QCOMPARE(boxes(&page), QStringList(errorBox(code, "setHeatingTempLimit"_s)));
+    QVERIFY(child<QPushButton>(&page, "pushButton")->isVisible());
 }
 
 void HeaterPageTest::disabledGroupWritesNothing()
 {
-    fault(QStringLiteral("Config_getHeatingTempLimit"), 5);
+    fault("Config_getHeatingTempLimit"_s, 5);
     tabSysConfDlg page;
     page.show();
+    child<QLineEdit>(&page, "editHeatingTemp")->setText("0"_s);
     calls();
-    QTest::mouseClick(child<QPushButton>(&page, "pushButton"), Qt::LeftButton);
+    click(&page, "pushButton");
     QCOMPARE(calls(), QStringList());
 }
 

@@ -1,15 +1,22 @@
 #include "pages/tabOnOffDlg.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/FormCheck.h"
+#include "tests/support/PageTest.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
 
 using support::child;
+using support::click;
+using support::operator""_s;
 
-class OnOffPageTest : public DeviceTest
+class OnOffPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
     void form();
+    void layout();
+    void validatorsBindTyping_data();
+    void validatorsBindTyping();
     void listsWithAndWithoutSuspend_data();
     void listsWithAndWithoutSuspend();
     void showReadsAll();
@@ -21,12 +28,20 @@ private slots:
     void failingRead_data();
     void failingRead();
     void missingTimesCarryTheTextOn();
+    void powerOnStartup_data();
+    void powerOnStartup();
+    void allReadsFail_data();
+    void allReadsFail();
+    void disabledStaysDisabled();
     void applyWritesAll();
     void applyWithoutSuspend();
     void numberFields_data();
     void numberFields();
+    void errorTextIsNoNumber();
+    void messagesComeInTheirOrder();
     void failingWrites_data();
     void failingWrites();
+    void allWritesFail();
 
 private:
     static void type(const QWidget &page, const char *edit, const QString &text)
@@ -37,47 +52,66 @@ private:
     {
         return child<QLineEdit>(&page, edit)->text();
     }
+    /** The calls that one showing makes. */
+    QStringList shownCalls(tabOnOffDlg &page)
+    {
+        calls();
+        page.show();
+        page.hide();
+        return calls();
+    }
     static int index(const QWidget &page, const char *box)
     {
         return child<QComboBox>(&page, box)->currentIndex();
     }
-    static void apply(const QWidget &page)
-    {
-        QTest::mouseClick(child<QPushButton>(&page, "pushButton"), Qt::LeftButton);
-    }
 };
+
+namespace {
+
+// What Apply writes, in its order, and the names in the error boxes.
+const char *const writes[][2] = {{"setLongButtonPressAction", "setLongButtonPressAction"},
+    {"setShortButtonPressAction", "setShortButtonPressAction"},
+    {"setOnOffSigAction", "setOnOffSigAction"},
+    {"setStartupTriggerConfig", "setStartupTriggerConfig"},
+    {"setSuspendMaxTime", "setSuspendMaxTime"},
+    {"setFrontBtnTrigTime", "setFrontBtnShutDownTrigTime"},
+    {"setExtOnOffSigTrigTime", "setExtOnOffSigTrigTime"},
+    {"setPowerOnStartup", "setPowerOnStartup"}};
+
+} // namespace
 
 void OnOffPageTest::form()
 {
-    tabOnOffDlg page;
-    QCOMPARE(page.objectName(), QStringLiteral("tabOnOff"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("On/Off Settings"));
-    QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::compareForm(&page,
-                 {{"icon", "QLabel"}, {"groupButton", "QGroupBox", "Short press - ON/OFF button"},
-                     {"groupButton_2", "QGroupBox", "Long press - ON/OFF button"},
-                     {"label_4", "QLabel", "Required time to press:"},
-                     {"editButtonPressTime", "QLineEdit", "", "Range: 0 to 65535"},
-                     {"label", "QLabel", "ms"}, {"groupSignal", "QGroupBox", "ON/OFF signal"},
-                     {"label_2", "QLabel", "Required state change time:"},
-                     {"editTimeSignal", "QLineEdit", "", "Range: 0 to 4294967295"},
-                     {"label_5", "QLabel", "s"}, {"groupSuspend", "QGroupBox", "Suspend mode"},
-                     {"label_3", "QLabel", "Maximum time in suspend mode (0 = Infinite):"},
-                     {"editTimeSuspend", "QLineEdit", "", "Range: 0 to 65535"},
-                     {"label_6", "QLabel", "min"}, {"groupButton_3", "QGroupBox", "Unit start-up"},
-                     {"checkBoxPowerOnStartup", "QCheckBox", "Always start when\n power turned on"},
-                     {"pushButton", "QPushButton", "Apply"}}),
-        QString());
+    const tabOnOffDlg page;
+    QCOMPARE(page.objectName(), "tabOnOff"_s);
+    QCOMPARE(page.windowTitle(), "On/Off Settings"_s);
+    const auto actions = "[No Action | Suspend | Shut down]"_s;
+    QCOMPARE(support::widgets(&page),
+        QStringList({"groupButton: QGroupBox \"Short press - ON/OFF button\""_s,
+            "comboBox_2: QComboBox "_s + actions,
+            "groupButton_2: QGroupBox \"Long press - ON/OFF button\""_s,
+            "comboBox_4: QComboBox "_s + actions, "label_4: QLabel \"Required time to press:\""_s,
+            "editButtonPressTime: QLineEdit \"\" tip \"Range: 0 to 65535\""_s,
+            "label: QLabel \"ms\""_s, "groupSuspend: QGroupBox \"Suspend mode\""_s,
+            "label_3: QLabel \"Maximum time in suspend mode (0 = Infinite):\""_s,
+            "editTimeSuspend: QLineEdit \"\" tip \"Range: 0 to 65535\""_s,
+            "label_6: QLabel \"min\""_s, "groupSignal: QGroupBox \"ON/OFF signal\""_s,
+            "comboBox: QComboBox "_s + actions, "label_2: QLabel \"Required state change time:\""_s,
+            "editTimeSignal: QLineEdit \"\" tip \"Range: 0 to 4294967295\""_s,
+            "label_5: QLabel \"s\""_s, "groupButton_3: QGroupBox \"Unit start-up\""_s,
+            "comboBox_3: QComboBox [Button | ON/OFF signal | Both button and signal]"_s,
+            "checkBoxPowerOnStartup: QCheckBox \"Always start when\\n power turned on\""_s,
+            "pushButton: QPushButton \"Apply\""_s, "icon: QLabel exit.png centred"_s}));
     const auto parentOf = [&](const char *name) {
         return child<QWidget>(&page, name)->parentWidget()->objectName();
     };
-    QCOMPARE(parentOf("comboBox_2"), QStringLiteral("groupButton"));
-    QCOMPARE(parentOf("comboBox_4"), QStringLiteral("groupButton_2"));
-    QCOMPARE(parentOf("editButtonPressTime"), QStringLiteral("groupButton_2"));
-    QCOMPARE(parentOf("comboBox"), QStringLiteral("groupSignal"));
-    QCOMPARE(parentOf("editTimeSignal"), QStringLiteral("groupSignal"));
-    QCOMPARE(parentOf("editTimeSuspend"), QStringLiteral("groupSuspend"));
-    QCOMPARE(parentOf("comboBox_3"), QStringLiteral("groupButton_3"));
+    QCOMPARE(parentOf("comboBox_2"), "groupButton"_s);
+    QCOMPARE(parentOf("comboBox_4"), "groupButton_2"_s);
+    QCOMPARE(parentOf("editButtonPressTime"), "groupButton_2"_s);
+    QCOMPARE(parentOf("comboBox"), "groupSignal"_s);
+    QCOMPARE(parentOf("editTimeSignal"), "groupSignal"_s);
+    QCOMPARE(parentOf("editTimeSuspend"), "groupSuspend"_s);
+    QCOMPARE(parentOf("comboBox_3"), "groupButton_3"_s);
     for (const char *edit : {"editButtonPressTime", "editTimeSuspend"}) {
         const auto *validator =
             qobject_cast<const QIntValidator *>(child<QLineEdit>(&page, edit)->validator());
@@ -87,6 +121,51 @@ void OnOffPageTest::form()
         child<QLineEdit>(&page, "editTimeSignal")->validator());
     QVERIFY(validator && validator->bottom() == 0.0 && validator->top() == 4294967295.0);
     QCOMPARE(validator->decimals(), 0);
+}
+
+void OnOffPageTest::layout()
+{
+    tabOnOffDlg page;
+    QCOMPARE(page.size(), QSize(600, 320));
+    QCOMPARE(support::layoutFaults(&page), QStringList());
+    QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
+}
+
+void OnOffPageTest::validatorsBindTyping_data()
+{
+    QTest::addColumn<QByteArray>("edit");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("taken");
+    for (const char *edit : {"editButtonPressTime", "editTimeSuspend"}) {
+        const auto row = [&](const char *typed, const char *taken) {
+            QTest::addRow("%s '%s'", edit, typed)
+                << QByteArray(edit) << QString::fromLatin1(typed) << QString::fromLatin1(taken);
+        };
+        row("65535", "65535");
+        row("-1", "1");
+        row("12a", "12");
+    }
+    const auto signal = [](const char *typed, const char *taken) {
+        QTest::addRow("signal '%s'", typed)
+            << QByteArray("editTimeSignal") << QString::fromLatin1(typed)
+            << QString::fromLatin1(taken);
+    };
+    signal("4294967295", "4294967295");
+    signal("-1", "1");
+    signal("12a", "12");
+}
+
+void OnOffPageTest::validatorsBindTyping()
+{
+    QFETCH(QByteArray, edit);
+    QFETCH(QString, typed);
+    QFETCH(QString, taken);
+    tabOnOffDlg page;
+    page.show();
+    auto *field = child<QLineEdit>(&page, edit.constData());
+    field->clear();
+    QTest::keyClicks(field, typed);
+    QCOMPARE(field->text(), taken);
 }
 
 void OnOffPageTest::listsWithAndWithoutSuspend_data()
@@ -103,16 +182,16 @@ void OnOffPageTest::listsWithAndWithoutSuspend()
 {
     QFETCH(int, code);
     QFETCH(bool, suspend);
-    fault(QStringLiteral("Config_getSuspendMaxTime"), code);
+    fault("Config_getSuspendMaxTime"_s, code);
     calls();
     const tabOnOffDlg page;
     const QStringList made = calls();
     QCOMPARE(made.size(), 2);
-    QCOMPARE(made[0], QStringLiteral("Config_create()"));
-    QVERIFY(made[1].startsWith(QStringLiteral("Config_getSuspendMaxTime() = %1").arg(code)));
-    QStringList expected{QStringLiteral("No Action"), QStringLiteral("Shut down")};
+    QCOMPARE(made[0], "Config_create()"_s);
+    QVERIFY(made[1].startsWith("Config_getSuspendMaxTime() = %1"_s.arg(code)));
+    QStringList expected{"No Action"_s, "Shut down"_s};
     if (suspend)
-        expected.insert(1, QStringLiteral("Suspend"));
+        expected.insert(1, "Suspend"_s);
     for (const char *name : {"comboBox", "comboBox_2", "comboBox_4"}) {
         const auto *box = child<QComboBox>(&page, name);
         QStringList items;
@@ -120,55 +199,50 @@ void OnOffPageTest::listsWithAndWithoutSuspend()
             items << box->itemText(i);
         QCOMPARE(items, expected);
     }
-    const auto *trigger = child<QComboBox>(&page, "comboBox_3");
-    QCOMPARE(trigger->count(), 3);
-    QCOMPARE(trigger->itemText(0), QStringLiteral("Button"));
-    QCOMPARE(trigger->itemText(1), QStringLiteral("ON/OFF signal"));
-    QCOMPARE(trigger->itemText(2), QStringLiteral("Both button and signal"));
     QCOMPARE(child<QWidget>(&page, "groupSuspend")->isHidden(), !suspend);
 }
 
 void OnOffPageTest::showReadsAll()
 {
-    setUnit(QStringLiteral("Config.onOffSigAction"), QStringLiteral("1"));
-    setUnit(QStringLiteral("Config.shortButtonPressAction"), QStringLiteral("0"));
-    setUnit(QStringLiteral("Config.longButtonPressAction"), QStringLiteral("2"));
-    setUnit(QStringLiteral("Config.startupTrigger"), QStringLiteral("3"));
-    setUnit(QStringLiteral("Config.frontBtnTrigTime"), QStringLiteral("65535"));
-    setUnit(QStringLiteral("Config.extOnOffSigTrigTime"), QStringLiteral("4294967295"));
-    setUnit(QStringLiteral("Config.suspendMaxTime"), QStringLiteral("60"));
-    setUnit(QStringLiteral("Config.powerOnStartup"), QStringLiteral("1"));
+    setUnit("Config.onOffSigAction"_s, "1"_s);
+    setUnit("Config.shortButtonPressAction"_s, "0"_s);
+    setUnit("Config.longButtonPressAction"_s, "2"_s);
+    setUnit("Config.startupTrigger"_s, "3"_s);
+    setUnit("Config.frontBtnTrigTime"_s, "65535"_s);
+    setUnit("Config.extOnOffSigTrigTime"_s, "4294967295"_s);
+    setUnit("Config.suspendMaxTime"_s, "60"_s);
+    setUnit("Config.powerOnStartup"_s, "1"_s);
     {
         tabOnOffDlg page;
         calls();
         page.show();
-        QCOMPARE(calls(), QStringList({QStringLiteral("Config_getOnOffSigAction() = 0 [1]"),
-                              QStringLiteral("Config_getShortButtonPressAction() = 0 [0]"),
-                              QStringLiteral("Config_getLongButtonPressAction() = 0 [2]"),
-                              QStringLiteral("Config_getStartupTriggerConfig() = 0 [3]"),
-                              QStringLiteral("Config_getFrontBtnTrigTime() = 0 [65535]"),
-                              QStringLiteral("Config_getExtOnOffSigTrigTime() = 0 [4294967295]"),
-                              QStringLiteral("Config_getSuspendMaxTime() = 0 [60]"),
-                              QStringLiteral("Config_getPowerOnStartup() = 0 [1]")}));
+        QCOMPARE(calls(),
+            QStringList({"Config_getOnOffSigAction() = 0 [1]"_s,
+                "Config_getShortButtonPressAction() = 0 [0]"_s,
+                "Config_getLongButtonPressAction() = 0 [2]"_s,
+                "Config_getStartupTriggerConfig() = 0 [3]"_s,
+                "Config_getFrontBtnTrigTime() = 0 [65535]"_s,
+                "Config_getExtOnOffSigTrigTime() = 0 [4294967295]"_s,
+                "Config_getSuspendMaxTime() = 0 [60]"_s, "Config_getPowerOnStartup() = 0 [1]"_s}));
         QCOMPARE(index(page, "comboBox"), 1);
         QCOMPARE(index(page, "comboBox_2"), 0);
         QCOMPARE(index(page, "comboBox_4"), 2);
         QCOMPARE(index(page, "comboBox_3"), 2);
-        QCOMPARE(text(page, "editButtonPressTime"), QStringLiteral("65535"));
-        QCOMPARE(text(page, "editTimeSignal"), QStringLiteral("4294967295"));
-        QCOMPARE(text(page, "editTimeSuspend"), QStringLiteral("60"));
+        QCOMPARE(text(page, "editButtonPressTime"), "65535"_s);
+        QCOMPARE(text(page, "editTimeSignal"), "4294967295"_s);
+        QCOMPARE(text(page, "editTimeSuspend"), "60"_s);
         QVERIFY(child<QCheckBox>(&page, "checkBoxPowerOnStartup")->isChecked());
     }
-    QCOMPARE(calls(), QStringList({QStringLiteral("Config_release()")}));
+    QCOMPARE(calls(), QStringList({"Config_release()"_s}));
 }
 
 void OnOffPageTest::showWithoutSuspend()
 {
-    fault(QStringLiteral("Config_getSuspendMaxTime"), 2, 1);
+    fault("Config_getSuspendMaxTime"_s, 2, 1);
     tabOnOffDlg page;
     calls();
     page.show();
-    QCOMPARE(calls().filter(QStringLiteral("SuspendMaxTime")), QStringList());
+    QCOMPARE(calls().filter("SuspendMaxTime"_s), QStringList());
     QVERIFY(!child<QLineEdit>(&page, "editTimeSuspend")->isEnabled());
     QVERIFY(!child<QWidget>(&page, "groupSuspend")->isVisible());
 }
@@ -196,7 +270,7 @@ void OnOffPageTest::actionsSelectTheirItems()
     QFETCH(int, index);
     QFETCH(bool, enabled);
     if (!suspend)
-        fault(QStringLiteral("Config_getSuspendMaxTime"), 2);
+        fault("Config_getSuspendMaxTime"_s, 2);
     const char *const places[][3] = {{"Config.onOffSigAction", "comboBox", "groupSignal"},
         {"Config.shortButtonPressAction", "comboBox_2", "groupButton"},
         {"Config.longButtonPressAction", "comboBox_4", "groupButton_2"}};
@@ -228,7 +302,7 @@ void OnOffPageTest::triggersSelectTheirItems()
 {
     QFETCH(int, trigger);
     QFETCH(int, index);
-    setUnit(QStringLiteral("Config.startupTrigger"), QString::number(trigger));
+    setUnit("Config.startupTrigger"_s, QString::number(trigger));
     tabOnOffDlg page;
     page.show();
     QCOMPARE(child<QGroupBox>(&page, "groupButton_3")->isEnabled(), index != -1);
@@ -256,6 +330,7 @@ void OnOffPageTest::failingRead_data()
         row("getFrontBtnTrigTime", absent ? "groupButton" : "",
             absent ? "" : "editButtonPressTime");
         row("getExtOnOffSigTrigTime", absent ? "groupSignal" : "", absent ? "" : "editTimeSignal");
+        row("getSuspendMaxTime", absent ? "groupSuspend" : "", absent ? "" : "editTimeSuspend");
         row("getPowerOnStartup", "checkBoxPowerOnStartup", "");
     }
 }
@@ -267,7 +342,11 @@ void OnOffPageTest::failingRead()
     QFETCH(QByteArray, disabled);
     QFETCH(QByteArray, edit);
     tabOnOffDlg page;
+    page.show();
+    page.hide();
+    const QStringList good = shownCalls(page);
     fault(QLatin1String("Config_") + operation, code);
+    QCOMPARE(shownCalls(page), failing(good, QLatin1String("Config_") + operation, code));
     page.show();
     for (const char *name : {"groupSignal", "groupButton", "groupButton_2", "groupButton_3",
              "groupSuspend", "checkBoxPowerOnStartup"}) {
@@ -282,21 +361,82 @@ void OnOffPageTest::failingRead()
 
 void OnOffPageTest::missingTimesCarryTheTextOn()
 {
-    setUnit(QStringLiteral("Config.frontBtnTrigTime"), QStringLiteral("1234"));
+    setUnit("Config.frontBtnTrigTime"_s, "1234"_s);
     tabOnOffDlg page;
-    fault(QStringLiteral("Config_getExtOnOffSigTrigTime"), 2);
-    fault(QStringLiteral("Config_getSuspendMaxTime"), 2);
+    fault("Config_getExtOnOffSigTrigTime"_s, 2);
+    fault("Config_getSuspendMaxTime"_s, 2);
     page.show();
-    QCOMPARE(text(page, "editTimeSignal"), QStringLiteral("1234"));
-    QCOMPARE(text(page, "editTimeSuspend"), QStringLiteral("1234"));
+    QCOMPARE(text(page, "editTimeSignal"), "1234"_s);
+    QCOMPARE(text(page, "editTimeSuspend"), "1234"_s);
     QVERIFY(!child<QGroupBox>(&page, "groupSuspend")->isEnabled());
     QVERIFY(!child<QGroupBox>(&page, "groupSignal")->isEnabled());
 
-    fault(QStringLiteral("Config_getFrontBtnTrigTime"), 2);
+    fault("Config_getFrontBtnTrigTime"_s, 2);
     page.hide();
     page.show();
     QCOMPARE(text(page, "editButtonPressTime"), QString());
     QCOMPARE(text(page, "editTimeSignal"), QString());
+}
+
+void OnOffPageTest::powerOnStartup_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("checked");
+    QTest::newRow("off") << 0 << false;
+    QTest::newRow("on") << 1 << true;
+    QTest::newRow("unknown") << 2 << false;
+}
+
+void OnOffPageTest::powerOnStartup()
+{
+    QFETCH(int, status);
+    setUnit("Config.powerOnStartup"_s, QString::number(status));
+    tabOnOffDlg page;
+    auto *box = child<QCheckBox>(&page, "checkBoxPowerOnStartup");
+    box->setChecked(status != 1);
+    page.show();
+    QTEST(box->isChecked(), "checked");
+    QVERIFY(box->isEnabled());
+}
+
+void OnOffPageTest::allReadsFail_data()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : failureCodes)
+        QTest::addRow("%d", code) << code;
+}
+
+void OnOffPageTest::allReadsFail()
+{
+    QFETCH(int, code);
+    tabOnOffDlg page;
+    const QString error = QString::fromLatin1(deviceErrorText(code));
+    for (const QString &call : shownCalls(page))
+        fault(call.section(QLatin1Char('('), 0, 0), code);
+    page.hide();
+    for (const char *edit : {"editButtonPressTime", "editTimeSignal", "editTimeSuspend"})
+        child<QLineEdit>(&page, edit)->setText("before"_s);
+    page.show();
+    QCOMPARE(child<QGroupBox>(&page, "groupSuspend")->isEnabled(), code != 2);
+    for (const char *group : {"groupSignal", "groupButton", "groupButton_2", "groupButton_3"})
+        QVERIFY(!child<QGroupBox>(&page, group)->isEnabled());
+    const auto shown = [&](const char *operation) {
+        return code == 2 ? QString() : QString::fromLatin1(operation) + ": Error:  "_s + error;
+    };
+    QCOMPARE(text(page, "editButtonPressTime"), shown("getFrontBtnTrigTime"));
+    QCOMPARE(text(page, "editTimeSignal"), shown("getExtOnOffSigTrigTime"));
+    QCOMPARE(text(page, "editTimeSuspend"), shown("getSuspendMaxTime"));
+    QVERIFY(child<QPushButton>(&page, "pushButton")->isEnabled());
+}
+
+void OnOffPageTest::disabledStaysDisabled()
+{
+    tabOnOffDlg page;
+    fault("Config_getOnOffSigAction"_s, 5, 1);
+    page.show();
+    page.hide();
+    page.show();
+    QVERIFY(!child<QGroupBox>(&page, "groupSignal")->isEnabled());
 }
 
 void OnOffPageTest::applyWritesAll()
@@ -307,25 +447,23 @@ void OnOffPageTest::applyWritesAll()
     child<QComboBox>(&page, "comboBox_2")->setCurrentIndex(1);
     child<QComboBox>(&page, "comboBox_4")->setCurrentIndex(2);
     child<QComboBox>(&page, "comboBox_3")->setCurrentIndex(2);
-    type(page, "editTimeSuspend", QStringLiteral("7"));
-    type(page, "editButtonPressTime", QStringLiteral("4001"));
-    type(page, "editTimeSignal", QStringLiteral("9"));
+    type(page, "editTimeSuspend", "7"_s);
+    type(page, "editButtonPressTime", "4001"_s);
+    type(page, "editTimeSignal", "9"_s);
     child<QCheckBox>(&page, "checkBoxPowerOnStartup")->setChecked(false);
     calls();
-    apply(page);
-    QCOMPARE(calls(), QStringList({QStringLiteral("Config_setLongButtonPressAction(2) = 0"),
-                          QStringLiteral("Config_setShortButtonPressAction(1) = 0"),
-                          QStringLiteral("Config_setOnOffSigAction(0) = 0"),
-                          QStringLiteral("Config_setStartupTriggerConfig(3) = 0"),
-                          QStringLiteral("Config_setSuspendMaxTime(7) = 0"),
-                          QStringLiteral("Config_setFrontBtnTrigTime(4001) = 0"),
-                          QStringLiteral("Config_setExtOnOffSigTrigTime(9) = 0"),
-                          QStringLiteral("Config_setPowerOnStartup(0) = 0")}));
+    click(&page, "pushButton");
+    QCOMPARE(calls(),
+        QStringList({"Config_setLongButtonPressAction(2) = 0"_s,
+            "Config_setShortButtonPressAction(1) = 0"_s, "Config_setOnOffSigAction(0) = 0"_s,
+            "Config_setStartupTriggerConfig(3) = 0"_s, "Config_setSuspendMaxTime(7) = 0"_s,
+            "Config_setFrontBtnTrigTime(4001) = 0"_s, "Config_setExtOnOffSigTrigTime(9) = 0"_s,
+            "Config_setPowerOnStartup(0) = 0"_s}));
 }
 
 void OnOffPageTest::applyWithoutSuspend()
 {
-    fault(QStringLiteral("Config_getSuspendMaxTime"), 2);
+    fault("Config_getSuspendMaxTime"_s, 2);
     tabOnOffDlg page;
     page.show();
     child<QComboBox>(&page, "comboBox")->setCurrentIndex(1);
@@ -333,17 +471,15 @@ void OnOffPageTest::applyWithoutSuspend()
     child<QComboBox>(&page, "comboBox_4")->setCurrentIndex(1);
     child<QComboBox>(&page, "comboBox_3")->setCurrentIndex(0);
     child<QCheckBox>(&page, "checkBoxPowerOnStartup")->setChecked(true);
-    type(page, "editButtonPressTime", QStringLiteral("1"));
-    type(page, "editTimeSignal", QStringLiteral("2"));
+    type(page, "editButtonPressTime", "1"_s);
+    type(page, "editTimeSignal", "2"_s);
     calls();
-    apply(page);
-    QCOMPARE(calls(), QStringList({QStringLiteral("Config_setLongButtonPressAction(2) = 0"),
-                          QStringLiteral("Config_setShortButtonPressAction(0) = 0"),
-                          QStringLiteral("Config_setOnOffSigAction(2) = 0"),
-                          QStringLiteral("Config_setStartupTriggerConfig(1) = 0"),
-                          QStringLiteral("Config_setFrontBtnTrigTime(1) = 0"),
-                          QStringLiteral("Config_setExtOnOffSigTrigTime(2) = 0"),
-                          QStringLiteral("Config_setPowerOnStartup(1) = 0")}));
+    click(&page, "pushButton");
+    QCOMPARE(calls(),
+        QStringList({"Config_setLongButtonPressAction(2) = 0"_s,
+            "Config_setShortButtonPressAction(0) = 0"_s, "Config_setOnOffSigAction(2) = 0"_s,
+            "Config_setStartupTriggerConfig(1) = 0"_s, "Config_setFrontBtnTrigTime(1) = 0"_s,
+            "Config_setExtOnOffSigTrigTime(2) = 0"_s, "Config_setPowerOnStartup(1) = 0"_s}));
 }
 
 void OnOffPageTest::numberFields_data()
@@ -371,7 +507,7 @@ void OnOffPageTest::numberFields_data()
         const auto row = [&](const char *typed, qint64 value, bool valid) {
             QTest::addRow("%s '%s'", field.edit, typed)
                 << QByteArray(field.edit) << QString::fromLatin1(typed)
-                << QStringLiteral("%1(%2) = ").arg(QString::fromLatin1(field.call)).arg(value)
+                << "%1(%2) = "_s.arg(QString::fromLatin1(field.call)).arg(value)
                 << (valid ? QString() : QString::fromLatin1(field.message));
         };
         for (const char *typed : invalid)
@@ -394,55 +530,77 @@ void OnOffPageTest::numberFields()
     page.show();
     type(page, edit.constData(), typed);
     calls();
-    apply(page);
+    click(&page, "pushButton");
     const QStringList made = calls();
-    QCOMPARE(made.filter(QStringLiteral("Config_set")).size(), 8);
+    QCOMPARE(made.filter("Config_set"_s).size(), 8);
     QCOMPARE(made.filter(call).size(), 1);
-    const auto seen = dialogs.take();
-    QCOMPARE(seen.size(), message.isEmpty() ? 0 : 1);
-    if (!message.isEmpty()) {
-        QCOMPARE(seen[0].text, message);
-        QCOMPARE(seen[0].title, QStringLiteral("Vornsettings"));
-        QCOMPARE(seen[0].icon, QMessageBox::Critical);
-        QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
-    }
+    QCOMPARE(boxes(&page), message.isEmpty() ? QStringList() : QStringList(message));
+}
+
+void OnOffPageTest::errorTextIsNoNumber()
+{
+    tabOnOffDlg page;
+    fault("Config_getFrontBtnTrigTime"_s, 18);
+    page.show();
+    calls();
+    click(&page, "pushButton");
+    QCOMPARE(calls().filter("FrontBtn"_s), QStringList("Config_setFrontBtnTrigTime(0) = 0"_s));
+    QCOMPARE(boxes(&page), QStringList("ON/OFF button time - invalid format."_s));
+}
+
+void OnOffPageTest::messagesComeInTheirOrder()
+{
+    tabOnOffDlg page;
+    page.show();
+    for (const char *edit : {"editButtonPressTime", "editTimeSignal", "editTimeSuspend"})
+        type(page, edit, QString());
+    calls();
+    click(&page, "pushButton");
+    QCOMPARE(boxes(&page),
+        QStringList({"Supend time invalid format."_s, "ON/OFF button time - invalid format."_s,
+            "ON/OFF signal time - invalid format."_s}));
+    QCOMPARE(calls().filter("Time"_s),
+        QStringList({"Config_setSuspendMaxTime(0) = 0"_s, "Config_setFrontBtnTrigTime(0) = 0"_s,
+            "Config_setExtOnOffSigTrigTime(0) = 0"_s}));
 }
 
 void OnOffPageTest::failingWrites_data()
 {
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("code");
-    const char *const writes[][2] = {{"setLongButtonPressAction", "setLongButtonPressAction"},
-        {"setShortButtonPressAction", "setShortButtonPressAction"},
-        {"setOnOffSigAction", "setOnOffSigAction"},
-        {"setStartupTriggerConfig", "setStartupTriggerConfig"},
-        {"setSuspendMaxTime", "setSuspendMaxTime"},
-        {"setFrontBtnTrigTime", "setFrontBtnShutDownTrigTime"},
-        {"setExtOnOffSigTrigTime", "setExtOnOffSigTrigTime"},
-        {"setPowerOnStartup", "setPowerOnStartup"}};
-    for (const auto &write : writes) {
-        for (const int code : {2, 18, 20, 5, -1})
-            QTest::addRow("%s %d", write[0], code)
-                << QString::fromLatin1(write[0]) << QString::fromLatin1(write[1]) << code;
-    }
+    QStringList operations;
+    for (const auto &write : writes)
+        operations << "Config_"_s + QString::fromLatin1(write[0]);
+    addFailureRows(operations);
 }
 
 void OnOffPageTest::failingWrites()
 {
     QFETCH(QString, operation);
-    QFETCH(QString, name);
     QFETCH(int, code);
     tabOnOffDlg page;
     page.show();
-    fault(QLatin1String("Config_") + operation, code);
     calls();
-    apply(page);
-    QCOMPARE(calls().filter(QStringLiteral("Config_set")).size(), 8);
-    QCOMPARE(
-        dialogs.takeTexts(), QStringList({QStringLiteral("Error(%1) in %2: %3")
-                                              .arg(QString::number(code), name,
-                                                  QString::fromLatin1(deviceErrorText(code)))}));
+    click(&page, "pushButton");
+    const QStringList good = calls();
+    fault(operation, code);
+    click(&page, "pushButton");
+    QCOMPARE(calls(), failing(good, operation, code));
+    for (const auto &write : writes) {
+        if (operation.endsWith(QLatin1Char('_') + QString::fromLatin1(write[0])))
+            QCOMPARE(boxes(&page), QStringList(errorBox(code, QString::fromLatin1(write[1]))));
+    }
+}
+
+void OnOffPageTest::allWritesFail()
+{
+    QStringList expected;
+    for (const auto &write : writes) {
+        fault("Config_"_s + QString::fromLatin1(write[0]), 5);
+        expected << errorBox(5, QString::fromLatin1(write[1]));
+    }
+    tabOnOffDlg page;
+    page.show();
+    click(&page, "pushButton");
+    QCOMPARE(boxes(&page), expected);
 }
 
 VORN_TEST_MAIN(OnOffPageTest)
