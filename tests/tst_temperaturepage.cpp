@@ -1,17 +1,21 @@
 #include "pages/tabTempDlg.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/FormCheck.h"
+#include "tests/support/PageTest.h"
 
 #include <QGridLayout>
 
 using support::child;
+using support::click;
+using support::operator""_s;
 
-class TemperaturePageTest : public DeviceTest
+class TemperaturePageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
     void form();
+    void layout();
+    void remainingRowsKeepTheirPlace_data();
+    void remainingRowsKeepTheirPlace();
     void constructionFindsTheSensors();
     void failingFixedSensorAtConstruction_data();
     void failingFixedSensorAtConstruction();
@@ -19,6 +23,7 @@ private slots:
     void rowsGoByTheNumberOfProcessorSensors();
     void sensorNames_data();
     void sensorNames();
+    void listHoldsTwentySensors_data();
     void listHoldsTwentySensors();
     void readings_data();
     void readings();
@@ -29,6 +34,8 @@ private slots:
     void failingProcessorSensorLater();
     void vanishedProcessorSensorsTakeTheirRows();
     void singleSensorOfTheBoard();
+    void processorSensorsVanishOneByOne();
+    void hiddenListReadsAll();
     void noSensorAtAll();
 
 private:
@@ -43,8 +50,7 @@ private:
 void TemperaturePageTest::setProcessorSensors(
     std::initializer_list<std::pair<int, int>> temperaturesAndKinds)
 {
-    setUnit(
-        QStringLiteral("Diagnostics.pmSensorCount"), QString::number(temperaturesAndKinds.size()));
+    setUnit("Diagnostics.pmSensorCount"_s, QString::number(temperaturesAndKinds.size()));
     int n = 0;
     for (const auto &[temperature, kind] : temperaturesAndKinds) {
         setUnit(QStringLiteral("Diagnostics.pmTemp%1").arg(n), QString::number(temperature));
@@ -64,28 +70,31 @@ bool TemperaturePageTest::hasRow(const QWidget &page, const char *edit, const ch
 
 void TemperaturePageTest::form()
 {
+    setProcessorSensors({{55, 0}, {45, 3}});
     const tabTempDlg page;
-    QCOMPARE(page.objectName(), QStringLiteral("tabTemp"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("Temperature"));
+    QCOMPARE(page.objectName(), "tabTemp"_s);
+    QCOMPARE(page.windowTitle(), "Temperature"_s);
+    QCOMPARE(support::widgets(&page),
+        QStringList({"groupBox: QGroupBox \"Current temperature\""_s, "layoutWidget: QWidget"_s,
+            "label_2: QLabel \"System Supervisor:\""_s, "editTemp_SS: QLineEdit \"\" read-only"_s,
+            "label_3: QLabel \"PCB:\""_s, "editTemp_PCB: QLineEdit \"\" read-only"_s,
+            "label_5: QLabel \"CPU:\""_s, "editTemp_CPU: QLineEdit \"\" read-only"_s,
+            "label_4: QLabel \"CPU board:\""_s, "editTemp_CPUBoard: QLineEdit \"\" read-only"_s,
+            "icon: QLabel thermometer.png centred"_s, "buttonRefresh: QPushButton \"Refresh\""_s,
+            "editTemp: QLineEdit \"Hidden\" read-only hidden"_s,
+            "comboBoxSensor: QComboBox [System supervisor | PCB | CPU | CPU board] hidden"_s}));
+}
+
+void TemperaturePageTest::layout()
+{
+    tabTempDlg page;
     QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::compareForm(&page,
-                 {{"groupBox", "QGroupBox", "Current temperature"},
-                     {"label_2", "QLabel", "System Supervisor:"}, {"label_3", "QLabel", "PCB:"},
-                     {"label_5", "QLabel", "CPU:"}, {"label_4", "QLabel", "CPU board:"},
-                     {"editTemp_SS", "QLineEdit"}, {"editTemp_PCB", "QLineEdit"},
-                     {"editTemp_CPU", "QLineEdit"}, {"editTemp_CPUBoard", "QLineEdit"},
-                     {"icon", "QLabel"}, {"buttonRefresh", "QPushButton", "Refresh"},
-                     {"editTemp", "QLineEdit", "Hidden"}, {"comboBoxSensor", "QComboBox"}}),
-        QString());
     QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 20, 431, 209));
     QCOMPARE(child<QWidget>(&page, "layoutWidget")->geometry(), QRect(21, 40, 387, 143));
-    QCOMPARE(child<QWidget>(&page, "icon")->geometry(), QRect(490, 30, 60, 60));
     QCOMPARE(child<QWidget>(&page, "buttonRefresh")->geometry(), QRect(450, 250, 131, 51));
     QCOMPARE(child<QWidget>(&page, "editTemp")->geometry(), QRect(94, 264, 260, 20));
     QCOMPARE(child<QWidget>(&page, "comboBoxSensor")->geometry(), QRect(94, 288, 261, 22));
-    QVERIFY(child<QWidget>(&page, "editTemp")->isHidden());
-    QVERIFY(child<QWidget>(&page, "comboBoxSensor")->isHidden());
-    const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
+    const auto *grid = page.findChild<QGridLayout *>("gridLayout"_s);
     const char *const rows[][2] = {{"label_2", "editTemp_SS"}, {nullptr, nullptr},
         {"label_3", "editTemp_PCB"}, {"label_5", "editTemp_CPU"}, {"label_4", "editTemp_CPUBoard"}};
     for (int row = 0; row < 5; ++row) {
@@ -94,33 +103,56 @@ void TemperaturePageTest::form()
             QCOMPARE(item ? item->widget()->objectName() : QString(),
                 QString::fromLatin1(rows[row][column]));
         }
-        if (rows[row][1]) {
-            const auto *edit = child<QLineEdit>(&page, rows[row][1]);
-            QVERIFY(edit->isReadOnly() && edit->isEnabled());
-        }
     }
+    // The last two are never to be seen.
+    QCOMPARE(support::layoutFaults(&page, QRect(490, 30, 60, 60)),
+        QStringList({"editTemp: is clipped"_s, "comboBoxSensor: is clipped"_s,
+            "comboBoxSensor: is too low for a finger"_s}));
+}
+
+void TemperaturePageTest::remainingRowsKeepTheirPlace_data()
+{
+    addFailureRows(
+        {"Diagnostics_getSSTemp"_s, "Diagnostics_getPCBTemp"_s, "Diagnostics_getPMTemp"_s});
+}
+
+void TemperaturePageTest::remainingRowsKeepTheirPlace()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    const auto places = [](const QWidget &page) {
+        QMap<QString, QRect> found;
+        for (const QWidget *widget :
+            child<QWidget>(&page, "layoutWidget")->findChildren<QWidget *>())
+            found[widget->objectName()] = widget->geometry();
+        return found;
+    };
+    tabTempDlg whole;
+    support::layoutFaults(&whole);
+    const auto expected = places(whole);
+    fault(operation, code);
+    tabTempDlg page;
+    support::layoutFaults(&page);
+    const auto left = places(page);
+    QVERIFY(!left.isEmpty());
+    for (const QString &name : left.keys())
+        QCOMPARE(left[name], expected[name]);
 }
 
 void TemperaturePageTest::constructionFindsTheSensors()
 {
-    setUnit(QStringLiteral("Diagnostics.ssTemp"), QStringLiteral("41"));
-    setUnit(QStringLiteral("Diagnostics.pcbTemp"), QStringLiteral("-5"));
+    setUnit("Diagnostics.ssTemp"_s, "41"_s);
+    setUnit("Diagnostics.pcbTemp"_s, "-5"_s);
     setProcessorSensors({{55, 0}, {45, 3}});
-    calls();
     {
         const tabTempDlg page;
-        QStringList expected{QStringLiteral("Diagnostics_create()"),
-            QStringLiteral("Diagnostics_getSSTemp() = 0 [41]"),
-            QStringLiteral("Diagnostics_getPCBTemp() = 0 [-5]"),
-            QStringLiteral("Diagnostics_getPMTemp(0) = 0 [55, 0]"),
-            QStringLiteral("Diagnostics_getPMTemp(1) = 0 [45, 3]")};
-        const QStringList found = calls();
-        QCOMPARE(found.mid(0, 5), expected);
-        QCOMPARE(found.size(), 6);
-        QVERIFY(found.constLast().startsWith(QLatin1String("Diagnostics_getPMTemp(2) = ")));
+        QCOMPARE(calls(),
+            QStringList({"Diagnostics_create()"_s, "Diagnostics_getSSTemp() = 0 [41]"_s,
+                "Diagnostics_getPCBTemp() = 0 [-5]"_s, "Diagnostics_getPMTemp(0) = 0 [55, 0]"_s,
+                "Diagnostics_getPMTemp(1) = 0 [45, 3]"_s, "Diagnostics_getPMTemp(2) = 7"_s}));
         QCOMPARE(text(page, "editTemp_SS"), QString());
     }
-    QCOMPARE(calls(), QStringList({QStringLiteral("Diagnostics_release()")}));
+    QCOMPARE(calls(), QStringList("Diagnostics_release()"_s));
 }
 
 void TemperaturePageTest::failingFixedSensorAtConstruction_data()
@@ -129,11 +161,11 @@ void TemperaturePageTest::failingFixedSensorAtConstruction_data()
     QTest::addColumn<QByteArray>("edit");
     QTest::addColumn<QByteArray>("label");
     QTest::addColumn<int>("code");
-    for (const int code : {2, 18, 20, 5, -1}) {
-        QTest::addRow("SS %d", code) << QStringLiteral("getSSTemp") << QByteArray("editTemp_SS")
-                                     << QByteArray("label_2") << code;
-        QTest::addRow("PCB %d", code) << QStringLiteral("getPCBTemp") << QByteArray("editTemp_PCB")
-                                      << QByteArray("label_3") << code;
+    for (const int code : failureCodes) {
+        QTest::addRow("SS %d", code)
+            << "getSSTemp"_s << QByteArray("editTemp_SS") << QByteArray("label_2") << code;
+        QTest::addRow("PCB %d", code)
+            << "getPCBTemp"_s << QByteArray("editTemp_PCB") << QByteArray("label_3") << code;
     }
 }
 
@@ -143,20 +175,17 @@ void TemperaturePageTest::failingFixedSensorAtConstruction()
     QFETCH(QByteArray, edit);
     QFETCH(QByteArray, label);
     QFETCH(int, code);
-    fault(QLatin1String("Diagnostics_") + operation, code);
+    fault("Diagnostics_"_s + operation, code);
     tabTempDlg page;
+    calls();
     page.show();
+    QVERIFY2(calls().filter(operation).isEmpty(), "it isn't in the list");
     QCOMPARE(hasRow(page, edit.constData(), label.constData()), code != 2);
-    QCOMPARE(child<QComboBox>(&page, "comboBoxSensor")->count(), 6);
-    if (code == 2) {
-        const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
-        QCOMPARE(
-            grid->itemAtPosition(3, 1)->widget()->objectName(), QStringLiteral("editTemp_CPU"));
-        return;
-    }
-    QCOMPARE(text(page, edit.constData()),
-        QStringLiteral("Error(%1) in %2: %3")
-            .arg(QString::number(code), operation, QString::fromLatin1(deviceErrorText(code))));
+    const auto *grid = page.findChild<QGridLayout *>("gridLayout"_s);
+    QCOMPARE(grid->itemAtPosition(edit == "editTemp_SS" ? 0 : 2, 0) != nullptr, code != 2);
+    QCOMPARE(grid->itemAtPosition(3, 1)->widget()->objectName(), "editTemp_CPU"_s);
+    if (code != 2)
+        QCOMPARE(text(page, edit.constData()), errorBox(code, operation));
 }
 
 void TemperaturePageTest::rowsGoByTheNumberOfProcessorSensors_data()
@@ -165,7 +194,7 @@ void TemperaturePageTest::rowsGoByTheNumberOfProcessorSensors_data()
     QTest::addColumn<int>("code");
     QTest::addColumn<bool>("processor");
     QTest::addColumn<bool>("board");
-    for (const int code : {2, 18, 20, 5, -1}) {
+    for (const int code : failureCodes) {
         QTest::addRow("none, %d", code) << 0 << code << false << false;
         QTest::addRow("one, %d", code) << 1 << code << true << false;
         QTest::addRow("two, %d", code) << 2 << code << true << true;
@@ -178,7 +207,7 @@ void TemperaturePageTest::rowsGoByTheNumberOfProcessorSensors()
     QFETCH(int, code);
     QFETCH(bool, processor);
     QFETCH(bool, board);
-    fault(QStringLiteral("Diagnostics_getPMTemp"), code, 0, unsigned(sensors));
+    fault("Diagnostics_getPMTemp"_s, code, 0, unsigned(sensors));
     tabTempDlg page;
     QCOMPARE(hasRow(page, "editTemp_CPU", "label_5"), processor);
     QCOMPARE(hasRow(page, "editTemp_CPUBoard", "label_4"), board);
@@ -196,7 +225,7 @@ void TemperaturePageTest::sensorNames_data()
         "Processor module other", "Unknown sensor: 8"};
     for (int kind = 0; kind < 9; ++kind)
         QTest::newRow(names[kind]) << kind << QString::fromLatin1(names[kind]);
-    QTest::newRow("far out") << 200 << QStringLiteral("Unknown sensor: 200");
+    QTest::newRow("far out") << 200 << "Unknown sensor: 200"_s;
 }
 
 void TemperaturePageTest::sensorNames()
@@ -206,26 +235,39 @@ void TemperaturePageTest::sensorNames()
     setProcessorSensors({{50, kind}});
     const tabTempDlg page;
     const auto *list = child<QComboBox>(&page, "comboBoxSensor");
-    QCOMPARE(list->itemText(0), QStringLiteral("System supervisor"));
-    QCOMPARE(list->itemText(1), QStringLiteral("PCB"));
+    QCOMPARE(list->itemText(0), "System supervisor"_s);
+    QCOMPARE(list->itemText(1), "PCB"_s);
     QCOMPARE(list->itemText(2), name);
     QCOMPARE(list->count(), 3);
 }
 
+void TemperaturePageTest::listHoldsTwentySensors_data()
+{
+    QTest::addColumn<int>("processorSensors");
+    QTest::addColumn<int>("refused");
+    // Two fixed ones and eighteen of the processor module fit.
+    QTest::newRow("nineteen") << 17 << 0;
+    QTest::newRow("twenty") << 18 << 0;
+    QTest::newRow("twenty-one") << 19 << 1;
+    QTest::newRow("sixty-four") << 64 << 46;
+}
+
 void TemperaturePageTest::listHoldsTwentySensors()
 {
-    setUnit(QStringLiteral("Diagnostics.pmSensorCount"), QStringLiteral("21"));
+    QFETCH(int, processorSensors);
+    QFETCH(int, refused);
+    setUnit("Diagnostics.pmSensorCount"_s, QString::number(processorSensors));
     tabTempDlg page;
-    // Two fixed ones and eighteen of the processor module fit.
-    const auto seen = dialogs.take();
-    QCOMPARE(seen.size(), 3);
-    QCOMPARE(seen[0].text, QStringLiteral("Error, SensorIndex array out of range."));
-    QCOMPARE(seen[0].title, QStringLiteral("Vornsettings"));
-    QCOMPARE(seen[0].icon, QMessageBox::Critical);
-    QCOMPARE(child<QComboBox>(&page, "comboBoxSensor")->count(), 20);
+    QCOMPARE(boxes(&page),
+        QStringList(QVector<QString>(refused, "Error, SensorIndex array out of range."_s)));
+    const int listed = std::min(processorSensors, 18);
+    QCOMPARE(child<QComboBox>(&page, "comboBoxSensor")->count(), 2 + listed);
     calls();
     page.show();
-    QCOMPARE(calls().filter(QStringLiteral("getPMTemp")).size(), 18);
+    const QStringList read = calls().filter("getPMTemp"_s);
+    QCOMPARE(read.size(), listed);
+    QVERIFY(read.constLast().startsWith(
+        QStringLiteral("Diagnostics_getPMTemp(%1) = 0").arg(listed - 1)));
 }
 
 void TemperaturePageTest::readings_data()
@@ -237,19 +279,19 @@ void TemperaturePageTest::readings_data()
     QTest::newRow("-5") << -5 << QStringLiteral("-5°C (23°F)");
     QTest::newRow("41") << 41 << QStringLiteral("41°C (105.8°F)");
     QTest::newRow("255") << 255 << QStringLiteral("255°C (491°F)");
-    QTest::newRow("256") << 256 << QStringLiteral("N/A");
+    QTest::newRow("256") << 256 << "N/A"_s;
     QTest::newRow("-56") << -56 << QStringLiteral("-56°C (-68.8°F)");
-    QTest::newRow("-57") << -57 << QStringLiteral("N/A");
-    QTest::newRow("highest") << 32767 << QStringLiteral("N/A");
-    QTest::newRow("lowest") << -32768 << QStringLiteral("N/A");
+    QTest::newRow("-57") << -57 << "N/A"_s;
+    QTest::newRow("highest") << 32767 << "N/A"_s;
+    QTest::newRow("lowest") << -32768 << "N/A"_s;
 }
 
 void TemperaturePageTest::readings()
 {
     QFETCH(int, celsius);
     QFETCH(QString, shown);
-    setUnit(QStringLiteral("Diagnostics.ssTemp"), QString::number(celsius));
-    setUnit(QStringLiteral("Diagnostics.pcbTemp"), QString::number(celsius));
+    setUnit("Diagnostics.ssTemp"_s, QString::number(celsius));
+    setUnit("Diagnostics.pcbTemp"_s, QString::number(celsius));
     setProcessorSensors({{celsius, 3}, {celsius, 0}, {7, 1}});
     tabTempDlg page;
     page.show();
@@ -261,18 +303,17 @@ void TemperaturePageTest::readings()
 
 void TemperaturePageTest::refreshButtonReadsAgain()
 {
-    setUnit(QStringLiteral("Diagnostics.ssTemp"), QStringLiteral("20"));
-    setUnit(QStringLiteral("Diagnostics.pcbTemp"), QStringLiteral("21"));
+    setUnit("Diagnostics.ssTemp"_s, "20"_s);
+    setUnit("Diagnostics.pcbTemp"_s, "21"_s);
     setProcessorSensors({{22, 0}, {23, 3}});
     tabTempDlg page;
     page.show();
-    setUnit(QStringLiteral("Diagnostics.ssTemp"), QStringLiteral("30"));
+    setUnit("Diagnostics.ssTemp"_s, "30"_s);
     calls();
-    QTest::mouseClick(child<QPushButton>(&page, "buttonRefresh"), Qt::LeftButton);
-    QCOMPARE(calls(), QStringList({QStringLiteral("Diagnostics_getSSTemp() = 0 [30]"),
-                          QStringLiteral("Diagnostics_getPCBTemp() = 0 [21]"),
-                          QStringLiteral("Diagnostics_getPMTemp(0) = 0 [22, 0]"),
-                          QStringLiteral("Diagnostics_getPMTemp(1) = 0 [23, 3]")}));
+    click(&page, "buttonRefresh");
+    QCOMPARE(calls(),
+        QStringList({"Diagnostics_getSSTemp() = 0 [30]"_s, "Diagnostics_getPCBTemp() = 0 [21]"_s,
+            "Diagnostics_getPMTemp(0) = 0 [22, 0]"_s, "Diagnostics_getPMTemp(1) = 0 [23, 3]"_s}));
     QCOMPARE(text(page, "editTemp_SS"), QStringLiteral("30°C (86°F)"));
 }
 
@@ -287,8 +328,8 @@ void TemperaturePageTest::failingFixedSensorLater()
     QFETCH(QByteArray, edit);
     QFETCH(QByteArray, label);
     QFETCH(int, code);
-    setUnit(QStringLiteral("Diagnostics.ssTemp"), QStringLiteral("20"));
-    setUnit(QStringLiteral("Diagnostics.pcbTemp"), QStringLiteral("21"));
+    setUnit("Diagnostics.ssTemp"_s, "20"_s);
+    setUnit("Diagnostics.pcbTemp"_s, "21"_s);
     tabTempDlg page;
     fault(QLatin1String("Diagnostics_") + operation, code);
     page.show();
@@ -315,7 +356,7 @@ void TemperaturePageTest::failingProcessorSensorLater()
     QFETCH(int, code);
     setProcessorSensors({{50, 3}, {60, 0}});
     tabTempDlg page;
-    fault(QStringLiteral("Diagnostics_getPMTemp"), code);
+    fault("Diagnostics_getPMTemp"_s, code);
     page.show();
     const QString error = QString::fromLatin1(deviceErrorText(code));
     QCOMPARE(text(page, "editTemp_CPUBoard"),
@@ -326,16 +367,16 @@ void TemperaturePageTest::failingProcessorSensorLater()
 
 void TemperaturePageTest::vanishedProcessorSensorsTakeTheirRows()
 {
-    setUnit(QStringLiteral("Diagnostics.pcbTemp"), QStringLiteral("21"));
+    setUnit("Diagnostics.pcbTemp"_s, "21"_s);
     tabTempDlg page;
     page.show();
-    fault(QStringLiteral("Diagnostics_getPMTemp"), 2);
-    QTest::mouseClick(child<QPushButton>(&page, "buttonRefresh"), Qt::LeftButton);
+    fault("Diagnostics_getPMTemp"_s, 2);
+    click(&page, "buttonRefresh");
     QVERIFY(!hasRow(page, "editTemp_CPU", "label_5"));
     QVERIFY(!hasRow(page, "editTemp_CPUBoard", "label_4"));
     QCOMPARE(text(page, "editTemp"), QStringLiteral("21°C (69.8°F)"));
     clearFaults();
-    QTest::mouseClick(child<QPushButton>(&page, "buttonRefresh"), Qt::LeftButton);
+    click(&page, "buttonRefresh");
     QVERIFY(!hasRow(page, "editTemp_CPU", "label_5"));
 }
 
@@ -350,11 +391,44 @@ void TemperaturePageTest::singleSensorOfTheBoard()
     QCOMPARE(text(page, "editTemp"), QStringLiteral("33°C (91.4°F)"));
 }
 
+void TemperaturePageTest::processorSensorsVanishOneByOne()
+{
+    setProcessorSensors({{50, 0}, {60, 3}});
+    tabTempDlg page;
+    page.show();
+    // The first one takes both rows, and the second is read all the same.
+    fault("Diagnostics_getPMTemp"_s, 2, 1);
+    calls();
+    click(&page, "buttonRefresh");
+    QCOMPARE(calls().filter("getPMTemp"_s),
+        QStringList({"Diagnostics_getPMTemp(0) = 2"_s, "Diagnostics_getPMTemp(1) = 0 [60, 3]"_s}));
+    QVERIFY(!hasRow(page, "editTemp_CPU", "label_5"));
+    QVERIFY(!hasRow(page, "editTemp_CPUBoard", "label_4"));
+    QCOMPARE(text(page, "editTemp"), QStringLiteral("60°C (140°F)"));
+    fault("Diagnostics_getPMTemp"_s, 5);
+    click(&page, "buttonRefresh");
+    QCOMPARE(text(page, "editTemp"),
+        "i:3 sensorindex:11 getPMTemp: Error:  "_s + QString::fromLatin1(deviceErrorText(5)));
+}
+
+void TemperaturePageTest::hiddenListReadsAll()
+{
+    tabTempDlg page;
+    calls();
+    QVERIFY(QMetaObject::invokeMethod(&page, "sensorIndexChanged", Q_ARG(int, 3)));
+    const QStringList direct = calls();
+    page.show();
+    QCOMPARE(calls(), direct);
+    // Choosing in the list does nothing: it isn't connected.
+    child<QComboBox>(&page, "comboBoxSensor")->setCurrentIndex(1);
+    QCOMPARE(calls(), QStringList());
+}
+
 void TemperaturePageTest::noSensorAtAll()
 {
-    fault(QStringLiteral("Diagnostics_getSSTemp"), 5);
-    fault(QStringLiteral("Diagnostics_getPCBTemp"), 2);
-    fault(QStringLiteral("Diagnostics_getPMTemp"), 5);
+    fault("Diagnostics_getSSTemp"_s, 5);
+    fault("Diagnostics_getPCBTemp"_s, 2);
+    fault("Diagnostics_getPMTemp"_s, 5);
     tabTempDlg page;
     clearFaults();
     calls();

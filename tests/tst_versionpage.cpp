@@ -1,15 +1,19 @@
 #include "pages/tabVersionDlg.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/FormCheck.h"
+#include "tests/support/PageTest.h"
+
+#include <QFormLayout>
 
 using support::child;
+using support::operator""_s;
 
-class VersionPageTest : public DeviceTest
+class VersionPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
+    void init();
     void form();
+    void layout();
     void handleLivesWithThePage();
     void showReadsAllVersions();
     void failureStandsInItsRow_data();
@@ -17,6 +21,7 @@ private slots:
     void installationWarning_data();
     void installationWarning();
     void hiddenRowStaysHidden();
+    void everythingFails();
     void missingLibraryVersionIsAnError();
 
 private:
@@ -31,79 +36,86 @@ namespace {
 const QString warning = QStringLiteral(
     "Warning - The driver or API version could not be read. Consider reinstalling VornAux.");
 
-const char *const edits[] = {"editFPGA", "editSS", "editFront", "editVornAux", "editVornSettings",
-    "editVornAuxDrv", "editOS"};
+/** The calls of one showing on the unit that init() makes. */
+const QStringList showing{"Versions_getFPGAVersion() = 0 [1, 2, 3, 4]"_s,
+    "Versions_getSSVersion() = 0 [255, 0, 1, 2]"_s, "Versions_getFrontVersion() = 0 [5, 6, 7, 8]"_s,
+    "Versions_getVornAuxVersion() = 0 [9, 8, 7, 6]"_s,
+    "Versions_getVornAuxDrvVersion() = 0 [4, 3, 2, 1]"_s,
+    "Versions_getOSVersion() = 0 [0, 0, 0, 0]"_s, "Versions_create()"_s,
+    "Versions_getVornAuxDrvVersion() = 0 [4, 3, 2, 1]"_s,
+    "Versions_getVornAuxVersion() = 0 [9, 8, 7, 6]"_s, "Versions_release()"_s};
 
 } // namespace
 
 void VersionPageTest::form()
 {
     const tabVersionDlg page;
-    QCOMPARE(page.objectName(), QStringLiteral("tabVersion"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("Version"));
+    QCOMPARE(page.objectName(), "tabVersion"_s);
+    QCOMPARE(page.windowTitle(), "Version"_s);
+    QCOMPARE(support::widgets(&page),
+        QStringList({"groupBox: QGroupBox \"Peripheral software\""_s, "label_2: QLabel \"FPGA:\""_s,
+            "editFPGA: QLineEdit \"\" read-only"_s, "label_4: QLabel \"System Supervisor:\""_s,
+            "editSS: QLineEdit \"\" read-only"_s, "label_5: QLabel \"Front controller:\""_s,
+            "editFront: QLineEdit \"\" read-only"_s,
+            "groupBox_2: QGroupBox \"Application interface\""_s, "label: QLabel \"Vornaux API:\""_s,
+            "editVornAux: QLineEdit \"\" read-only"_s, "label_3: QLabel \"Vornsettings:\""_s,
+            "editVornSettings: QLineEdit \"\" read-only"_s, "label_6: QLabel \"Vornaux Driver:\""_s,
+            "editVornAuxDrv: QLineEdit \"\" read-only"_s,
+            "groupBox_3: QGroupBox \"Operating System\""_s, "label_7: QLabel \"OS version:\""_s,
+            "editOS: QLineEdit \"\" read-only"_s, "icon: QLabel hwinfo.png centred"_s}));
+}
+
+void VersionPageTest::layout()
+{
+    tabVersionDlg page;
     QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::compareForm(&page,
-                 {{"groupBox", "QGroupBox", "Peripheral software"}, {"label_2", "QLabel", "FPGA:"},
-                     {"label_4", "QLabel", "System Supervisor:"},
-                     {"label_5", "QLabel", "Front controller:"},
-                     {"groupBox_2", "QGroupBox", "Application interface"},
-                     {"label", "QLabel", "Vornaux API:"}, {"label_3", "QLabel", "Vornsettings:"},
-                     {"label_6", "QLabel", "Vornaux Driver:"},
-                     {"groupBox_3", "QGroupBox", "Operating System"},
-                     {"label_7", "QLabel", "OS version:"}, {"icon", "QLabel"}}),
-        QString());
     QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 0, 431, 120));
     QCOMPARE(child<QWidget>(&page, "groupBox_2")->geometry(), QRect(10, 121, 431, 120));
     QCOMPARE(child<QWidget>(&page, "groupBox_3")->geometry(), QRect(10, 242, 431, 70));
-    QCOMPARE(child<QWidget>(&page, "icon")->geometry(), QRect(490, 30, 60, 60));
-    for (const char *name : edits) {
-        const auto *edit = child<QLineEdit>(&page, name);
-        QVERIFY2(edit->isReadOnly() && edit->isEnabled(), name);
-    }
+    QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox")->layout()));
+    QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox_2")->layout()));
+    QVERIFY(qobject_cast<QHBoxLayout *>(child<QWidget>(&page, "groupBox_3")->layout()));
+    QCOMPARE(support::layoutFaults(&page, QRect(490, 30, 60, 60)), QStringList());
 }
 
 void VersionPageTest::handleLivesWithThePage()
 {
     {
         const tabVersionDlg page;
-        QCOMPARE(calls(), QStringList({QStringLiteral("Versions_create()")}));
+        QCOMPARE(calls(), QStringList({"Versions_create()"_s}));
     }
-    QCOMPARE(calls(), QStringList({QStringLiteral("Versions_release()")}));
+    QCOMPARE(calls(), QStringList({"Versions_release()"_s}));
+}
+
+void VersionPageTest::init()
+{
+    PageTest::init();
+    setUnit("Versions.fpga"_s, "1.2.3.4"_s);
+    setUnit("Versions.ss"_s, "255.0.1.2"_s);
+    setUnit("Versions.front"_s, "5.6.7.8"_s);
+    setUnit("Versions.vornAux"_s, "9.8.7.6"_s);
+    setUnit("Versions.vornAuxDrv"_s, "4.3.2.1"_s);
+    setUnit("Versions.os"_s, "0.0.0.0"_s);
 }
 
 void VersionPageTest::showReadsAllVersions()
 {
-    setUnit(QStringLiteral("Versions.fpga"), QStringLiteral("1.2.3.4"));
-    setUnit(QStringLiteral("Versions.ss"), QStringLiteral("255.0.1.2"));
-    setUnit(QStringLiteral("Versions.front"), QStringLiteral("5.6.7.8"));
-    setUnit(QStringLiteral("Versions.vornAux"), QStringLiteral("9.8.7.6"));
-    setUnit(QStringLiteral("Versions.vornAuxDrv"), QStringLiteral("4.3.2.1"));
-    setUnit(QStringLiteral("Versions.os"), QStringLiteral("0.0.0.0"));
     tabVersionDlg page;
     calls();
     page.show();
-    QCOMPARE(calls(), QStringList({QStringLiteral("Versions_getFPGAVersion() = 0 [1, 2, 3, 4]"),
-                          QStringLiteral("Versions_getSSVersion() = 0 [255, 0, 1, 2]"),
-                          QStringLiteral("Versions_getFrontVersion() = 0 [5, 6, 7, 8]"),
-                          QStringLiteral("Versions_getVornAuxVersion() = 0 [9, 8, 7, 6]"),
-                          QStringLiteral("Versions_getVornAuxDrvVersion() = 0 [4, 3, 2, 1]"),
-                          QStringLiteral("Versions_getOSVersion() = 0 [0, 0, 0, 0]"),
-                          QStringLiteral("Versions_create()"),
-                          QStringLiteral("Versions_getVornAuxDrvVersion() = 0 [4, 3, 2, 1]"),
-                          QStringLiteral("Versions_getVornAuxVersion() = 0 [9, 8, 7, 6]"),
-                          QStringLiteral("Versions_release()")}));
-    QCOMPARE(text(page, "editFPGA"), QStringLiteral("v1.2.3.4"));
-    QCOMPARE(text(page, "editSS"), QStringLiteral("v255.0.1.2"));
-    QCOMPARE(text(page, "editFront"), QStringLiteral("v5.6.7.8"));
-    QCOMPARE(text(page, "editVornAux"), QStringLiteral("v9.8.7.6"));
-    QCOMPARE(text(page, "editVornSettings"), QStringLiteral("v2.7.2.0 - 64 bit"));
-    QCOMPARE(text(page, "editVornAuxDrv"), QStringLiteral("v4.3.2.1"));
-    QCOMPARE(text(page, "editOS"), QStringLiteral("v0.0.0.0"));
+    QCOMPARE(calls(), showing);
+    QCOMPARE(text(page, "editFPGA"), "v1.2.3.4"_s);
+    QCOMPARE(text(page, "editSS"), "v255.0.1.2"_s);
+    QCOMPARE(text(page, "editFront"), "v5.6.7.8"_s);
+    QCOMPARE(text(page, "editVornAux"), "v9.8.7.6"_s);
+    QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
+    QCOMPARE(text(page, "editVornAuxDrv"), "v4.3.2.1"_s);
+    QCOMPARE(text(page, "editOS"), "v0.0.0.0"_s);
 
     page.hide();
-    setUnit(QStringLiteral("Versions.os"), QStringLiteral("1.0.0.0"));
+    setUnit("Versions.os"_s, "1.0.0.0"_s);
     page.show();
-    QCOMPARE(text(page, "editOS"), QStringLiteral("v1.0.0.0"));
+    QCOMPARE(text(page, "editOS"), "v1.0.0.0"_s);
 }
 
 void VersionPageTest::failureStandsInItsRow_data()
@@ -115,13 +127,12 @@ void VersionPageTest::failureStandsInItsRow_data()
         QStringList hidden;
     };
     const Row rows[] = {
-        {"getFPGAVersion", "editFPGA", "", {QStringLiteral("editFPGA"), QStringLiteral("label_2")}},
-        {"getSSVersion", "editSS", "editFPGA", {QStringLiteral("editSS")}},
-        {"getFrontVersion", "editFront", "editSS",
-            {QStringLiteral("editFront"), QStringLiteral("label_5")}},
+        {"getFPGAVersion", "editFPGA", "", {"editFPGA"_s, "label_2"_s}},
+        {"getSSVersion", "editSS", "editFPGA", {"editSS"_s}},
+        {"getFrontVersion", "editFront", "editSS", {"editFront"_s, "label_5"_s}},
         {"getVornAuxVersion", "editVornAux", nullptr, {}},
         {"getVornAuxDrvVersion", "editVornAuxDrv", "editVornSettings",
-            {QStringLiteral("editVornAuxDrv"), QStringLiteral("label_6")}},
+            {"editVornAuxDrv"_s, "label_6"_s}},
         {"getOSVersion", "editOS", nullptr, {}},
     };
     QTest::addColumn<QString>("operation");
@@ -130,7 +141,7 @@ void VersionPageTest::failureStandsInItsRow_data()
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QStringList>("hidden");
     for (const Row &row : rows) {
-        for (const int code : {2, 18, 20, 5, -1}) {
+        for (const int code : failureCodes) {
             const bool absent = code == 2 && row.before;
             QTest::addRow("%s %d", row.operation, code)
                 << QString::fromLatin1(row.operation) << code << QByteArray(row.edit)
@@ -149,7 +160,9 @@ void VersionPageTest::failureStandsInItsRow()
     QFETCH(QStringList, hidden);
     fault(QLatin1String("Versions_") + operation, code);
     tabVersionDlg page;
+    calls();
     page.show();
+    QCOMPARE(calls(), failing(showing, QLatin1String("Versions_") + operation, code));
 
     if (before == "-")
         QCOMPARE(text(page, edit.constData()),
@@ -160,7 +173,7 @@ void VersionPageTest::failureStandsInItsRow()
     for (const QWidget *widget : page.findChildren<QWidget *>())
         QCOMPARE(!widget->isVisible(), hidden.contains(widget->objectName()));
     const bool warned = operation.contains(QLatin1String("VornAux"));
-    QCOMPARE(dialogs.takeTexts(), warned ? QStringList({warning}) : QStringList());
+    QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
 }
 
 void VersionPageTest::installationWarning_data()
@@ -179,28 +192,19 @@ void VersionPageTest::installationWarning()
     QFETCH(int, driver);
     QFETCH(int, library);
     QFETCH(bool, warned);
-    fault(QStringLiteral("Versions_getVornAuxDrvVersion"), driver);
-    fault(QStringLiteral("Versions_getVornAuxVersion"), library);
+    fault("Versions_getVornAuxDrvVersion"_s, driver);
+    fault("Versions_getVornAuxVersion"_s, library);
     tabVersionDlg page;
     for (int visit = 0; visit < 2; ++visit) {
         page.show();
-        const auto seen = dialogs.take();
-        QCOMPARE(seen.size(), warned ? 1 : 0);
-        if (warned) {
-            QCOMPARE(seen[0].title, QStringLiteral("Vornsettings"));
-            QCOMPARE(seen[0].text, warning);
-            QCOMPARE(seen[0].icon, QMessageBox::Critical);
-            QCOMPARE(seen[0].buttons, QStringList({QStringLiteral("OK")}));
-            QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
-            QVERIFY(seen[0].modal);
-        }
+        QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
         page.hide();
     }
 }
 
 void VersionPageTest::hiddenRowStaysHidden()
 {
-    fault(QStringLiteral("Versions_getFPGAVersion"), 2);
+    fault("Versions_getFPGAVersion"_s, 2);
     tabVersionDlg page;
     page.show();
     page.hide();
@@ -210,12 +214,27 @@ void VersionPageTest::hiddenRowStaysHidden()
     QVERIFY(!child<QLabel>(&page, "label_2")->isVisible());
 }
 
-void VersionPageTest::missingLibraryVersionIsAnError()
+void VersionPageTest::everythingFails()
 {
-    fault(QStringLiteral("Versions_getVornAuxVersion"), 2);
+    for (const QString &call : showing) {
+        if (call.contains(" = "_s))
+            fault(call.section(QLatin1Char('('), 0, 0), 18);
+    }
     tabVersionDlg page;
     page.show();
-    QCOMPARE(dialogs.takeTexts(), QStringList({warning}));
+    QCOMPARE(boxes(&page), QStringList(warning));
+    const QString error = ": Error:  "_s + QString::fromLatin1(deviceErrorText(18));
+    QCOMPARE(text(page, "editFPGA"), "getFPGAVersion"_s + error);
+    QCOMPARE(text(page, "editOS"), "getOSVersion"_s + error);
+    QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
+}
+
+void VersionPageTest::missingLibraryVersionIsAnError()
+{
+    fault("Versions_getVornAuxVersion"_s, 2);
+    tabVersionDlg page;
+    page.show();
+    QCOMPARE(boxes(&page), QStringList(warning));
     QVERIFY(child<QLineEdit>(&page, "editVornAux")->isVisible());
     QVERIFY(text(page, "editVornAux").startsWith(QLatin1String("getVornAuxVersion: Error: ")));
 }
