@@ -66,6 +66,7 @@ private slots:
     void form();
     void layout();
     void findsFourNets();
+    void stopsAtFirstMissingNet_data();
     void stopsAtFirstMissingNet();
     void noNets_data();
     void noNets();
@@ -86,6 +87,8 @@ private slots:
     void writesBothSettings_data();
     void writesBothSettings();
     void writesOtherBaudRate();
+    void otherBaudRateTexts_data();
+    void otherBaudRateTexts();
     void refusesOlderOtherBaudRate();
     void refusesNoBaudRate();
     void refusesNoFrameType();
@@ -120,8 +123,10 @@ void CanPageTest::layout()
     QCOMPARE(page.size(), QSize(600, 320));
     const auto *grid = page.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
     QVERIFY(grid);
-    QVERIFY(page.findChild<QGridLayout *>(QStringLiteral("gridLayout_3")));
     QCOMPARE(grid->contentsMargins(), QMargins());
+    QCOMPARE(page.findChild<QGridLayout *>(QStringLiteral("gridLayout_3"))->contentsMargins(),
+        QMargins());
+    QVERIFY(!page.apply->autoDefault());
     QCOMPARE(grid->itemAtPosition(1, 0)->widget(), page.baudRateLabel);
     QCOMPARE(grid->itemAtPosition(1, 1)->widget(), page.baudRate);
     QCOMPARE(grid->itemAtPosition(2, 0)->widget(), page.frameTypeLabel);
@@ -154,14 +159,23 @@ void CanPageTest::findsFourNets()
     QCOMPARE(calls(), lines({"Can_release()"}));
 }
 
+void CanPageTest::stopsAtFirstMissingNet_data()
+{
+    addFailureCodes();
+}
+
 void CanPageTest::stopsAtFirstMissingNet()
 {
-    fault(QStringLiteral("Can_getBaudrate"), 5, 1, 2);
-    const Page page;
-    QCOMPARE(calls(), lines({"Can_create()", "Can_getBaudrate(1) = 0 [250]",
-                          "Can_getBaudrate(2) = 0 [250]", "Can_getBaudrate(3) = 5"}));
+    QFETCH(int, code);
+    fault(QStringLiteral("Can_getBaudrate"), code, 1, 2);
+    Page page;
+    QCOMPARE(calls(),
+        lines({"Can_create()", "Can_getBaudrate(1) = 0 [250]", "Can_getBaudrate(2) = 0 [250]"}) +
+            QStringList(QStringLiteral("Can_getBaudrate(3) = %1").arg(code)));
     QCOMPARE(items(page.device), lines({"CAN1", "CAN2"}));
     QVERIFY(page.apply->isEnabled());
+    page.show();
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings for CAN1"));
 }
 
 void CanPageTest::noNets_data()
@@ -283,6 +297,11 @@ void CanPageTest::frameTypeFails()
     QTest::keyClick(page.device, Qt::Key_Down);
     QVERIFY(page.frameType->isHidden());
     QVERIFY(page.frameTypeLabel->isHidden());
+    // What is hidden isn't written.
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setBaudrate(2, 250) = 0"}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
 }
 
 void CanPageTest::baudRate_data()
@@ -414,6 +433,46 @@ void CanPageTest::writesOtherBaudRate()
     page.clickApply();
     QCOMPARE(calls(), lines({"Can_setFrameType(1, 1) = 0", "Can_setBaudrate(1, 20) = 0"}));
     QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
+}
+
+void CanPageTest::otherBaudRateTexts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("kbitPerSecond"); // -1: refused
+    QTest::newRow("padded") << QStringLiteral(" 50 ") << 50;
+    QTest::newRow("signed") << QStringLiteral("+50") << 50;
+    QTest::newRow("leading zeros") << QStringLiteral("0050") << 50;
+    QTest::newRow("empty") << QString() << -1;
+    QTest::newRow("blank") << QStringLiteral("  ") << -1;
+    QTest::newRow("negative") << QStringLiteral("-50") << -1;
+    QTest::newRow("hexadecimal") << QStringLiteral("0x32") << -1;
+    QTest::newRow("fraction") << QStringLiteral("83.3") << -1;
+    QTest::newRow("grouped") << QStringLiteral("1,000") << -1;
+    QTest::newRow("other digits") << QString(QChar(0x0665)) << -1;
+    QTest::newRow("with a unit") << QStringLiteral("50 kbit/s") << -1;
+    QTest::newRow("no digits") << QStringLiteral("fast") << -1;
+    QTest::newRow("more than the device takes") << QStringLiteral("65536") << -1;
+    QTest::newRow("huge") << QStringLiteral("99999999999999999999") << -1;
+}
+
+void CanPageTest::otherBaudRateTexts()
+{
+    QFETCH(QString, text);
+    QFETCH(int, kbitPerSecond);
+    setUnit(QStringLiteral("Can.baudrate1"), QStringLiteral("20"));
+    Page page;
+    page.show();
+    page.baudRate->setItemText(6, text);
+    calls();
+    page.clickApply();
+    QStringList written = lines({"Can_setFrameType(1, 1) = 0"});
+    QStringList shown(restartNotice());
+    if (kbitPerSecond >= 0)
+        written << QStringLiteral("Can_setBaudrate(1, %1) = 0").arg(kbitPerSecond);
+    else
+        shown.prepend(errorBox(QStringLiteral("Baud rate invalid format, net 1.")));
+    QCOMPARE(calls(), written);
+    QCOMPARE(describe(dialogs.take()), shown);
 }
 
 void CanPageTest::refusesOlderOtherBaudRate()
