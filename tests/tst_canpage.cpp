@@ -25,14 +25,6 @@ struct Page : tabCanDlg {
     void clickApply() { QTest::mouseClick(apply, Qt::LeftButton); }
 };
 
-QStringList items(const QComboBox *box)
-{
-    QStringList texts;
-    for (int index = 0; index < box->count(); ++index)
-        texts << box->itemText(index);
-    return texts;
-}
-
 QStringList lines(std::initializer_list<const char *> texts)
 {
     QStringList list;

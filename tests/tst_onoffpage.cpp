@@ -192,13 +192,8 @@ void OnOffPageTest::listsWithAndWithoutSuspend()
     QStringList expected{"No Action"_s, "Shut down"_s};
     if (suspend)
         expected.insert(1, "Suspend"_s);
-    for (const char *name : {"comboBox", "comboBox_2", "comboBox_4"}) {
-        const auto *box = child<QComboBox>(&page, name);
-        QStringList items;
-        for (int i = 0; i < box->count(); ++i)
-            items << box->itemText(i);
-        QCOMPARE(items, expected);
-    }
+    for (const char *name : {"comboBox", "comboBox_2", "comboBox_4"})
+        QCOMPARE(support::items(child<QComboBox>(&page, name)), expected);
     QCOMPARE(child<QWidget>(&page, "groupSuspend")->isHidden(), !suspend);
 }
 

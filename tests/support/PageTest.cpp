@@ -4,7 +4,6 @@
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QGroupBox>
@@ -87,10 +86,7 @@ QString described(const QSpinBox *spin)
 
 QString described(const QComboBox *combo)
 {
-    QStringList items;
-    for (int i = 0; i < combo->count(); ++i)
-        items << combo->itemText(i);
-    return QLatin1Char('[') + items.join(QLatin1String(" | ")) + QLatin1Char(']');
+    return QLatin1Char('[') + support::items(combo).join(QLatin1String(" | ")) + QLatin1Char(']');
 }
 
 QString described(const QLineEdit *edit)
@@ -267,6 +263,14 @@ QStringList layoutFaults(QWidget *page, const QRect &iconPlace)
     }
     page->hide();
     return faults + overlaps(widgets);
+}
+
+QStringList items(const QComboBox *list)
+{
+    QStringList captions;
+    for (int i = 0; i < list->count(); ++i)
+        captions << list->itemText(i);
+    return captions;
 }
 
 void click(const QWidget *page, const char *name)

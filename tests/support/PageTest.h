@@ -2,6 +2,7 @@
 
 #include "tests/support/DeviceTest.h"
 
+#include <QComboBox>
 #include <QTimer>
 
 namespace support {
@@ -35,6 +36,9 @@ constexpr QRect usualIconPlace{525, 15, 60, 60};
  * count too. Shows the page for a moment.
  */
 QStringList layoutFaults(QWidget *page, const QRect &iconPlace = usualIconPlace);
+
+/** The captions of a list's items, in order. */
+QStringList items(const QComboBox *list);
 
 /** Presses the button or check box with the mouse, as a finger would. */
 void click(const QWidget *page, const char *name);
