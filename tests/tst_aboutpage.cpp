@@ -49,14 +49,6 @@ QString latin1(const char *text)
     return QString::fromLatin1(text);
 }
 
-QStringList items(const QComboBox *box)
-{
-    QStringList texts;
-    for (int index = 0; index < box->count(); ++index)
-        texts << box->itemText(index);
-    return texts;
-}
-
 QStringList captions(int count)
 {
     QStringList texts;

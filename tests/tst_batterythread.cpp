@@ -147,7 +147,7 @@ void BatteryThreadTest::failuresAreTexts()
     QCOMPARE(received.charge, QStringList("Could not get battery charging status\n"_s));
     QCOMPARE(received.label, QStringList("Power source: Unknown"_s));
     QCOMPARE(received.level, QList<int>{0});
-    QCOMPARE(threadCalls()[2],
+    QCOMPARE(threadCalls().value(2),
         QStringList({"Battery_create()"_s, "Battery_isAvailable() = 0 [true]"_s,
             QStringLiteral("Battery_getChargingStatus() = %1").arg(charging),
             QStringLiteral("Battery_getPowerSource() = %1").arg(source),
@@ -172,10 +172,10 @@ void BatteryThreadTest::endsAtOnceWithoutBattery()
     thread.start();
     QVERIFY(thread.wait(5000));
     QCOMPARE(int(batteryKeepRunning.load()), 0);
-    QCOMPARE(threadCalls()[2], QStringList({"Battery_create()"_s,
-                                   QStringLiteral("Battery_isAvailable() = %1").arg(code) +
-                                       (code == 0 ? " [false]"_s : QString()),
-                                   "Battery_release()"_s}));
+    QCOMPARE(threadCalls().value(2), QStringList({"Battery_create()"_s,
+                                         QStringLiteral("Battery_isAvailable() = %1").arg(code) +
+                                             (code == 0 ? " [false]"_s : QString()),
+                                         "Battery_release()"_s}));
 }
 
 void BatteryThreadTest::stopsWithinOneStep()
@@ -188,8 +188,9 @@ void BatteryThreadTest::stopsWithinOneStep()
     clock.start();
     stop(thread);
     QVERIFY2(clock.elapsed() < 1000, "it waited its full steps");
-    QCOMPARE(threadCalls()[2], QStringList({"Battery_create()"_s,
-                                   "Battery_isAvailable() = 0 [true]"_s, "Battery_release()"_s}));
+    QCOMPARE(threadCalls().value(2),
+        QStringList(
+            {"Battery_create()"_s, "Battery_isAvailable() = 0 [true]"_s, "Battery_release()"_s}));
 }
 
 VORN_TEST_MAIN(BatteryThreadTest)

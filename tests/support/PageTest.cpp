@@ -1,6 +1,7 @@
 #include "tests/support/PageTest.h"
 
 #include "frame/VornAux2.h"
+#include "frame/graphicalMode.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -251,6 +252,7 @@ QStringList widgets(const QWidget *page)
 
 QStringList layoutFaults(QWidget *page, const QRect &iconPlace)
 {
+    setApplicationLook();
     page->setStyleSheet(styleSheet());
     page->resize(600, 320);
     page->show();

@@ -30,7 +30,7 @@ QStringList widgets(const QWidget *page);
 constexpr QRect usualIconPlace{525, 15, 60, 60};
 
 /**
- * What is wrong with the page's layout at 600x320 under the program's style sheet: what is clipped,
+ * What is wrong with the page's layout at 600x320 in the program's look: what is clipped,
  * lies outside its parent, over a neighbour or over a group's title strip, is less than 30 pixels
  * high where it is to be pressed, or an icon that isn't in its place. Hidden widgets and all tabs
  * count too. Shows the page for a moment.
