@@ -17,6 +17,7 @@
 #include "report/tabAboutDlg.h"
 #include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QAbstractScrollArea>
 #include <QCheckBox>
@@ -162,6 +163,8 @@ class TestMainWindow : public DeviceTest
     Q_OBJECT
 
 private:
+    support::SkippedPauses pauses;
+
     using MakePage = std::function<tabDlg *()>;
 
     template <typename Page>

@@ -2,6 +2,7 @@
 #include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -81,6 +82,8 @@ class TestStyleSheet : public DeviceTest
     Q_OBJECT
 
 private:
+    support::SkippedPauses pauses;
+
     static void verifyNear(const QColor &seen, const QColor &expected, int tolerance = 16)
     {
         QVERIFY2(near(seen, expected, tolerance),

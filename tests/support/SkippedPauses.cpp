@@ -1,0 +1,46 @@
+#include "tests/support/SkippedPauses.h"
+
+#include <thread>
+#include <utility>
+
+// The linker leads all calls of platform::pause() here; tests/CMakeLists.txt tells it to.
+extern "C" {
+void lastingPause(int milliseconds) __asm__("__real__ZN8platform5pauseEi");
+void programPause(int milliseconds) __asm__("__wrap__ZN8platform5pauseEi");
+}
+
+namespace {
+
+thread_local bool skipping = false;
+thread_local std::vector<int> skipped;
+
+} // namespace
+
+void programPause(int milliseconds)
+{
+    if (!skipping)
+        return lastingPause(milliseconds);
+    skipped.push_back(milliseconds);
+    // A loop of pauses waits for another thread.
+    std::this_thread::yield();
+}
+
+namespace support {
+
+SkippedPauses::SkippedPauses()
+{
+    skipping = true;
+}
+
+SkippedPauses::~SkippedPauses()
+{
+    skipping = false;
+    skipped.clear();
+}
+
+std::vector<int> SkippedPauses::take()
+{
+    return std::exchange(skipped, {});
+}
+
+} // namespace support

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+namespace support {
+
+/**
+ * While this lives, the program's pauses on this thread pass at once and are written down, so that
+ * a test knows of each and waits for none. Pauses of other threads last. One at a time.
+ */
+class SkippedPauses
+{
+public:
+    SkippedPauses();
+    ~SkippedPauses();
+    SkippedPauses(const SkippedPauses &) = delete;
+    SkippedPauses &operator=(const SkippedPauses &) = delete;
+
+    /** The pauses since the last time, in milliseconds. */
+    std::vector<int> take();
+};
+
+} // namespace support
