@@ -1,11 +1,13 @@
 #include "pages/MyThread.h"
 #include "pages/tabPowerDlg.h"
 #include "tests/support/PageTest.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QElapsedTimer>
 #include <QProgressBar>
 
 #include <memory>
+#include <vector>
 
 using support::child;
 using support::operator""_s;
@@ -27,14 +29,59 @@ public:
     QList<int> level;
 };
 
+/** The battery thread without the time that it waits; its waits are written down instead. */
+class HurriedThread : public MyThread
+{
+public:
+    std::vector<int> pauses;               ///< milliseconds
+    std::vector<std::size_t> pausesBefore; ///< how many of them before each of its signals
+
+    /** Runs until it has given that signal so many times; then its flag is cleared. */
+    template <typename Signal>
+    void runUntil(Signal signal, int times = 1)
+    {
+        const auto clearFlag = [times]() mutable {
+            if (--times == 0)
+                batteryKeepRunning.store(0);
+        };
+        connect(this, signal, this, clearFlag, Qt::DirectConnection);
+        start();
+        QVERIFY(wait(5000));
+    }
+
+protected:
+    void run() override
+    {
+        support::SkippedPauses skipped;
+        const auto take = [&] {
+            for (const int pause : skipped.take())
+                pauses.push_back(pause);
+        };
+        const auto note = [&] {
+            take();
+            pausesBefore.push_back(pauses.size());
+        };
+        const QObject meanwhile;
+        connect(this, &MyThread::newCharge, &meanwhile, note, Qt::DirectConnection);
+        connect(this, &MyThread::newLabel, &meanwhile, note, Qt::DirectConnection);
+        connect(this, &MyThread::newLevel, &meanwhile, note, Qt::DirectConnection);
+        MyThread::run();
+        take();
+    }
+};
+
 class BatteryThreadTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
     void followsTheBatteryAndThePageStopsIt();
+    void onePassWaitsBetweenItsCalls();
     void failuresAreTexts_data();
     void failuresAreTexts();
+    void stopInTheMiddleFinishesThePass_data();
+    void stopInTheMiddleFinishesThePass();
+    void passesGoOn();
     void endsAtOnceWithoutBattery_data();
     void endsAtOnceWithoutBattery();
     void stopsWithinOneStep();
@@ -116,42 +163,78 @@ void BatteryThreadTest::followsTheBatteryAndThePageStopsIt()
     QCOMPARE(made[3], pass);
 }
 
+void BatteryThreadTest::onePassWaitsBetweenItsCalls()
+{
+    deviceErrorText(DEVICE_OK);
+    HurriedThread thread;
+    const Received received(thread);
+    thread.runUntil(&MyThread::newLevel);
+    // Thirty steps of 100 ms, then ten, then ten.
+    QCOMPARE(thread.pauses, std::vector<int>(50, 100));
+    QCOMPARE(thread.pausesBefore, (std::vector<std::size_t>{30, 40, 50}));
+    QTRY_COMPARE(received.level.size(), 1);
+}
+
 void BatteryThreadTest::failuresAreTexts_data()
 {
-    QTest::addColumn<int>("charging");
-    QTest::addColumn<int>("source");
-    QTest::addColumn<int>("level");
-    QTest::newRow("2, 18, 20") << 2 << 18 << 20;
-    QTest::newRow("5, -1, 2") << 5 << -1 << 2;
+    addFailureRows(
+        {"Battery_getChargingStatus"_s, "Battery_getPowerSource"_s, "Battery_getVoltageLevel"_s});
 }
 
 void BatteryThreadTest::failuresAreTexts()
 {
-    QFETCH(int, charging);
-    QFETCH(int, source);
-    QFETCH(int, level);
+    QFETCH(QString, operation);
+    QFETCH(int, code);
     deviceErrorText(DEVICE_OK);
-    fault("Battery_getChargingStatus"_s, charging);
-    fault("Battery_getPowerSource"_s, source);
-    fault("Battery_getVoltageLevel"_s, level);
-    MyThread thread;
+    setUnit("Battery.chargingStatus"_s, "2"_s);
+    setUnit("Battery.powerSource"_s, "0"_s);
+    setUnit("Battery.voltageLevel"_s, "88"_s);
+    fault(operation, code);
+    HurriedThread thread;
     const Received received(thread);
-    thread.start();
-    QTRY_COMPARE_WITH_TIMEOUT(received.charge.size(), 1, 20000);
-    // Stopped in the middle, it finishes the pass without its waits.
-    QElapsedTimer clock;
-    clock.start();
-    stop(thread);
-    QVERIFY2(clock.elapsed() < 1000, "it waited its full steps");
+    thread.runUntil(&MyThread::newLevel);
     QTRY_COMPARE(received.level.size(), 1);
-    QCOMPARE(received.charge, QStringList("Could not get battery charging status\n"_s));
-    QCOMPARE(received.label, QStringList("Power source: Unknown"_s));
-    QCOMPARE(received.level, QList<int>{0});
-    QCOMPARE(threadCalls().value(2),
-        QStringList({"Battery_create()"_s, "Battery_isAvailable() = 0 [true]"_s,
-            QStringLiteral("Battery_getChargingStatus() = %1").arg(charging),
-            QStringLiteral("Battery_getPowerSource() = %1").arg(source),
-            QStringLiteral("Battery_getVoltageLevel() = %1").arg(level), "Battery_release()"_s}));
+    const auto fails = [&](const char *name) { return operation.endsWith(QLatin1String(name)); };
+    QCOMPARE(received.charge,
+        QStringList(fails("ChargingStatus") ? "Could not get battery charging status\n"_s
+                                            : "Battery is fully charged\n"_s));
+    QCOMPARE(received.label,
+        QStringList(fails("PowerSource") ? "Power source: Unknown"_s : "Power source: Battery"_s));
+    QCOMPARE(received.level, QList<int>{fails("VoltageLevel") ? 0 : 88});
+    const QStringList pass{"Battery_create()"_s, "Battery_isAvailable() = 0 [true]"_s,
+        "Battery_getChargingStatus() = 0 [2]"_s, "Battery_getPowerSource() = 0 [0]"_s,
+        "Battery_getVoltageLevel() = 0 [88]"_s, "Battery_release()"_s};
+    QCOMPARE(threadCalls().value(2), failing(pass, operation, code));
+}
+
+void BatteryThreadTest::stopInTheMiddleFinishesThePass_data()
+{
+    QTest::addColumn<bool>("afterSource");
+    QTest::addColumn<int>("pauses");
+    QTest::newRow("after the charging state") << false << 30;
+    QTest::newRow("after the power source") << true << 40;
+}
+
+void BatteryThreadTest::stopInTheMiddleFinishesThePass()
+{
+    QFETCH(bool, afterSource);
+    QFETCH(int, pauses);
+    deviceErrorText(DEVICE_OK);
+    HurriedThread thread;
+    const Received received(thread);
+    thread.runUntil(afterSource ? &MyThread::newLabel : &MyThread::newCharge);
+    QCOMPARE(int(thread.pauses.size()), pauses);
+    QTRY_COMPARE(received.level.size(), 1);
+    QCOMPARE(threadCalls().value(2).filter("_get"_s).size(), 3);
+}
+
+void BatteryThreadTest::passesGoOn()
+{
+    deviceErrorText(DEVICE_OK);
+    HurriedThread thread;
+    thread.runUntil(&MyThread::newCharge, 3);
+    QCOMPARE(threadCalls().value(2).filter("_get"_s).size(), 9);
+    QCOMPARE(int(thread.pauses.size()), 50 + 50 + 30);
 }
 
 void BatteryThreadTest::endsAtOnceWithoutBattery_data()
