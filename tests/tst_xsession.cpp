@@ -13,6 +13,9 @@ const QString program = QStringLiteral(VORN_BIN_DIR "/VornSettings");
 constexpr QPoint aboutButton(69, 205);
 constexpr QPoint menuButton(395, 407);
 constexpr QPoint exitButton(525, 407);
+constexpr QPoint advancedButton(405, 304);
+constexpr QPoint firmwarePath(270, 116);
+constexpr QPoint programFront(384, 168);
 
 /// The real program on a server and a unit of its own.
 class Session
@@ -43,13 +46,8 @@ public:
         process.setProcessEnvironment(environment);
         process.start(program, arguments);
         QVERIFY(process.waitForStarted());
-        const QString found = server.tool({QStringLiteral("search"), QStringLiteral("--sync"),
-            QStringLiteral("--onlyvisible"), QStringLiteral("--all"), QStringLiteral("--pid"),
-            QString::number(process.processId()), QStringLiteral("--name"),
-            QStringLiteral("^Settings$")});
-        bool isNumber = false;
-        window = found.toUInt(&isNumber);
-        QVERIFY2(isNumber, qPrintable(found));
+        window = windowNamed("Settings");
+        QVERIFY(window != 0);
         // Nobody manages windows here, so nobody gives them the keys.
         QTRY_VERIFY_WITH_TIMEOUT(server.focus(window), patience);
         // The strip stands once the title's amber is there.
@@ -63,6 +61,26 @@ public:
             QStringLiteral("click"), QStringLiteral("1")});
     }
 
+    /// The program's window of that title, once it shows.
+    std::uint32_t windowNamed(const char *title) const
+    {
+        const QString found = server.tool({QStringLiteral("search"), QStringLiteral("--sync"),
+            QStringLiteral("--onlyvisible"), QStringLiteral("--all"), QStringLiteral("--pid"),
+            QString::number(process.processId()), QStringLiteral("--name"),
+            QLatin1Char('^') + QLatin1String(title) + QLatin1Char('$')});
+        return found.toUInt();
+    }
+
+    /// Changes the unit before the program starts.
+    void setUnit(const QString &name, const QString &value) const
+    {
+        QProcess tool;
+        tool.setProcessEnvironment(environment);
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {QStringLiteral("set"), name, value});
+        QVERIFY(tool.waitForFinished() && tool.exitCode() == 0);
+    }
+
+    void type(const QString &text) const { server.tool({QStringLiteral("type"), text}); }
     void press(const char *key) const { server.tool({QStringLiteral("key"), QLatin1String(key)}); }
 
     QImage picture() const { return server.picture(window); }
@@ -120,6 +138,7 @@ class TestXSession : public QObject
 
 private:
     std::unique_ptr<support::XServer> server;
+    QImage plainLook; ///< of the window without any argument
 
     static void verifyHandlesGivenBack(const Session &session)
     {
@@ -195,6 +214,54 @@ private slots:
         verifyHandlesGivenBack(session);
     }
 
+    // The dialog of a firmware job stands before the window: neither can be closed until the job is
+    // over, and then everything goes on.
+    void closeWaitsForFirmwareJob()
+    {
+        QTemporaryDir folder;
+        QFile image(folder.filePath(QStringLiteral("image.hex")));
+        QVERIFY(image.open(QIODevice::WriteOnly));
+        image.write(":0400000001020304F2\n:00000001FF\n");
+        image.close();
+        Session session(*server);
+        session.setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("1500"));
+        session.start();
+        const QImage menu = session.titleStrip();
+        session.click(advancedButton);
+        QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
+        session.click(firmwarePath);
+        session.type(image.fileName());
+        session.click(programFront);
+        const std::uint32_t question = session.windowNamed("Update progress");
+        QTRY_VERIFY_WITH_TIMEOUT(server->focus(question), patience);
+        session.press("alt+y");
+
+        const auto told = [&session](const char *state) {
+            const QString line = QStringLiteral(" = 0 [%1,").arg(QLatin1String(state));
+            return session.journal()
+                .filter(QStringLiteral("Firmware_getUpgradeStatus"))
+                .filter(line)
+                .size();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(told("4") > 0, patience);
+        const std::uint32_t progress = session.windowNamed("Update progress");
+        server->requestClose(session.window);
+        server->requestClose(progress);
+        session.click(exitButton);
+        QCOMPARE(told("6"), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(told("6"), 1, patience);
+
+        std::uint32_t result = progress;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (result = session.windowNamed("Update progress")) != progress && server->focus(result),
+            patience);
+        session.press("Return");
+        server->requestClose(session.window);
+        session.verifyEnd(0);
+        verifyHandlesGivenBack(session);
+        QCOMPARE(told("6"), 1);
+    }
+
     void hasOneSize_data()
     {
         QTest::addColumn<QString>("scale");
@@ -245,11 +312,10 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(QString, variable);
         QFETCH(QString, value);
-        QImage expected;
-        {
+        if (plainLook.isNull()) {
             Session session(*server);
             session.start();
-            expected = session.picture();
+            plainLook = session.picture();
             session.press("Escape");
             session.verifyEnd(0);
         }
@@ -257,7 +323,7 @@ private slots:
         if (!variable.isEmpty())
             session.environment.insert(variable, value);
         session.start(arguments);
-        QTRY_COMPARE_WITH_TIMEOUT(session.picture(), expected, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(session.picture(), plainLook, patience);
         session.press("Escape");
         session.verifyEnd(0);
         for (const QString &line : session.journal())
