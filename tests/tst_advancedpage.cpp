@@ -2,10 +2,10 @@
 #include "report/factoryDefaults.h"
 #include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QCheckBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QQueue>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <dlfcn.h>
@@ -227,6 +228,8 @@ private slots:
     void modeChangesCaptions();
     void picksFile();
     void picksNoFile();
+    void pickedCapitalsAreRefused();
+    void returnKeyPressesNoButton();
     void refusesSuffix_data();
     void refusesSuffix();
     void acceptsSuffix_data();
@@ -247,6 +250,7 @@ private slots:
     void progressDialogStaysOpen();
     void makesDialogForEachJob();
     void repaintsDuringJob();
+    void othersWorkDuringJob();
     void pausesBeforeResult();
     void states_data();
     void states();
@@ -262,6 +266,8 @@ private slots:
     void shutDownFails();
     void defaultsRefused();
     void defaultsReset();
+    void defaultsFail_data();
+    void defaultsFail();
 
 private:
     QString write(const QString &name, const char *content);
@@ -273,6 +279,7 @@ private:
     QStringList jobCalls();
 
     std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<SkippedPauses> pauses;
 };
 
 void AdvancedPageTest::init()
@@ -280,6 +287,7 @@ void AdvancedPageTest::init()
     DeviceTest::init();
     questions = {};
     folder = std::make_unique<QTemporaryDir>();
+    pauses = std::make_unique<SkippedPauses>();
     setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("0"));
     calls();
 }
@@ -287,6 +295,7 @@ void AdvancedPageTest::init()
 void AdvancedPageTest::cleanup()
 {
     folder.reset();
+    pauses.reset();
     QVERIFY2(questions.alwaysWaits, "a question that doesn't wait");
     DeviceTest::cleanup();
 }
@@ -455,6 +464,41 @@ void AdvancedPageTest::picksNoFile()
     click(page.choose);
     QCOMPARE(dialogs.take().count(), 1);
     QCOMPARE(page.file->text(), QStringLiteral("typed"));
+}
+
+// The dialog's own filters spell the suffixes in capitals, which the page then refuses.
+void AdvancedPageTest::pickedCapitalsAreRefused()
+{
+    const QString path = write(QStringLiteral("firmware.MCS"), image);
+    Page page;
+    page.show();
+    dialogs.plan([&](QDialog *dialog) {
+        auto *files = qobject_cast<QFileDialog *>(dialog);
+        files->selectNameFilter(QStringLiteral("mcs (FPGA) (*.MCS)"));
+        child<QLineEdit>(files, "fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(files, "accept");
+    });
+    click(page.choose);
+    QCOMPARE(page.file->text(), path);
+    dialogs.take();
+    calls();
+    click(page.fpga);
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(describe(dialogs.take()),
+        QStringList(box(QMessageBox::Critical, "",
+            QStringLiteral("The file to program must be a .mcs file!"), "tabAdvanced")));
+}
+
+void AdvancedPageTest::returnKeyPressesNoButton()
+{
+    Page page;
+    page.show();
+    calls();
+    QTest::keyClicks(page.file, QStringLiteral("a.hex\r"));
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(dialogs.takeTexts(), QStringList());
+    for (const QPushButton *button : page.findChildren<QPushButton *>())
+        QVERIFY2(!button->autoDefault(), qPrintable(button->objectName()));
 }
 
 void AdvancedPageTest::refusesSuffix_data()
@@ -784,20 +828,47 @@ void AdvancedPageTest::repaintsDuringJob()
     QCOMPARE(dialogs.take().count(), 1);
 }
 
+// Timers of other pages run on, and what they are told while the job runs arrives.
+void AdvancedPageTest::othersWorkDuringJob()
+{
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    for (int round = 0; round < 5; ++round)
+        questions.answers.append({FIRMWARE_FLASHING, quint8(10 * round), 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    QTimer timer;
+    int ticks = 0;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] { ++ticks; });
+    timer.start(0);
+    int posts = 0;
+    int seenTicks = 0;
+    questions.asked = [&](int count) {
+        QVERIFY(count == 0 || ticks > seenTicks);
+        seenTicks = ticks;
+        QCOMPARE(posts, count);
+        QMetaObject::invokeMethod(
+            &timer, [&] { ++posts; }, Qt::QueuedConnection);
+    };
+    click(page.front);
+    QCOMPARE(posts, 6);
+    QCOMPARE(dialogs.take().count(), 1);
+}
+
 void AdvancedPageTest::pausesBeforeResult()
 {
     Page page;
     prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
     questions.answers.append({FIRMWARE_DONE, 100, 0});
-    QElapsedTimer time;
-    questions.asked = [&](int) { time.start(); };
-    qint64 elapsed = 0;
+    std::vector<int> duringJob;
+    std::vector<int> beforeResult;
+    questions.asked = [&](int) { duringJob = pauses->take(); };
     dialogs.plan([&](QDialog *dialog) {
-        elapsed = time.elapsed();
+        beforeResult = pauses->take();
         dialog->accept();
     });
     click(page.front);
-    QVERIFY2(elapsed >= 200, qPrintable(QString::number(elapsed)));
+    QCOMPARE(duringJob, std::vector<int>());
+    QCOMPARE(beforeResult, std::vector<int>{200});
     QCOMPARE(dialogs.take().count(), 1);
 }
 
@@ -1026,6 +1097,32 @@ void AdvancedPageTest::defaultsReset()
             QStringLiteral("Operation complete. Restart the system for all settings to take "
                            "effect."),
             "tabAdvanced"));
+}
+
+void AdvancedPageTest::defaultsFail_data()
+{
+    addFailureCodes();
+}
+
+// The page looks at no result: what fails is told as the reset tells it, and then comes the end.
+void AdvancedPageTest::defaultsFail()
+{
+    QFETCH(int, code);
+    fault(QStringLiteral("Buzzer_setFrequency"), code);
+    applyFactoryDefaults();
+    const QStringList boxes = describe(dialogs.take());
+    QCOMPARE(boxes.isEmpty(), code == 2);
+    Page page;
+    page.show();
+    dialogs.plan(QMessageBox::Yes);
+    click(page.defaults);
+    const QStringList shown = describe(dialogs.take());
+    QCOMPARE(shown.mid(1, boxes.count()), boxes);
+    QCOMPARE(shown.mid(1 + boxes.count()),
+        QStringList(box(QMessageBox::Warning, "Default Settings",
+            QStringLiteral("Operation complete. Restart the system for all settings to take "
+                           "effect."),
+            "tabAdvanced")));
 }
 
 VORN_TEST_MAIN(AdvancedPageTest)

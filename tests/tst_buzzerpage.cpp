@@ -31,6 +31,8 @@ private slots:
     void loadFailure();
     void echoFailure_data();
     void echoFailure();
+    void triggerEchoFailure_data();
+    void triggerEchoFailure();
 
     void slidersSetTheDevice_data();
     void slidersSetTheDevice();
@@ -272,6 +274,28 @@ void BuzzerPageTest::echoFailure()
     QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Buzzer_"))))});
     QCOMPARE(text(page, "labelFreq"), "Freq\n 2400 Hz"_s);
     QCOMPARE(text(page, "labelVolume"), "Volume\n 20"_s);
+}
+
+void BuzzerPageTest::triggerEchoFailure_data()
+{
+    addFailureRows({"Buzzer_setTrigger"_s});
+}
+
+// The button shows what was read, whatever became of the echo.
+void BuzzerPageTest::triggerEchoFailure()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    setUnit("Buzzer.trigger"_s, "true"_s);
+    tabBuzzerDlg page;
+    calls();
+    fault(operation, code);
+    page.show();
+    QCOMPARE(calls().mid(4), (QStringList{"Buzzer_getTrigger() = 0 [true]"_s,
+                                 "Buzzer_setTrigger(true) = %1"_s.arg(code)}));
+    QCOMPARE(boxes(&page), QStringList{errorBox(code, "setTrigger"_s)});
+    QVERIFY(child<QPushButton>(&page, "buttonOn")->isChecked());
+    QCOMPARE(child<QPushButton>(&page, "buttonOn")->text(), "On"_s);
 }
 
 void BuzzerPageTest::slidersSetTheDevice_data()

@@ -1,11 +1,11 @@
 #include "pages/tabTouchDlg.h"
 #include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
@@ -21,6 +21,7 @@
 #include <QTextEdit>
 
 #include <iterator>
+#include <memory>
 
 using namespace support;
 
@@ -144,6 +145,7 @@ private slots:
     void cleanup();
 
     void form();
+    void unitTextBeforeAnyParameter();
     void layout();
     void readsParametersWhenMade();
     void readsModeAndParametersWhenShown();
@@ -165,10 +167,12 @@ private slots:
     void unknownParameter();
     void writesHighestValue_data();
     void writesHighestValue();
+    void dejitterTakesMoreThanItsUnitSays();
     void refusesHigherValue_data();
     void refusesHigherValue();
     void valueTexts_data();
     void valueTexts();
+    void returnKeyPressesNoButton();
     void refusesMissingParameter();
     void setParameterFails_data();
     void setParameterFails();
@@ -189,14 +193,19 @@ private:
     static QStringList dumpCalls();
     static QStringList parameterCall(int number, int value);
     static int value(int number) { return 500 + number; }
+    /** That value for the chosen parameter brings up the message alone. */
+    void verifyRefused(Page &page, int value, const char *message);
     /** A calibrator beside this program. */
     void installCalibrator(const char *script);
     void removeCalibrator();
+
+    std::unique_ptr<SkippedPauses> pauses;
 };
 
 void TouchPageTest::init()
 {
     DeviceTest::init();
+    pauses = std::make_unique<SkippedPauses>();
     for (int number = 0; number < parameterCount; ++number)
         setUnit(QStringLiteral("Touch.") + latin1(parameters[number].property),
             QString::number(value(number)));
@@ -207,6 +216,7 @@ void TouchPageTest::cleanup()
 {
     qDeleteAll(qApp->findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly));
     removeCalibrator();
+    pauses.reset();
     DeviceTest::cleanup();
 }
 
@@ -255,6 +265,19 @@ void TouchPageTest::form()
             "comboBoxCalib: QComboBox [5-point calibration | 13-point calibration] tip \"Use the 13p calibration if the 5p gives poor result at the edges of the display\""_s,
             "label_defaults: QLabel \"\" centred hidden"_s,
             "pushButtonDefaults: QPushButton \"Defaults\" hidden"_s}));
+}
+
+// The form without its page, whose slots Qt then misses.
+void TouchPageTest::unitTextBeforeAnyParameter()
+{
+    QDialog dialog;
+    Ui::tabTouch form;
+    form.setupUi(&dialog);
+    takeWarnings();
+    QTextDocument text;
+    text.setHtml(form.label_DataType->text());
+    QCOMPARE(text.toPlainText(), QStringLiteral("ms"));
+    QVERIFY(form.label_DataType->text().contains(QLatin1String("font-size:8pt")));
 }
 
 void TouchPageTest::layout()
@@ -371,7 +394,9 @@ void TouchPageTest::modeNotSupported()
 {
     fault(QStringLiteral("Touch_getMode"), 2, 1);
     Page page;
+    calls();
     page.show();
+    QCOMPARE(calls(), QStringList(QStringLiteral("Touch_getMode() = 2")) + dumpCalls());
     QVERIFY(page.profile->isHidden());
     QVERIFY(page.apply->isHidden());
     QVERIFY(page.applyNextBoot->isHidden());
@@ -541,6 +566,19 @@ void TouchPageTest::writesHighestValue()
     QCOMPARE(page.value->text(), QString::number(highest));
 }
 
+void TouchPageTest::dejitterTakesMoreThanItsUnitSays()
+{
+    Page page;
+    page.showAdvanced();
+    page.parameter->setCurrentText(QStringLiteral("UseDejitter"));
+    QCOMPARE(page.measure->text(), QStringLiteral("Boolean (0..1)"));
+    page.value->setText(QStringLiteral("2"));
+    calls();
+    click(page.applySetting);
+    QCOMPARE(calls().value(0), QStringLiteral("Touch_setAdvancedSetting(8, 2) = 0"));
+    QVERIFY(page.dumpText().contains(QLatin1String("\nUSE_DEJITTER: 2\n")));
+}
+
 void TouchPageTest::refusesHigherValue_data()
 {
     QTest::addColumn<int>("number");
@@ -551,17 +589,22 @@ void TouchPageTest::refusesHigherValue_data()
 void TouchPageTest::refusesHigherValue()
 {
     QFETCH(int, number);
+    const Parameter &parameter = parameters[number];
+    const char *noNumber = "Invalid data format. Please enter 0-65535.";
     Page page;
     page.showAdvanced();
     page.parameter->setCurrentIndex(number);
-    page.value->setText(QString::number(parameters[number].highest + 1));
+    verifyRefused(page, parameter.highest + 1, parameter.message ? parameter.message : noNumber);
+    verifyRefused(page, 70000, noNumber);
+}
+
+void TouchPageTest::verifyRefused(Page &page, int value, const char *message)
+{
+    page.value->setText(QString::number(value));
     calls();
     click(page.applySetting);
     QCOMPARE(calls(), QStringList());
-    const char *message = parameters[number].message;
-    QCOMPARE(describe(dialogs.take()),
-        QStringList(
-            errorBox(latin1(message ? message : "Invalid data format. Please enter 0-65535."))));
+    QCOMPARE(describe(dialogs.take()), QStringList(errorBox(latin1(message))));
 }
 
 void TouchPageTest::valueTexts_data()
@@ -619,6 +662,17 @@ void TouchPageTest::valueTexts()
             QCOMPARE(done.count(), 1 + parameterCount);
         }
     }
+}
+
+void TouchPageTest::returnKeyPressesNoButton()
+{
+    Page page;
+    page.showAdvanced();
+    calls();
+    QTest::keyClick(page.value, Qt::Key_Return);
+    QCOMPARE(calls(), QStringList());
+    for (const QPushButton *button : page.findChildren<QPushButton *>())
+        QVERIFY2(!button->autoDefault(), qPrintable(button->objectName()));
 }
 
 void TouchPageTest::refusesMissingParameter()
@@ -725,13 +779,18 @@ void TouchPageTest::dumpOfFailures()
     QCOMPARE(lines.count(), parameterCount + 1);
 }
 
+// The controller gets its time before each read of the dump, and before no other.
 void TouchPageTest::dumpPauses()
 {
+    const std::vector<int> oneDump(parameterCount, 10);
     Page page;
-    QElapsedTimer time;
-    time.start();
-    page.show();
-    QVERIFY2(time.elapsed() >= 110, qPrintable(QString::number(time.elapsed())));
+    QCOMPARE(pauses->take(), oneDump);
+    page.showAdvanced();
+    QCOMPARE(pauses->take(), oneDump);
+    QTest::keyClick(page.parameter, Qt::Key_Down);
+    QCOMPARE(pauses->take(), oneDump);
+    click(page.defaults);
+    QCOMPARE(pauses->take(), oneDump);
 }
 
 void TouchPageTest::installCalibrator(const char *script)
