@@ -3,6 +3,7 @@
 #include "frame/reportError.h"
 
 #include <QMessageBox>
+#include <QPushButton>
 
 tabDlg::tabDlg(QWidget *parent)
     : QDialog(parent, Qt::WindowFlags())
@@ -32,4 +33,10 @@ void tabDlg::showMessage(const QString &text)
     box.setText(text);
     box.setIcon(QMessageBox::Critical);
     box.exec();
+}
+
+void tabDlg::showOnOff(QPushButton *button, bool on)
+{
+    button->setChecked(on);
+    button->setText(on ? QStringLiteral("On") : QStringLiteral("Off"));
 }

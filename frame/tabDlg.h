@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <initializer_list>
 
+class QPushButton;
+
 /**
  * Base of every page of the main window. The frame shows a page's windowTitle in its title strip.
  * A plain tabDlg is the stand-in for a feature that the unit doesn't have. Main thread only.
@@ -35,6 +37,9 @@ protected:
 
     /** Modal box with the critical icon, for wrong input, which has no code. */
     void showMessage(const QString &text);
+
+    /** What the device does goes to a button that switches it: pressed and "On", or "Off". */
+    static void showOnOff(QPushButton *button, bool on);
 
 private:
     QString title;

@@ -53,7 +53,7 @@ void tabBuzzerDlg::loadTrigger()
     DeviceBool sounding = 0;
     const auto code = Buzzer_getTrigger(buzzer, &sounding);
     if (code == DEVICE_OK)
-        showOn(sounding != 0);
+        showOnOff(ui->buttonOn, sounding != 0);
     else
         hideOrReport(code, "getTrigger", {ui->buttonOn});
 }
@@ -62,7 +62,7 @@ void tabBuzzerDlg::buttonOnToggled(bool on)
 {
     const auto code = Buzzer_setTrigger(buzzer, on);
     if (code == DEVICE_OK)
-        showOn(on);
+        showOnOff(ui->buttonOn, on);
     else
         reportError(code, "setTrigger");
 }
@@ -77,12 +77,6 @@ void tabBuzzerDlg::sliderVolChanged(int volume)
 {
     showVolume(volume);
     reportError(Buzzer_setVolume(buzzer, std::uint16_t(volume)), "setVolume");
-}
-
-void tabBuzzerDlg::showOn(bool on)
-{
-    ui->buttonOn->setChecked(on);
-    ui->buttonOn->setText(on ? QStringLiteral("On") : QStringLiteral("Off"));
 }
 
 void tabBuzzerDlg::showFrequency(int hertz)

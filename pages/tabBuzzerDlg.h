@@ -30,7 +30,6 @@ private:
     void loadFrequency();
     void loadVolume();
     void loadTrigger();
-    void showOn(bool on);
     void showFrequency(int hertz);
     void showVolume(int volume);
 

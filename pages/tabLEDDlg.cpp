@@ -272,6 +272,5 @@ void tabLEDDlg::showSignalTexts(double hertz, int dutyCycle)
 void tabLEDDlg::showOn(bool on)
 {
     ledOn = on;
-    ui->buttonOff->setChecked(on);
-    ui->buttonOff->setText(on ? QStringLiteral("On") : QStringLiteral("Off"));
+    showOnOff(ui->buttonOff, on);
 }

@@ -50,7 +50,7 @@ void tabLightSensorDlg::showEvent(QShowEvent *)
         ui->pushButtonOn->setToolTip(QString());
         // Only clears the way for the start that counts, which tells if something is wrong.
         LightSensor_stopAverageCalc(lightSensor);
-        showOn(startMeasurement());
+        showOnOff(ui->pushButtonOn, startMeasurement());
     }
 }
 
@@ -62,7 +62,7 @@ void tabLightSensorDlg::hideEvent(QHideEvent *)
 void tabLightSensorDlg::onClicked(bool checked)
 {
     if (checked)
-        showOn(startMeasurement());
+        showOnOff(ui->pushButtonOn, startMeasurement());
     else
         stopMeasurement();
 }
@@ -91,22 +91,16 @@ void tabLightSensorDlg::stopMeasurement()
 {
     reportError(LightSensor_stopAverageCalc(lightSensor), "stopAverageCalc");
     updateTimer.stop();
-    showOn(false);
+    showOnOff(ui->pushButtonOn, false);
     ui->editIlumination->setText(notRunning);
     lastText = notRunning;
 }
 
 void tabLightSensorDlg::refuse(const QString &reason)
 {
-    showOn(false);
+    showOnOff(ui->pushButtonOn, false);
     ui->pushButtonOn->setEnabled(false);
     ui->pushButtonOn->setToolTip(reason);
-}
-
-void tabLightSensorDlg::showOn(bool on)
-{
-    ui->pushButtonOn->setChecked(on);
-    ui->pushButtonOn->setText(on ? QStringLiteral("On") : QStringLiteral("Off"));
 }
 
 void tabLightSensorDlg::updateIlluminance()

@@ -35,7 +35,6 @@ private:
     bool startMeasurement();
     void stopMeasurement();
     void refuse(const QString &reason);
-    void showOn(bool on);
     QString readIlluminance();
     void readRange(QString &text);
 

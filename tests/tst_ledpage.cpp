@@ -63,10 +63,8 @@ private slots:
     void standardColorFailure();
     void colorFailure_data();
     void colorFailure();
-    void pulsesFailure_data();
-    void pulsesFailure();
-    void idleTimeFailure_data();
-    void idleTimeFailure();
+    void repetitionFailure_data();
+    void repetitionFailure();
     void startupFailure_data();
     void startupFailure();
 
@@ -91,12 +89,10 @@ private slots:
     void sliderFailure_data();
     void sliderFailure();
     void pulses();
-    void setPulsesFailure_data();
-    void setPulsesFailure();
     void idleTime();
     void typedIdleTimeLosesItsRest();
-    void setIdleTimeFailure_data();
-    void setIdleTimeFailure();
+    void setRepetitionFailure_data();
+    void setRepetitionFailure();
     void everyChangeSwitchesOn_data();
     void everyChangeSwitchesOn();
     void startupSwitch();
@@ -466,12 +462,12 @@ void LEDPageTest::colorFailure()
     QCOMPARE(swatch(page), grey);
 }
 
-void LEDPageTest::pulsesFailure_data()
+void LEDPageTest::repetitionFailure_data()
 {
-    addFailureRows({"FrontLED_getNrOfPulses"_s});
+    addFailureRows({"FrontLED_getNrOfPulses"_s, "FrontLED_getIdleTime"_s});
 }
 
-void LEDPageTest::pulsesFailure()
+void LEDPageTest::repetitionFailure()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
@@ -481,29 +477,15 @@ void LEDPageTest::pulsesFailure()
     page.show();
     QCOMPARE(calls(), failing(loads, operation, code));
     const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getNrOfPulses"_s)});
-    QCOMPARE(child<QSpinBox>(&page, "spinBoxPulses")->isVisible(), !absent);
-    QCOMPARE(child<QSpinBox>(&page, "spinBoxPulses")->value(), 1);
-}
-
-void LEDPageTest::idleTimeFailure_data()
-{
-    addFailureRows({"FrontLED_getIdleTime"_s});
-}
-
-void LEDPageTest::idleTimeFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabLEDDlg page;
-    calls();
-    fault(operation, code);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
-    const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIdleTime"_s)});
-    QCOMPARE(child<QSpinBox>(&page, "spinBoxIdleTime")->isVisible(), !absent);
-    QCOMPARE(child<QSpinBox>(&page, "spinBoxIdleTime")->value(), 100);
+    const QString name = operation.mid(int(qstrlen("FrontLED_")));
+    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, name)});
+    const bool isPulses = name == "getNrOfPulses"_s;
+    const auto *spin = child<QSpinBox>(&page, isPulses ? "spinBoxPulses" : "spinBoxIdleTime");
+    const auto *other = child<QSpinBox>(&page, isPulses ? "spinBoxIdleTime" : "spinBoxPulses");
+    QCOMPARE(spin->isVisible(), !absent);
+    QCOMPARE(spin->value(), isPulses ? 1 : 100);
+    QVERIFY(other->isVisible());
+    QCOMPARE(other->value(), isPulses ? 1000 : 3);
 }
 
 void LEDPageTest::startupFailure_data()
@@ -786,24 +768,6 @@ void LEDPageTest::pulses()
                           "FrontLED_setNrOfPulses(99) = 0"_s}));
 }
 
-void LEDPageTest::setPulsesFailure_data()
-{
-    addFailureRows({"FrontLED_setSignal"_s, "FrontLED_setNrOfPulses"_s});
-}
-
-void LEDPageTest::setPulsesFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabLEDDlg page;
-    open(page);
-    fault(operation, code);
-    QTest::keyClick(child<QSpinBox>(&page, "spinBoxPulses"), Qt::Key_Up);
-    QCOMPARE(calls(), failing({sendSignal, "FrontLED_setNrOfPulses(4) = 0"_s}, operation, code));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("FrontLED_"))))});
-    QVERIFY(child<QSpinBox>(&page, "spinBoxPulses")->isVisible());
-}
-
 void LEDPageTest::idleTime()
 {
     tabLEDDlg page;
@@ -827,22 +791,32 @@ void LEDPageTest::typedIdleTimeLosesItsRest()
     QCOMPARE(spin->value(), 100);
 }
 
-void LEDPageTest::setIdleTimeFailure_data()
+void LEDPageTest::setRepetitionFailure_data()
 {
-    addFailureRows({"FrontLED_setSignal"_s, "FrontLED_setIdleTime"_s});
+    addFailureRows({"FrontLED_setSignal"_s, "FrontLED_setNrOfPulses"_s, "FrontLED_setIdleTime"_s});
 }
 
-void LEDPageTest::setIdleTimeFailure()
+void LEDPageTest::setRepetitionFailure()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
+    setUnit("FrontLED.dutyCycle"_s, "0"_s);
     tabLEDDlg page;
     open(page);
     fault(operation, code);
+    QTest::keyClick(child<QSpinBox>(&page, "spinBoxPulses"), Qt::Key_Up);
     QTest::keyClick(child<QSpinBox>(&page, "spinBoxIdleTime"), Qt::Key_Down);
-    QCOMPARE(calls(), failing({sendSignal, "FrontLED_setIdleTime(9) = 0"_s}, operation, code));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("FrontLED_"))))});
+    const auto send = "FrontLED_setSignal(2, 0) = 0"_s;
+    QCOMPARE(calls(),
+        failing({send, "FrontLED_setNrOfPulses(4) = 0"_s, send, "FrontLED_setIdleTime(9) = 0"_s},
+            operation, code));
+    // The signal goes out with each of the two changes.
+    const QString box = errorBox(code, operation.mid(int(qstrlen("FrontLED_"))));
+    QCOMPARE(boxes(&page),
+        operation == "FrontLED_setSignal"_s ? (QStringList{box, box}) : QStringList{box});
+    QVERIFY(child<QSpinBox>(&page, "spinBoxPulses")->isVisible());
     QVERIFY(child<QSpinBox>(&page, "spinBoxIdleTime")->isVisible());
+    QCOMPARE(button(page), "On"_s);
 }
 
 void LEDPageTest::everyChangeSwitchesOn_data()
