@@ -223,6 +223,9 @@ QProgressDialog *tabAdvancedDlg::createProgressDialog()
     dialog->setAutoReset(false);
     dialog->setMinimumDuration(0);
     dialog->setWindowTitle(QStringLiteral("Update progress"));
+    // By itself it would come up with the first events only, behind presses that wait there
+    // already.
+    dialog->show();
     return dialog;
 }
 

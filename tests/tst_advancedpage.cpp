@@ -251,6 +251,7 @@ private slots:
     void makesDialogForEachJob();
     void repaintsDuringJob();
     void othersWorkDuringJob();
+    void pressesDuringJobAreBlocked();
     void pausesBeforeResult();
     void states_data();
     void states();
@@ -852,6 +853,28 @@ void AdvancedPageTest::othersWorkDuringJob()
     click(page.front);
     QCOMPARE(posts, 6);
     QCOMPARE(dialogs.take().count(), 1);
+}
+
+// From the very first events on, as those of a double click.
+void AdvancedPageTest::pressesDuringJobAreBlocked()
+{
+    Page page;
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    for (int round = 0; round < 3; ++round)
+        questions.answers.append({FIRMWARE_INITIATING, 0, 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    const QPoint middle = page.front->mapTo(&page, page.front->rect().center());
+    int presses = 0;
+    questions.asked = [&](int) {
+        QTimer::singleShot(0, &page, [&] {
+            QTest::mouseClick(page.windowHandle(), Qt::LeftButton, Qt::NoModifier, middle);
+            ++presses;
+        });
+    };
+    click(page.front);
+    QCOMPARE(presses, 4);
+    QCOMPARE(jobCalls(), QStringList(startCall(jobs[4], QStringLiteral("/tmp/a.hex"), 0)));
+    QCOMPARE(describe(dialogs.take()), QStringList(verified()));
 }
 
 void AdvancedPageTest::pausesBeforeResult()
