@@ -226,6 +226,7 @@ private slots:
     void createsAndReleasesHandle();
     void showSetsCaption();
     void modeChangesCaptions();
+    void boxAloneTellsTheMode();
     void picksFile();
     void picksNoFile();
     void pickedCapitalsAreRefused();
@@ -419,6 +420,19 @@ void AdvancedPageTest::modeChangesCaptions()
     QCOMPARE(page.fpga->text(), QStringLiteral("Program FPGA"));
     QCOMPARE(page.front->text(), QStringLiteral("Program Front uC"));
     QCOMPARE(page.supervisor->text(), QStringLiteral("Program SS"));
+}
+
+void AdvancedPageTest::boxAloneTellsTheMode()
+{
+    fault(QStringLiteral("Firmware_startFrontVerification"), 5);
+    Page page;
+    prepare(page, jobs[1], QStringLiteral("/tmp/a.hex"));
+    const QSignalBlocker keepsCaptions(page.verify);
+    page.verify->setChecked(true);
+    QCOMPARE(page.front->text(), QStringLiteral("Program Front"));
+    click(page.front);
+    QCOMPARE(calls().value(0), startCall(jobs[4], QStringLiteral("/tmp/a.hex"), 5));
+    QCOMPARE(dialogs.take().count(), 1);
 }
 
 void AdvancedPageTest::picksFile()
