@@ -1,5 +1,4 @@
 #include "pages/tabTouchDlg.h"
-#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
 
@@ -100,11 +99,6 @@ QString latin1(const char *text)
     return QString::fromLatin1(text);
 }
 
-QString errorBox(const QString &text)
-{
-    return box(QMessageBox::Critical, "Vornsettings", text, "tabTouch");
-}
-
 /** Lines without those on what the tab widget has of its own: the buttons of its bar, and the tabs,
  *  of which the one that isn't shown has no place yet. */
 QStringList withoutTabBar(const QStringList &lines)
@@ -136,7 +130,7 @@ QStringList zombies()
 
 } // namespace
 
-class TouchPageTest : public DeviceTest
+class TouchPageTest : public PageTest
 {
     Q_OBJECT
 
@@ -152,7 +146,6 @@ private slots:
     void mode_data();
     void mode();
     void profilesExcludeEachOther();
-    void modeNotSupported();
     void modeFails_data();
     void modeFails();
     void writesMode_data();
@@ -195,6 +188,7 @@ private:
     static int value(int number) { return 500 + number; }
     /** That value for the chosen parameter brings up the message alone. */
     void verifyRefused(Page &page, int value, const char *message);
+    void modeNotSupported();
     /** A calibrator beside this program. */
     void installCalibrator(const char *script);
     void removeCalibrator();
@@ -204,7 +198,7 @@ private:
 
 void TouchPageTest::init()
 {
-    DeviceTest::init();
+    PageTest::init();
     pauses = std::make_unique<SkippedPauses>();
     for (int number = 0; number < parameterCount; ++number)
         setUnit(QStringLiteral("Touch.") + latin1(parameters[number].property),
@@ -217,7 +211,7 @@ void TouchPageTest::cleanup()
     qDeleteAll(qApp->findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly));
     removeCalibrator();
     pauses.reset();
-    DeviceTest::cleanup();
+    PageTest::cleanup();
 }
 
 QStringList TouchPageTest::parameterCall(int number, int value)
@@ -413,15 +407,16 @@ void TouchPageTest::modeNotSupported()
 
 void TouchPageTest::modeFails_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_getMode"_s});
 }
 
 void TouchPageTest::modeFails()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     if (code == 2)
         return modeNotSupported();
-    fault(QStringLiteral("Touch_getMode"), code, 1);
+    fault(operation, code, 1);
     Page page;
     calls();
     page.show();
@@ -474,19 +469,20 @@ void TouchPageTest::writesTouchModeWithoutProfile()
 
 void TouchPageTest::setModeFails_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_setMode"_s});
 }
 
 void TouchPageTest::setModeFails()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
-    fault(QStringLiteral("Touch_setMode"), code);
+    fault(operation, code);
     Page page;
     page.show();
     click(page.apply);
     click(page.applyNextBoot);
-    const QString error = errorBox(deviceError(code, "TouchScreenModeSettings"));
-    QCOMPARE(describe(dialogs.take()), QStringList({error, error}));
+    const QString error = errorBox(code, "TouchScreenModeSettings"_s);
+    QCOMPARE(boxes(&page), QStringList({error, error}));
 }
 
 void TouchPageTest::selectsParameter_data()
@@ -511,16 +507,17 @@ void TouchPageTest::selectsParameter()
 
 void TouchPageTest::parameterFails_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_getAdvancedSetting"_s});
 }
 
 void TouchPageTest::parameterFails()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     Page page;
     page.showAdvanced();
     calls();
-    fault(QStringLiteral("Touch_getAdvancedSetting"), code, 1);
+    fault(operation, code, 1);
     QTest::keyClick(page.parameter, Qt::Key_Down);
     QCOMPARE(calls(),
         QStringList(QStringLiteral("Touch_getAdvancedSetting(1) = %1").arg(code)) + dumpCalls());
@@ -604,7 +601,7 @@ void TouchPageTest::verifyRefused(Page &page, int value, const char *message)
     calls();
     click(page.applySetting);
     QCOMPARE(calls(), QStringList());
-    QCOMPARE(describe(dialogs.take()), QStringList(errorBox(latin1(message))));
+    QCOMPARE(boxes(&page), QStringList(latin1(message)));
 }
 
 void TouchPageTest::valueTexts_data()
@@ -654,8 +651,7 @@ void TouchPageTest::valueTexts()
         const QStringList done = calls();
         if (value < 0) {
             QCOMPARE(done, QStringList());
-            QCOMPARE(describe(dialogs.take()), QStringList(errorBox(QStringLiteral(
-                                                   "Invalid data format. Please enter 0-65535."))));
+            QCOMPARE(boxes(&page), QStringList("Invalid data format. Please enter 0-65535."_s));
         } else {
             QCOMPARE(
                 done.value(0), QStringLiteral("Touch_setAdvancedSetting(0, %1) = 0").arg(value));
@@ -686,30 +682,30 @@ void TouchPageTest::refusesMissingParameter()
         calls();
         click(page.applySetting);
         QCOMPARE(calls(), QStringList());
-        QCOMPARE(describe(dialogs.take()), QStringList(errorBox(QStringLiteral("Internal error"))));
+        QCOMPARE(boxes(&page), QStringList("Internal error"_s));
     }
 }
 
 void TouchPageTest::setParameterFails_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_setAdvancedSetting"_s});
 }
 
 void TouchPageTest::setParameterFails()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
-    fault(QStringLiteral("Touch_setAdvancedSetting"), code);
+    fault(operation, code);
     Page page;
     page.showAdvanced();
     calls();
     QTest::keyClick(page.applySetting, Qt::Key_Space);
     QCOMPARE(
-        calls(), QStringList({QStringLiteral("Touch_setAdvancedSetting(0, 500) = %1").arg(code),
-                     deviceTextCall(code)}) +
+        calls(), QStringList(QStringLiteral("Touch_setAdvancedSetting(0, 500) = %1").arg(code)) +
                      dumpCalls());
-    QCOMPARE(describe(dialogs.take()),
+    QCOMPARE(boxes(&page),
         QStringList(
-            errorBox(QStringLiteral("Error setAdvancedSetting: %1\n").arg(deviceText(code)))));
+            QStringLiteral("Error setAdvancedSetting: %1\n").arg(latin1(deviceErrorText(code)))));
 }
 
 void TouchPageTest::restoresDefaults()
@@ -728,21 +724,21 @@ void TouchPageTest::restoresDefaults()
 
 void TouchPageTest::restoreDefaultsFails_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_setAdvancedSetting"_s});
 }
 
 void TouchPageTest::restoreDefaultsFails()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
-    fault(QStringLiteral("Touch_setAdvancedSetting"), code);
+    fault(operation, code);
     Page page;
     page.showAdvanced();
     calls();
     click(page.defaults);
-    QCOMPARE(calls(), QStringList({QStringLiteral("Touch_setAdvancedSetting(11, 1) = %1").arg(code),
-                          deviceTextCall(code)}));
     QCOMPARE(
-        describe(dialogs.take()), QStringList(errorBox(deviceError(code, "setAdvancedSetting"))));
+        calls(), QStringList(QStringLiteral("Touch_setAdvancedSetting(11, 1) = %1").arg(code)));
+    QCOMPARE(boxes(&page), QStringList(errorBox(code, "setAdvancedSetting"_s)));
 }
 
 void TouchPageTest::showsDefaultsBesideAdvanced()
@@ -762,19 +758,20 @@ void TouchPageTest::showsDefaultsBesideAdvanced()
 
 void TouchPageTest::dumpOfFailures_data()
 {
-    addFailureCodes();
+    addFailureRows({"Touch_getAdvancedSetting"_s});
 }
 
 void TouchPageTest::dumpOfFailures()
 {
+    QFETCH(QString, operation);
     QFETCH(int, code);
     Page page;
-    fault(QStringLiteral("Touch_getAdvancedSetting"), code, 1, 3);
+    fault(operation, code, 1, 3);
     page.show();
     const QStringList lines = page.dumpText().split(QLatin1Char('\n'));
     QCOMPARE(lines.value(2), QStringLiteral("UNTOUCHLEVEL: 502"));
-    QCOMPARE(lines.value(3),
-        QStringLiteral("DEBOUNCE_TIME: Error getAdvancedSetting: ") + deviceText(code));
+    QCOMPARE(lines.value(3), QStringLiteral("DEBOUNCE_TIME: Error getAdvancedSetting: ") +
+                                 latin1(deviceErrorText(code)));
     QCOMPARE(lines.value(4), QStringLiteral("DEBOUNCE_TIMEOUT_TIME: 504"));
     QCOMPARE(lines.count(), parameterCount + 1);
 }
