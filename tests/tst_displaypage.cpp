@@ -42,8 +42,8 @@ private slots:
 
     void sliderSetsTheIntensity_data();
     void sliderSetsTheIntensity();
-    void setIntensityFailure_data();
-    void setIntensityFailure();
+    void writeFailure_data();
+    void writeFailure();
     void sensitivityChangesTheLabelOnly();
     void enableSendsFilterAndStarts_data();
     void enableSendsFilterAndStarts();
@@ -54,8 +54,6 @@ private slots:
     void disableFailure();
     void failedStartShowsUntilShownAgain();
     void ledDimming();
-    void ledDimmingFailure_data();
-    void ledDimmingFailure();
 
 private:
     void type(const tabBacklightDlg &page, const char *slider, Qt::Key key)
@@ -431,12 +429,13 @@ void DisplayPageTest::sliderSetsTheIntensity()
     QCOMPARE(unit("Backlight.intensity"_s), intensity);
 }
 
-void DisplayPageTest::setIntensityFailure_data()
+void DisplayPageTest::writeFailure_data()
 {
-    addFailureRows({"Backlight_setIntensity"_s});
+    addFailureRows({"Backlight_setIntensity"_s, "Backlight_setLedDimming"_s});
 }
 
-void DisplayPageTest::setIntensityFailure()
+// The page shows what was wished for, and goes on.
+void DisplayPageTest::writeFailure()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
@@ -446,10 +445,15 @@ void DisplayPageTest::setIntensityFailure()
     fault(operation, code);
     calls();
     type(page, "sliderBacklightLevel", Qt::Key_Right);
-    QCOMPARE(calls(), QStringList{"Backlight_setIntensity(1) = %1"_s.arg(code)});
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, "setIntensity"_s)});
+    click(&page, "checkBoxLedDim");
+    QCOMPARE(
+        calls(), failing({"Backlight_setIntensity(1) = 0"_s, "Backlight_setLedDimming(0) = 0"_s},
+                     operation, code));
+    QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
     QCOMPARE(text(page, "labelBLLevel"), "1"_s);
     QVERIFY(child<QSlider>(&page, "sliderBacklightLevel")->isVisible());
+    QVERIFY(!child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
+    QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isEnabled());
     QVERIFY(timer.isActive());
 }
 
@@ -583,27 +587,6 @@ void DisplayPageTest::ledDimming()
     QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(0) = 0"_s});
     click(&page, "checkBoxLedDim");
     QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(1) = 0"_s});
-}
-
-void DisplayPageTest::ledDimmingFailure_data()
-{
-    addFailureRows({"Backlight_setLedDimming"_s});
-}
-
-void DisplayPageTest::ledDimmingFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    fault(operation, code);
-    calls();
-    click(&page, "checkBoxLedDim");
-    QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(0) = %1"_s.arg(code)});
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, "setLedDimming"_s)});
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
-    QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isEnabled());
 }
 
 VORN_TEST_MAIN(DisplayPageTest)

@@ -114,6 +114,8 @@ private:
         page.show();
         calls();
     }
+    /** Shows the page while the operation fails, which is told unless it is not supported. */
+    void openFailing(tabLEDDlg &page, const QString &operation, int code, const QString &name);
     QString text(const tabLEDDlg &page, const char *label)
     {
         return child<QLabel>(&page, label)->text();
@@ -377,6 +379,17 @@ void LEDPageTest::startupIsOnForOneOnly()
     QCOMPARE(calls().constLast(), "FrontLED_getEnabledDuringStartup() = 0 [%1]"_s.arg(status));
 }
 
+void LEDPageTest::openFailing(
+    tabLEDDlg &page, const QString &operation, int code, const QString &name)
+{
+    calls();
+    fault(operation, code, 1);
+    page.show();
+    QCOMPARE(calls(), failing(loads, operation, code));
+    QCOMPARE(boxes(&page),
+        code == DEVICE_NOT_SUPPORTED ? QStringList() : QStringList{errorBox(code, name)});
+}
+
 void LEDPageTest::signalFailure_data()
 {
     addFailureRows({"FrontLED_getSignal"_s});
@@ -389,12 +402,8 @@ void LEDPageTest::signalFailure()
     tabLEDDlg page;
     page.show();
     page.hide();
-    calls();
-    fault(operation, code);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
+    openFailing(page, operation, code, "getSignal"_s);
     const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getSignal"_s)});
     for (const char *slider : {"sliderFreq", "sliderDutyC"})
         QCOMPARE(child<QSlider>(&page, slider)->isVisible(), !absent);
     QCOMPARE(child<QSlider>(&page, "sliderFreq")->value(), 20);
@@ -429,12 +438,8 @@ void LEDPageTest::standardColorFailure()
     tabLEDDlg page;
     page.show();
     page.hide();
-    calls();
-    fault(operation, code);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
+    openFailing(page, operation, code, operation);
     const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, operation)});
     QCOMPARE(child<QComboBox>(&page, "comboBoxColor")->isVisible(), !absent);
     QCOMPARE(child<QComboBox>(&page, "comboBoxColor")->currentIndex(), absent ? 1 : 6);
 }
@@ -451,12 +456,8 @@ void LEDPageTest::colorFailure()
     tabLEDDlg page;
     page.show();
     page.hide();
-    calls();
-    fault(operation, code);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
+    openFailing(page, operation, code, operation);
     const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, operation)});
     QCOMPARE(child<QLabel>(&page, "label_customcolor")->isVisible(), !absent);
     QCOMPARE(text(page, "label_customcolor"), absent ? "R:0 G:0 B:15"_s : "Undefined"_s);
     QCOMPARE(swatch(page), grey);
@@ -472,13 +473,9 @@ void LEDPageTest::repetitionFailure()
     QFETCH(QString, operation);
     QFETCH(int, code);
     tabLEDDlg page;
-    calls();
-    fault(operation, code);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
-    const bool absent = code == DEVICE_NOT_SUPPORTED;
     const QString name = operation.mid(int(qstrlen("FrontLED_")));
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, name)});
+    openFailing(page, operation, code, name);
+    const bool absent = code == DEVICE_NOT_SUPPORTED;
     const bool isPulses = name == "getNrOfPulses"_s;
     const auto *spin = child<QSpinBox>(&page, isPulses ? "spinBoxPulses" : "spinBoxIdleTime");
     const auto *other = child<QSpinBox>(&page, isPulses ? "spinBoxIdleTime" : "spinBoxPulses");
@@ -499,13 +496,8 @@ void LEDPageTest::startupFailure()
     QFETCH(QString, operation);
     QFETCH(int, code);
     tabLEDDlg page;
-    calls();
-    fault(operation, code, 1);
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
+    openFailing(page, operation, code, "getEnabledDuringStartup"_s);
     const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page),
-        absent ? QStringList() : QStringList{errorBox(code, "getEnabledDuringStartup"_s)});
     const auto *group = child<QGroupBox>(&page, "groupFrontLED");
     QCOMPARE(group->isVisible(), !absent);
     QCOMPARE(group->isEnabled(), absent);
