@@ -182,6 +182,8 @@ private slots:
     void calibratorEndsWithProgram();
 
 private:
+    /** A row for each parameter from that number on. Column: number. */
+    static void addParameters(int first);
     /** The calls of one dump of the values that init() has set. */
     static QStringList dumpCalls();
     static QStringList parameterCall(int number, int value);
@@ -259,6 +261,13 @@ void TouchPageTest::form()
             "comboBoxCalib: QComboBox [5-point calibration | 13-point calibration] tip \"Use the 13p calibration if the 5p gives poor result at the edges of the display\""_s,
             "label_defaults: QLabel \"\" centred hidden"_s,
             "pushButtonDefaults: QPushButton \"Defaults\" hidden"_s}));
+}
+
+void TouchPageTest::addParameters(int first)
+{
+    QTest::addColumn<int>("number");
+    for (int number = first; number < parameterCount; ++number)
+        QTest::newRow(parameters[number].listName) << number;
 }
 
 // The form without its page, whose slots Qt then misses.
@@ -487,9 +496,7 @@ void TouchPageTest::setModeFails()
 
 void TouchPageTest::selectsParameter_data()
 {
-    QTest::addColumn<int>("number");
-    for (int number = 1; number < parameterCount; ++number)
-        QTest::newRow(parameters[number].listName) << number;
+    addParameters(1);
 }
 
 void TouchPageTest::selectsParameter()
@@ -539,9 +546,7 @@ void TouchPageTest::unknownParameter()
 
 void TouchPageTest::writesHighestValue_data()
 {
-    QTest::addColumn<int>("number");
-    for (int number = 0; number < parameterCount; ++number)
-        QTest::newRow(parameters[number].listName) << number;
+    addParameters(0);
 }
 
 void TouchPageTest::writesHighestValue()
@@ -578,9 +583,7 @@ void TouchPageTest::dejitterTakesMoreThanItsUnitSays()
 
 void TouchPageTest::refusesHigherValue_data()
 {
-    QTest::addColumn<int>("number");
-    for (int number = 0; number < parameterCount; ++number)
-        QTest::newRow(parameters[number].listName) << number;
+    addParameters(0);
 }
 
 void TouchPageTest::refusesHigherValue()
