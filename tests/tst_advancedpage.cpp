@@ -1092,7 +1092,14 @@ void AdvancedPageTest::shutDownFails()
     fault(operation, code);
     Page page;
     page.show();
+    calls();
     click(page.shutdown);
+    // The text of the code is asked for once.
+    const QStringList done = DeviceTest::calls(); // clazy:exclude=skipped-base-method
+    QCOMPARE(done, QStringList({QStringLiteral("Firmware_shutDown() = %1").arg(code),
+                       QStringLiteral("deviceErrorText(%1) = %2")
+                           .arg(code)
+                           .arg(latin1(deviceErrorText(code)))}));
     QCOMPARE(boxes(&page), QStringList(errorBox(code, "shutDown"_s)));
 }
 

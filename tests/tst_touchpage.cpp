@@ -188,6 +188,18 @@ private:
     static QStringList dumpCalls();
     static QStringList parameterCall(int number, int value);
     static int value(int number) { return 500 + number; }
+    /** The call for the text of that code. Makes such a call itself. */
+    static QString errorTextCall(int code)
+    {
+        return QStringLiteral("deviceErrorText(%1) = %2")
+            .arg(code)
+            .arg(latin1(deviceErrorText(code)));
+    }
+    /** calls() with what it leaves out. */
+    QStringList callsWithTexts()
+    {
+        return DeviceTest::calls(); // clazy:exclude=skipped-base-method
+    }
     /** That value for the chosen parameter brings up the message alone. */
     void verifyRefused(Page &page, int value, const char *message);
     void modeNotSupported();
@@ -703,9 +715,10 @@ void TouchPageTest::setParameterFails()
     page.showAdvanced();
     calls();
     QTest::keyClick(page.applySetting, Qt::Key_Space);
-    QCOMPARE(
-        calls(), QStringList(QStringLiteral("Touch_setAdvancedSetting(0, 500) = %1").arg(code)) +
-                     dumpCalls());
+    const QStringList done = callsWithTexts();
+    QCOMPARE(done, QStringList({QStringLiteral("Touch_setAdvancedSetting(0, 500) = %1").arg(code),
+                       errorTextCall(code)}) +
+                       dumpCalls());
     QCOMPARE(boxes(&page),
         QStringList(
             QStringLiteral("Error setAdvancedSetting: %1\n").arg(latin1(deviceErrorText(code)))));
@@ -764,18 +777,29 @@ void TouchPageTest::dumpOfFailures_data()
     addFailureRows({"Touch_getAdvancedSetting"_s});
 }
 
+// Each failure is looked up before the next read.
 void TouchPageTest::dumpOfFailures()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
     Page page;
-    fault(operation, code, 1, 3);
+    calls();
+    fault(operation, code, 2, 3);
     page.show();
+    const QStringList done = callsWithTexts();
     const QStringList lines = page.dumpText().split(QLatin1Char('\n'));
+    QStringList expected = dumpCalls();
+    expected[3] = QStringLiteral("Touch_getAdvancedSetting(3) = %1").arg(code);
+    expected[4] = QStringLiteral("Touch_getAdvancedSetting(4) = %1").arg(code);
+    expected.insert(5, errorTextCall(code));
+    expected.insert(4, errorTextCall(code));
+    QCOMPARE(done.mid(1), expected);
+    const QString failure =
+        QStringLiteral("Error getAdvancedSetting: ") + latin1(deviceErrorText(code));
     QCOMPARE(lines.value(2), QStringLiteral("UNTOUCHLEVEL: 502"));
-    QCOMPARE(lines.value(3), QStringLiteral("DEBOUNCE_TIME: Error getAdvancedSetting: ") +
-                                 latin1(deviceErrorText(code)));
-    QCOMPARE(lines.value(4), QStringLiteral("DEBOUNCE_TIMEOUT_TIME: 504"));
+    QCOMPARE(lines.value(3), QStringLiteral("DEBOUNCE_TIME: ") + failure);
+    QCOMPARE(lines.value(4), QStringLiteral("DEBOUNCE_TIMEOUT_TIME: ") + failure);
+    QCOMPARE(lines.value(5), QStringLiteral("DOUBLECLICK_MAX_CLICK_TIME: 505"));
     QCOMPARE(lines.count(), parameterCount + 1);
 }
 
