@@ -1,0 +1,122 @@
+#include "frame/graphicalMode.h"
+
+#include "frame/VornSettings.h"
+#include "frame/tabMenuDlg.h"
+#include "tests/support/unit.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <QWindow>
+
+#include <functional>
+
+namespace {
+
+std::function<void(VornSettings *)> visit; ///< called once the event loop runs
+QStringList releasedBeforeApplication; ///< lines of the journal when the application object goes
+
+QStringList journal()
+{
+    QStringList lines;
+    for (const auto &call : virtualunit::takeJournal())
+        lines << support::text(call.text());
+    return lines;
+}
+
+/// The window, if it is the only visible one.
+VornSettings *onlyWindow()
+{
+    QWidgetList visible;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible())
+            visible << widget;
+    }
+    return visible.size() == 1 ? qobject_cast<VornSettings *>(visible.constFirst()) : nullptr;
+}
+
+void whenApplicationStarts()
+{
+    qAddPostRoutine([] { releasedBeforeApplication = journal(); });
+    QTimer::singleShot(0, qApp, [] { visit(onlyWindow()); });
+}
+Q_COREAPP_STARTUP_FUNCTION(whenApplicationStarts)
+
+} // namespace
+
+/// The whole graphical mode, from its application object to its exit value.
+class TestGraphicalMode : public QObject
+{
+    Q_OBJECT
+
+private:
+    static int run(const std::function<void(VornSettings *)> &look)
+    {
+        char name[] = "VornSettings";
+        char *argv[] = {name, nullptr};
+        int argc = 1;
+        visit = look;
+        releasedBeforeApplication.clear();
+        return runGraphicalMode(argc, argv);
+    }
+
+private slots:
+    // Without a battery no thread outlives its window.
+    void init()
+    {
+        support::freshUnit();
+        support::put("Battery.available", "0");
+        virtualunit::startJournal();
+    }
+
+    // A title bar with a system menu and a close button, no other buttons, one size.
+    void window()
+    {
+        bool seen = false;
+        const int result = run([&seen](VornSettings *window) {
+            seen = window != nullptr;
+            if (!seen)
+                return QCoreApplication::quit();
+            const Qt::WindowFlags hints = Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                                          Qt::MSWindowsFixedSizeDialogHint;
+            QWidget like;
+            like.setWindowFlags(hints);
+            const auto flags = window->windowFlags();
+            const auto handleFlags = window->windowHandle()->flags();
+            const auto state = window->windowState();
+            const bool hasParent = window->parentWidget() != nullptr;
+            const QSize size = window->size();
+            const bool onMenu = window->findChild<tabMenuDlg *>()->isVisible();
+            window->close();
+            QCOMPARE(flags, like.windowFlags());
+            QCOMPARE(flags, hints | Qt::Window);
+            QCOMPARE(handleFlags, flags);
+            QCOMPARE(state, Qt::WindowNoState);
+            QVERIFY(!hasParent);
+            QCOMPARE(size, QSize(600, 435));
+            QVERIFY(onMenu);
+        });
+        QVERIFY(seen);
+        QCOMPARE(result, 0);
+    }
+
+    void givesTheLoopsResult()
+    {
+        QCOMPARE(run([](VornSettings *) { QCoreApplication::exit(42); }), 42);
+    }
+
+    // The window and its pages go before the application object.
+    void endsInOrder()
+    {
+        run([](VornSettings *window) {
+            journal();
+            window->close();
+        });
+        QCOMPARE(releasedBeforeApplication.value(0), QStringLiteral("T1 Hardware_release(#1)"));
+        QVERIFY(releasedBeforeApplication.size() > 10);
+        QCOMPARE(journal(), QStringList());
+    }
+};
+
+QTEST_APPLESS_MAIN(TestGraphicalMode)
+#include "tst_graphicalmode.moc"
