@@ -223,7 +223,7 @@ typedef struct FirmwareUpgradeStatus {
 /** Text of a code, constant, never null; the caller doesn't free it. Any thread. */
 VORNAUX2_API const char *deviceErrorText(int32_t code);
 
-/* Hardware: what the unit consists of. */
+/* Hardware: what the unit consists of. The program passes 200 bytes for a text. */
 
 /** Handle of the Hardware family. */
 typedef struct HardwareDevice *HardwareHandle;
@@ -395,7 +395,7 @@ VORNAUX2_API BuzzerHandle Buzzer_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void Buzzer_release(BuzzerHandle handle);
 
-/** Frequency of the tone in hertz. */
+/** Frequency of the tone in hertz, 700 to 10000. */
 VORNAUX2_API DeviceCode Buzzer_getFrequency(BuzzerHandle handle, uint16_t *hertz);
 /** Sets it. */
 VORNAUX2_API DeviceCode Buzzer_setFrequency(BuzzerHandle handle, uint16_t hertz);
@@ -419,7 +419,7 @@ VORNAUX2_API CanHandle Can_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void Can_release(CanHandle handle);
 
-/** Baud rate in kbit/s. */
+/** Baud rate of a channel in kbit/s. */
 VORNAUX2_API DeviceCode Can_getBaudrate(CanHandle handle, uint8_t channel, uint16_t *kbitPerSecond);
 /** Sets it. */
 VORNAUX2_API DeviceCode Can_setBaudrate(CanHandle handle, uint8_t channel, uint16_t kbitPerSecond);
@@ -470,7 +470,7 @@ VORNAUX2_API DeviceCode Config_setExtFanStartupPowerConfig(ConfigHandle handle, 
 VORNAUX2_API DeviceCode Config_getStartupVoltageConfig(ConfigHandle handle, double *volts);
 /** Sets it. */
 VORNAUX2_API DeviceCode Config_setStartupVoltageConfig(ConfigHandle handle, double volts);
-/** Temperature below which the heater runs first, in degrees C. Code 2: no heater. */
+/** Temperature below which the heater runs first, in degrees C, -25 to 5. Code 2: no heater. */
 VORNAUX2_API DeviceCode Config_getHeatingTempLimit(ConfigHandle handle, int16_t *celsius);
 /** Sets it. */
 VORNAUX2_API DeviceCode Config_setHeatingTempLimit(ConfigHandle handle, int16_t celsius);
@@ -565,15 +565,17 @@ VORNAUX2_API SmartHandle Smart_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void Smart_release(SmartHandle handle);
 
-/** Serial number of the first storage device. */
+/** Serial number of the first storage device; the program passes 21 bytes. */
 VORNAUX2_API DeviceCode Smart_getDeviceSerial(SmartHandle handle, char *buffer, uint32_t size);
-/** Estimated remaining lifetime of the first storage device in percent. */
+/** Estimated remaining lifetime of the first storage device in percent, 0 to 100. */
 VORNAUX2_API DeviceCode Smart_getRemainingLifetime(SmartHandle handle, uint8_t *percent);
 /** When the first storage device was first stamped, in seconds since 1970. */
 VORNAUX2_API DeviceCode Smart_getInitialTime(SmartHandle handle, int64_t *seconds);
-/** Serial number of the second storage device. Code 2: there is none. */
+/** Serial number of the second storage device; the program passes 21 bytes. Code 2: there is none.
+ */
 VORNAUX2_API DeviceCode Smart_getDeviceSerial2(SmartHandle handle, char *buffer, uint32_t size);
-/** Estimated remaining lifetime of the second storage device in percent. Code 2: there is none. */
+/** Estimated remaining lifetime of the second storage device in percent, 0 to 100. Code 2: there is
+ *  none. */
 VORNAUX2_API DeviceCode Smart_getRemainingLifetime2(SmartHandle handle, uint8_t *percent);
 /** When the second storage device was first stamped, in seconds since 1970. Code 2: there is none.
  */
@@ -608,22 +610,23 @@ VORNAUX2_API void Firmware_release(FirmwareHandle handle);
 /** Starts to write the FPGA image, a file ending in mcs. The path is Latin-1; reserved is false. */
 VORNAUX2_API DeviceCode Firmware_startFpgaUpgrade(
     FirmwareHandle handle, const char *path, bool reserved);
-/** Starts to compare the FPGA image, a file ending in mcs, with what the unit holds. */
+/** Starts to compare the FPGA image with what the unit holds; arguments as for the upgrade. */
 VORNAUX2_API DeviceCode Firmware_startFpgaVerification(
     FirmwareHandle handle, const char *path, bool reserved);
 /** Starts to write the system supervisor image, a file ending in hex. The path is Latin-1; reserved
- * is false. */
+ *  is false. */
 VORNAUX2_API DeviceCode Firmware_startSSUpgrade(
     FirmwareHandle handle, const char *path, bool reserved);
-/** Starts to compare the system supervisor image, a file ending in hex, with what the unit holds.
- */
+/** Starts to compare the system supervisor image with what the unit holds; arguments as for the
+ *  upgrade. */
 VORNAUX2_API DeviceCode Firmware_startSSVerification(
     FirmwareHandle handle, const char *path, bool reserved);
 /** Starts to write the front controller image, a file ending in hex. The path is Latin-1; reserved
- * is false. */
+ *  is false. */
 VORNAUX2_API DeviceCode Firmware_startFrontUpgrade(
     FirmwareHandle handle, const char *path, bool reserved);
-/** Starts to compare the front controller image, a file ending in hex, with what the unit holds. */
+/** Starts to compare the front controller image with what the unit holds; arguments as for the
+ *  upgrade. */
 VORNAUX2_API DeviceCode Firmware_startFrontVerification(
     FirmwareHandle handle, const char *path, bool reserved);
 /** Progress of the job that was started on this handle. With wait it returns at the next news or
@@ -643,7 +646,8 @@ VORNAUX2_API FrontLEDHandle FrontLED_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void FrontLED_release(FrontLEDHandle handle);
 
-/** Blink frequency in hertz and duty cycle in percent. */
+/** Blink frequency in hertz, of which the program sets 0.2 to 30, and duty cycle in percent, 0 to
+ *  100. */
 VORNAUX2_API DeviceCode FrontLED_getSignal(
     FrontLEDHandle handle, double *hertz, uint8_t *dutyCycle);
 /** Sets them. */
@@ -784,7 +788,8 @@ VORNAUX2_API DeviceCode Touch_getAdvancedSetting(
 VORNAUX2_API DeviceCode Touch_setAdvancedSetting(
     TouchHandle handle, int32_t number, uint16_t value);
 
-/* Battery: the external battery. Temperatures in degrees C. */
+/* Battery: the external battery. Temperatures in degrees C. The program passes 20 bytes for a
+ * text. */
 
 /** Handle of the Battery family. */
 typedef struct BatteryDevice *BatteryHandle;
@@ -796,7 +801,7 @@ VORNAUX2_API void Battery_release(BatteryHandle handle);
 
 /** Whether a battery is connected. */
 VORNAUX2_API DeviceCode Battery_isAvailable(BatteryHandle handle, DeviceBool *available);
-/** Charge level in percent. */
+/** Charge level in percent, 0 to 100. */
 VORNAUX2_API DeviceCode Battery_getVoltageLevel(BatteryHandle handle, uint8_t *percent);
 /** BatteryChargingStatus. */
 VORNAUX2_API DeviceCode Battery_getChargingStatus(BatteryHandle handle, int32_t *status);
@@ -829,7 +834,7 @@ VORNAUX2_API SettingsHandle Settings_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void Settings_release(SettingsHandle handle);
 
-/** Value of a key. */
+/** Value of a key; the program passes 255 bytes. */
 VORNAUX2_API DeviceCode Settings_getString(
     SettingsHandle handle, const char *key, char *buffer, uint32_t size);
 /** Writes the value of a key. */
