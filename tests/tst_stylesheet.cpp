@@ -48,6 +48,19 @@ bool near(const QColor &one, const QColor &other, int tolerance)
            qAbs(one.blue() - other.blue()) <= tolerance;
 }
 
+/// What a dark mark or text on a lighter ground covers.
+QRect darkPart(const QImage &image)
+{
+    QRect dark;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qGray(image.pixel(x, y)) < 60)
+                dark |= QRect(x, y, 1, 1);
+        }
+    }
+    return dark;
+}
+
 /// The real window with an empty page that shows.
 class Stage
 {
@@ -332,6 +345,107 @@ private slots:
         QCOMPARE(image.pixelColor(40, middle), QColor(255, 194, 66));
         QCOMPARE(image.pixelColor(260, middle), QColor(50, 50, 50));
         verifyNear(image.pixelColor(150, 12), amberTop);
+    }
+
+    // Between the page's edge and the handle the groove is a bar of 5 pixels.
+    void sliderGroove()
+    {
+        Stage stage;
+        auto *slider = stage.place(new QSlider(Qt::Horizontal), QRect(50, 100, 300, 60));
+        slider->setRange(0, 100);
+        slider->setValue(50);
+        const QImage image = slider->grab().toImage();
+        int filled = 0;
+        int rest = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            filled += image.pixelColor(40, y) == QColor(255, 194, 66);
+            rest += image.pixelColor(260, y) == QColor(50, 50, 50);
+        }
+        QCOMPARE(filled, 5);
+        QCOMPARE(rest, 5);
+    }
+
+    void spinArrows_data()
+    {
+        QTest::addColumn<QStyle::SubControl>("button");
+        QTest::newRow("up") << QStyle::SC_SpinBoxUp;
+        QTest::newRow("down") << QStyle::SC_SpinBoxDown;
+    }
+
+    // A pressed arrow gives way by a pixel to the right and down.
+    void spinArrows()
+    {
+        QFETCH(QStyle::SubControl, button);
+        Stage stage;
+        auto *spin = stage.place(new QSpinBox, QRect(50, 100, 120, 80));
+        spin->setRange(0, 100);
+        spin->setValue(50);
+        QStyleOptionSpinBox option;
+        option.initFrom(spin);
+        const QRect place =
+            spin->style()->subControlRect(QStyle::CC_SpinBox, &option, button, spin);
+        // Without the button's edges.
+        const auto arrow = [&] {
+            return darkPart(spin->grab(place.adjusted(4, 4, -4, -4)).toImage());
+        };
+        const QRect before = arrow();
+        QVERIFY(!before.isEmpty());
+        QTest::mousePress(spin, Qt::LeftButton, {}, place.center());
+        const QRect pressed = arrow();
+        QTest::mouseRelease(spin, Qt::LeftButton, {}, place.center());
+        QCOMPARE(pressed, before.translated(1, 1));
+        QCOMPARE(arrow(), before);
+    }
+
+    void tabPane()
+    {
+        Stage stage;
+        auto *tabs = stage.place(new QTabWidget, QRect(50, 50, 400, 150));
+        tabs->addTab(new QWidget, QStringLiteral("GPS"));
+        const QImage image = tabs->grab().toImage();
+        const int top = tabs->tabBar()->geometry().bottom() + 1;
+        const auto band = [&](int y) { return image.pixelColor(300, top + y).red(); };
+        QVERIFY2(band(2) > 150 && band(0) < 110 && band(4) < 110,
+            qPrintable(QStringLiteral("%1 %2 %3").arg(band(0)).arg(band(2)).arg(band(4))));
+    }
+
+    void progressBar()
+    {
+        Stage stage;
+        auto *bar = stage.place(new QProgressBar, QRect(50, 100, 300, 40));
+        bar->setValue(50);
+        const QRect caption = darkPart(bar->grab(bar->rect().adjusted(4, 4, -4, -4)).toImage());
+        QVERIFY2(qAbs(caption.center().x() - 146) <= 2 && qAbs(caption.center().y() - 16) <= 2,
+            qPrintable(
+                QStringLiteral("%1, %2").arg(caption.center().x()).arg(caption.center().y())));
+        bar->setTextVisible(false);
+        const QImage image = bar->grab().toImage();
+        verifyNear(image.pixelColor(60, 8), amberTop);
+        verifyNear(image.pixelColor(60, 34), amberBottom, 40);
+        verifyNear(image.pixelColor(240, 4), greyTop);
+    }
+
+    // Its indicator is a picture that isn't there.
+    void radioButton()
+    {
+        Stage stage;
+        auto *radio = stage.place(new QRadioButton, QRect(50, 100, 60, 40));
+        QImage without = stage.page->grab(radio->geometry()).toImage();
+        radio->setChecked(true);
+        QCOMPARE(stage.page->grab(radio->geometry()).toImage(), without);
+        radio->hide();
+        QCOMPARE(stage.page->grab(radio->geometry()).toImage(), without);
+    }
+
+    void listHover()
+    {
+        Stage stage;
+        auto *list = stage.place(new QListWidget, QRect(50, 50, 200, 200));
+        list->addItems({QString(), QString(), QString()});
+        const QRect item = list->visualItemRect(list->item(1));
+        QTest::mouseMove(list->viewport(), item.center());
+        QTRY_VERIFY(near(list->viewport()->grab().toImage().pixelColor(item.center()),
+            QColor(0xEB, 0xED, 0xF8), 8));
     }
 
     void tabs()
