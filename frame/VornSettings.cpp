@@ -210,7 +210,8 @@ void VornSettings::menuClicked()
 
 void VornSettings::keyReleaseEvent(QKeyEvent *event)
 {
-    if (event->key() != Qt::Key_Escape)
+    // Where a held key repeats with releases, one long press would both leave a page and close.
+    if (event->key() != Qt::Key_Escape || event->isAutoRepeat())
         return event->ignore();
     event->accept();
     if (currentTab != menuTab)

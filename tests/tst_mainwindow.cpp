@@ -764,6 +764,27 @@ private slots:
         dialogs.take();
     }
 
+    // X11 repeats a held key with releases of its own: they must not go on from the menu and close.
+    void heldEscape()
+    {
+        VornSettings window;
+        window.show();
+        window.showTab(14);
+        const auto release = [&window](bool repeats) {
+            QKeyEvent event(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, QString(), repeats);
+            QCoreApplication::sendEvent(&window, &event);
+        };
+        release(true);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabOnOffDlg"));
+        release(false);
+        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        release(true);
+        QVERIFY(window.isVisible());
+        release(false);
+        QVERIFY(!window.isVisible());
+        dialogs.take();
+    }
+
     void exitButton()
     {
         VornSettings window;
