@@ -43,6 +43,17 @@ QString integrity(const QString &file)
     return answer;
 }
 
+/// Changes a file behind the unit's back.
+void execute(const QString &file, const QString &sql)
+{
+    sqlite3 *database = nullptr;
+    sqlite3_open_v2(QFile::encodeName(file).constData(), &database, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_busy_timeout(database, startTimeout);
+    if (sqlite3_exec(database, qPrintable(sql), nullptr, nullptr, nullptr) != SQLITE_OK)
+        qFatal("%s", sqlite3_errmsg(database));
+    sqlite3_close(database);
+}
+
 /// One operation of each family, as what the unit's file is to them all.
 std::vector<std::pair<QString, DeviceCode>> callEachFamily()
 {
@@ -107,6 +118,10 @@ private slots:
     void survivesKilledProgrammers();
     void servesSeveralProcesses();
     void showsChangesOfOthersAtOnce();
+    void bringsOlderFilesForward_data();
+    void bringsOlderFilesForward();
+    void leavesFilesOfOtherVersionsAlone_data();
+    void leavesFilesOfOtherVersionsAlone();
     void leavesBadFilesAlone_data();
     void leavesBadFilesAlone();
 
@@ -278,6 +293,73 @@ void UnitRobustnessTest::showsChangesOfOthersAtOnce()
             {QStringLiteral("fault"), QStringLiteral("Buzzer_getVolume"), QStringLiteral("-1")}),
         0);
     QCOMPARE(Buzzer_getVolume(buzzer, &volume), -1);
+}
+
+void UnitRobustnessTest::bringsOlderFilesForward_data()
+{
+    QTest::addColumn<QString>("difference");
+    QTest::newRow("before short messages") << QStringLiteral("DROP TABLE message;");
+    QTest::newRow("with short messages") << QString();
+}
+
+void UnitRobustnessTest::bringsOlderFilesForward()
+{
+    QFETCH(QString, difference);
+    const QString file = folder->filePath(QStringLiteral("old.sqlite"));
+    const auto tool = [&file](const QStringList &arguments) {
+        QProcess process;
+        process.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
+            QStringList{QStringLiteral("--unit"), file} + arguments);
+        process.waitForFinished(startTimeout);
+        return QString::fromUtf8(process.readAllStandardError() + process.readAllStandardOutput());
+    };
+    QCOMPARE(virtualunit::open(file.toStdString()), std::string());
+    QCOMPARE(virtualunit::set("Buzzer.volume", "23"), std::string());
+    {
+        const DeviceHandle<Settings_create, Settings_release> settings;
+        QCOMPARE(Settings_setString(settings, "VornsettingsGpsPort", "COM7"), 0);
+    }
+    const bool hasMessages = difference.isEmpty();
+    if (hasMessages)
+        QCOMPARE(virtualunit::addShortMessage("123", "kept"), std::string());
+    QCOMPARE(virtualunit::open(unitFile().toStdString()), std::string());
+    // A property that came later has no row in the file.
+    execute(file, QStringLiteral("DELETE FROM value WHERE name LIKE 'Gsm.%';") + difference +
+                      QStringLiteral("PRAGMA user_version = 1"));
+
+    const QString messages = tool({QStringLiteral("sms")});
+    QCOMPARE(messages.contains(QStringLiteral("kept")), hasMessages);
+    QVERIFY2(!messages.contains(QStringLiteral("vornunit:")), qPrintable(messages));
+    QCOMPARE(tool({QStringLiteral("get"), QStringLiteral("Buzzer.volume")}).trimmed(),
+        QStringLiteral("23"));
+    QCOMPARE(virtualunit::open(file.toStdString()), std::string());
+    QCOMPARE(virtualunit::addShortMessage("456", "new"), std::string());
+    std::string value;
+    QCOMPARE(virtualunit::get("Gsm.pinTries", value), std::string());
+    QCOMPARE(value, std::string("3"));
+    QCOMPARE(virtualunit::get("Settings.VornsettingsGpsPort", value), std::string());
+    QCOMPARE(value, std::string("COM7"));
+    QCOMPARE(integrity(file), QStringLiteral("ok"));
+}
+
+void UnitRobustnessTest::leavesFilesOfOtherVersionsAlone_data()
+{
+    QTest::addColumn<int>("version");
+    QTest::newRow("of the future") << 1000;
+    QTest::newRow("of none") << 0;
+    QTest::newRow("below all") << -1;
+}
+
+void UnitRobustnessTest::leavesFilesOfOtherVersionsAlone()
+{
+    QFETCH(int, version);
+    const QString file = folder->filePath(QStringLiteral("other.sqlite"));
+    QCOMPARE(virtualunit::open(file.toStdString()), std::string());
+    QCOMPARE(virtualunit::open(unitFile().toStdString()), std::string());
+    execute(file, QStringLiteral("PRAGMA user_version = %1").arg(version));
+    const QString said = fromBytes(virtualunit::open(file.toStdString()));
+    QVERIFY2(said.contains(QStringLiteral("another version")), qPrintable(said));
+    QCOMPARE(virtualunit::open(unitFile().toStdString()), std::string());
 }
 
 void UnitRobustnessTest::leavesBadFilesAlone_data()

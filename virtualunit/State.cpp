@@ -1,15 +1,18 @@
 #include "virtualunit/State.h"
 
 #include <cmath>
+#include <iterator>
 
 namespace virtualunit {
 
 namespace {
 
 constexpr std::int64_t applicationId = 0x566F726E;
-constexpr std::int64_t formatVersion = 1;
 
-constexpr auto schema = R"sql(
+/** What makes each version of the format of the one before. A new file goes through all of them, so
+ *  that it is like an old one that was brought forward. */
+constexpr const char *formatSteps[] = {
+    R"sql(
     CREATE TABLE unit (name TEXT PRIMARY KEY, value INTEGER) WITHOUT ROWID;
     CREATE TABLE value (name TEXT PRIMARY KEY, number REAL NOT NULL, text TEXT NOT NULL,
         since INTEGER NOT NULL, pinned INTEGER NOT NULL) WITHOUT ROWID;
@@ -18,9 +21,14 @@ constexpr auto schema = R"sql(
         after INTEGER NOT NULL, seen INTEGER NOT NULL) WITHOUT ROWID;
     CREATE TABLE delay (operation TEXT PRIMARY KEY, milliseconds INTEGER NOT NULL) WITHOUT ROWID;
     CREATE TABLE image (controller TEXT PRIMARY KEY, bytes BLOB NOT NULL);
-    CREATE TABLE message (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, number BLOB NOT NULL,
-        text BLOB NOT NULL);
-)sql";
+)sql",
+    // There are files of the first version that have it already.
+    R"sql(
+    CREATE TABLE IF NOT EXISTS message (id INTEGER PRIMARY KEY, time INTEGER NOT NULL,
+        number BLOB NOT NULL, text BLOB NOT NULL);
+)sql",
+};
+constexpr std::int64_t formatVersion = std::size(formatSteps);
 
 Failure damaged(const std::string &what)
 {
@@ -69,44 +77,50 @@ StateFile::StateFile(const std::string &path, const std::function<Snapshot()> &m
     cellWriter.emplace(database.prepare("REPLACE INTO value VALUES (?, ?, ?, ?, ?)"));
 }
 
-bool StateFile::isOurs()
+std::int64_t StateFile::version()
 {
     const auto id = database.number("PRAGMA application_id");
     const auto version = database.number("PRAGMA user_version");
-    if (id == applicationId && version == formatVersion)
-        return true;
+    if (id == applicationId && version >= 1 && version <= formatVersion)
+        return version;
     if (id == applicationId)
         throw Failure{StateForeign, "The unit's file was written by another version."};
     if (id != 0 || version != 0 || database.number("SELECT count(*) FROM sqlite_master") != 0)
         throw Failure{StateForeign, "The file is no virtual unit's."};
-    return false;
+    return 0;
 }
 
 void StateFile::recognise(const std::function<Snapshot()> &makeUnit)
 {
-    if (!isOurs())
-        create(makeUnit);
+    if (version() == 0) {
+        // Safe from kill without flushes, and a new unit has nothing yet that a power cut could
+        // take.
+        database.execute("PRAGMA synchronous = OFF");
+        bringForward(makeUnit);
+    }
     // Images are large, and damage in them shows when one is compared.
     for (const char *table : {"unit", "value", "string", "fault", "delay"}) {
         auto check = database.prepare("PRAGMA quick_check(" + std::string(table) + ")");
         if (check.step() && check.text(0) != "ok")
             throw damaged(check.text(0));
     }
+    if (version() != formatVersion)
+        bringForward(makeUnit);
 }
 
-void StateFile::create(const std::function<Snapshot()> &makeUnit)
+/** What the file holds stays: properties that came later have their first value without a row. */
+void StateFile::bringForward(const std::function<Snapshot()> &makeUnit)
 {
-    // Safe from kill without flushes, and a new unit has nothing yet that a power cut could take.
-    database.execute("PRAGMA synchronous = OFF");
     begin();
     try {
         // Another process may have been faster.
-        if (!isOurs()) {
-            database.execute(schema);
-            database.execute(("PRAGMA application_id = " + std::to_string(applicationId)).c_str());
-            database.execute(("PRAGMA user_version = " + std::to_string(formatVersion)).c_str());
+        const auto found = version();
+        for (auto next = found; next < formatVersion; ++next)
+            database.execute(formatSteps[next]);
+        database.execute(("PRAGMA application_id = " + std::to_string(applicationId)).c_str());
+        database.execute(("PRAGMA user_version = " + std::to_string(formatVersion)).c_str());
+        if (found == 0)
             replaceAll(makeUnit());
-        }
         commit();
     } catch (...) {
         rollback();

@@ -51,8 +51,8 @@ Snapshot freshSnapshot(std::int64_t epoch);
 class StateFile
 {
 public:
-    /** A file that is new or empty is filled by what makeUnit returns. Nothing is written to a file
-     *  that isn't ours or that is damaged. */
+    /** A file that is new or empty is filled by what makeUnit returns, one of an older format is
+     *  brought forward. Nothing is written to a file that isn't ours or that is damaged. */
     StateFile(const std::string &path, const std::function<Snapshot()> &makeUnit);
 
     /** Whether another connection has committed since the last load(). */
@@ -78,8 +78,8 @@ public:
 
 private:
     void recognise(const std::function<Snapshot()> &makeUnit);
-    void create(const std::function<Snapshot()> &makeUnit);
-    bool isOurs();
+    void bringForward(const std::function<Snapshot()> &makeUnit);
+    std::int64_t version(); ///< of the file's format; 0 if it is new or empty
     void loadCells(Snapshot &snapshot);
 
     Database database;
