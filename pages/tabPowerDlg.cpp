@@ -1,41 +1,17 @@
 #include "pages/tabPowerDlg.h"
 
+#include "frame/endWithApplication.h"
 #include "frame/reportError.h"
+#include "pages/MyThread.h"
 #include "platform/platform.h"
 
 #include <array>
-#include <memory>
 
 namespace {
 
 // Indices of the mode list.
 constexpr int startupMode = 0;
 constexpr int currentMode = 1;
-
-/**
- * The battery threads of the program. The page that starts one neither waits for it nor deletes
- * it; that is done when the application object goes, after the last window.
- */
-std::vector<std::unique_ptr<MyThread>> &monitors()
-{
-    static std::vector<std::unique_ptr<MyThread>> threads;
-    return threads;
-}
-
-void endMonitors()
-{
-    batteryKeepRunning.store(0, std::memory_order_relaxed);
-    for (const auto &thread : monitors())
-        thread->wait();
-    monitors().clear();
-}
-
-MyThread *newMonitor()
-{
-    if (monitors().empty())
-        qAddPostRoutine(endMonitors);
-    return monitors().emplace_back(std::make_unique<MyThread>()).get();
-}
 
 /** The boxes of the video channels, in the order of the mask's bits. */
 std::array<QCheckBox *, 4> videoBoxes(const Form<Ui::tabPower> &ui)
@@ -76,12 +52,13 @@ QString batteryErrorText(DeviceCode code, std::int32_t status)
 
 tabPowerDlg::tabPowerDlg(QWidget *parent)
     : tabDlg(parent)
-    , monitor(newMonitor())
 {
     ui->comboBoxMode->insertItem(startupMode, QStringLiteral("Power settings at start-up"));
     ui->comboBoxMode->insertItem(currentMode, QStringLiteral("Current power settings"));
     loadCurrentSettings();
 
+    auto *monitor = new MyThread;
+    endWithApplication(monitor, batteryKeepRunning);
     monitor->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost. Without a battery it has
     // cleared the flag again and is about to end.

@@ -3,7 +3,6 @@
 #include "frame/DeviceHandle.h"
 #include "frame/Form.h"
 #include "frame/tabDlg.h"
-#include "pages/MyThread.h"
 #include "ui_tabPowerDlg.h"
 
 #include <vector>
@@ -46,6 +45,5 @@ private:
     DeviceHandle<Power_create, Power_release> power;
     DeviceHandle<Battery_create, Battery_release> battery;
     DeviceHandle<Config_create, Config_release> config;
-    MyThread *monitor;
     std::uint8_t constructed = 0; ///< 0 keeps modeIndexChanged quiet while the list is filled
 };

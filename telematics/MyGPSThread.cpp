@@ -10,9 +10,11 @@ namespace {
 
 constexpr unsigned long pauseBetweenChunks = 10; // milliseconds
 
+/** A thread that its page gave up ends by itself, though the next one has set the flag again. */
 bool keepsRunning()
 {
-    return gpsKeepRunning.load(std::memory_order_relaxed) != 0;
+    return gpsKeepRunning.load(std::memory_order_relaxed) != 0 &&
+           !QThread::currentThread()->isInterruptionRequested();
 }
 
 QString antennaText(TelematicsHandle telematics)
@@ -33,6 +35,7 @@ QString shown(std::string_view text)
 
 void MyGPSThread::run()
 {
+    GpsLineShare line;
     gpsKeepRunning.store(1, std::memory_order_relaxed);
     GpsFields fields;
     DeviceHandle<Telematics_create, Telematics_release> telematics;
@@ -49,8 +52,7 @@ void MyGPSThread::run()
         showLines(chunk, fields);
     }
     telematics.release();
-    // Cleared first, so that nobody can take up a line that is being closed.
-    serialClose(gpsPort.exchange(nullptr));
+    line.giveBack();
 }
 
 /** Sentences are not put together across chunks: each piece of a cut one is looked at by itself. */

@@ -8,9 +8,9 @@
 /**
  * Reads the GPS receiver's line (gpsPort) and the state of its antenna, and sends what there is to
  * show. The line is opened and configured before the thread starts; the thread closes it and
- * clears gpsPort when it ends. It ends after gpsKeepRunning was set to 0, within one read, and has
- * a device handle of its own. Without a usable line it goes on asking for the antenna, without
- * pause.
+ * clears gpsPort when it ends. It ends after gpsKeepRunning was set to 0 or its interruption was
+ * requested, within one read, and has a device handle of its own. Without a usable line it goes on
+ * asking for the antenna, without pause.
  */
 class MyGPSThread : public QThread
 {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -21,13 +22,12 @@ using CommandBuffer = std::array<char, 256>;
 constexpr int pauseBetweenSteps = 100; // milliseconds
 constexpr char endOfSms = 0x1A;
 
-/** Puts the text and a zero at the buffer's beginning, as far as it fits. What stands behind stays
- *  as it was. */
-void fill(CommandBuffer &buffer, const std::string &text)
+/** Puts the three and a zero at the buffer's beginning, as far as they fit. What stands behind
+ * stays as it was. */
+void fill(CommandBuffer &buffer, const char *before, const QString &text, const char *after)
 {
-    const std::size_t length = std::min(std::strlen(text.c_str()), buffer.size() - 1);
-    std::copy_n(text.c_str(), length, buffer.begin());
-    buffer[length] = '\0';
+    std::snprintf(
+        buffer.data(), buffer.size(), "%s%s%s", before, text.toStdString().c_str(), after);
 }
 
 std::size_t measure(const CommandBuffer &buffer)
@@ -117,19 +117,19 @@ void tabTelematicsDlg::CallClicked()
         return showMessage(QStringLiteral("Please enter a number and some text"));
 
     CommandBuffer command{};
-    fill(command, "AT+CMGF=1\r\n");
+    fill(command, "AT+CMGF=1", {}, "\r\n");
     write(command);
     readReply(256);
     letRepliesShow();
 
-    fill(command, "AT+CMGS=" + ui->editNumber->text().toStdString() + "\r\n");
+    fill(command, "AT+CMGS=", ui->editNumber->text(), "\r\n");
     write(command);
     readReply(256);
     letRepliesShow();
 
     // The end mark takes the place of the text's zero, so that what is left of the command before
     // goes out behind it.
-    fill(command, ui->editSMStext->text().toStdString());
+    fill(command, "", ui->editSMStext->text(), "");
     command[measure(command)] = endOfSms;
     write(command);
     letRepliesShow();
@@ -145,7 +145,7 @@ void tabTelematicsDlg::HangUpClicked()
 void tabTelematicsDlg::CustomExecClicked()
 {
     CommandBuffer command{};
-    fill(command, ui->editCustomAT->text().toStdString() + "\r\n");
+    fill(command, "", ui->editCustomAT->text(), "\r\n");
     write(command);
     readReply(512);
 }
@@ -158,7 +158,7 @@ void tabTelematicsDlg::SetPinClicked()
     if (pin.size() != 4 || !isNumber || value >= 10000)
         return showMessage(QStringLiteral("Please enter a 4 digit PIN"));
     CommandBuffer command{};
-    fill(command, "AT+CPIN=" + pin.toStdString() + "\r\n");
+    fill(command, "AT+CPIN=", pin, "\r\n");
     write(command);
     readReply(128);
 }

@@ -1,5 +1,6 @@
 #include "telematics/tabTelematicsDlg.h"
 
+#include "frame/endWithApplication.h"
 #include "platform/platform.h"
 #include "telematics/telematicsState.h"
 
@@ -35,13 +36,12 @@ QString portName(SettingsHandle settings, const char *key, const char *usual)
     return QString::fromUtf8(name.data());
 }
 
-/** Ends a thread that didn't end in time later, when it is done, instead of under its feet. */
-void deleteWhenFinished(MyGPSThread *thread)
+/** Leaves a thread to end when its read does. What is left of it has nothing to show. */
+void giveUp(MyGPSThread *thread)
 {
     thread->disconnect();
-    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    if (thread->isFinished())
-        thread->deleteLater();
+    thread->requestInterruption();
+    endWithApplication(thread, gpsKeepRunning);
 }
 
 } // namespace
@@ -72,7 +72,7 @@ tabTelematicsDlg::~tabTelematicsDlg()
     }
     serialClose(std::exchange(gsmPort, nullptr));
     if (gpsThread)
-        deleteWhenFinished(gpsThread);
+        giveUp(gpsThread);
 }
 
 void tabTelematicsDlg::loadPortNames(SettingsHandle settings)
@@ -356,6 +356,8 @@ void tabTelematicsDlg::enterGpsTab()
     } else {
         ui->buttonToggleData->setEnabled(true);
         ui->editGpsDate->setText(QStringLiteral("INVALID"));
+        // Until the new thread has a share of its own: an earlier one may just be ending.
+        const GpsLineShare line;
         if (!gpsPort)
             openGpsPort();
         ui->buttonToggleData->show();
@@ -366,6 +368,8 @@ void tabTelematicsDlg::enterGpsTab()
 
 void tabTelematicsDlg::startGpsThread()
 {
+    if (gpsThread) // a dialog on the way let the tab be entered a second time
+        giveUp(gpsThread);
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost.
@@ -393,5 +397,5 @@ void tabTelematicsDlg::leaveGpsTab()
     if (thread->wait(longestThreadEnd))
         delete thread;
     else
-        deleteWhenFinished(thread);
+        giveUp(thread);
 }

@@ -11,10 +11,31 @@
  */
 
 /**
- * The line to the GPS receiver; null when closed. The page opens it while no GPS thread runs, the
- * thread closes and clears it. Atomic, since a thread that outlives its page still clears it.
+ * The line to the GPS receiver; null when closed. The page opens it, the GPS thread closes and
+ * clears it. Atomic, since a thread that outlives its page still does so.
  */
 extern std::atomic<SerialPort *> gpsPort;
+
+/**
+ * A share in gpsPort: whoever gives the last one back closes the line and clears gpsPort. There is
+ * more than one GPS thread only while an earlier one still sits in a read that outlasted its page's
+ * patience; the line mustn't go from under either of them.
+ */
+class GpsLineShare
+{
+public:
+    /** If the last share is being given back just now, waits until the line is closed. */
+    GpsLineShare();
+    ~GpsLineShare() { giveBack(); }
+    GpsLineShare(const GpsLineShare &) = delete;
+    GpsLineShare &operator=(const GpsLineShare &) = delete;
+
+    /** Before the end of the scope. */
+    void giveBack();
+
+private:
+    bool held = true;
+};
 
 /** The line to the modem; null when closed. Main thread only. */
 extern SerialPort *gsmPort;

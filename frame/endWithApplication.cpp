@@ -1,0 +1,58 @@
+#include "frame/endWithApplication.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr int longestEnd = 10000; // milliseconds, for all threads together
+
+struct Ending {
+    QThread *thread;
+    std::atomic<std::uint8_t> *keepRunning;
+};
+
+std::vector<Ending> &endings()
+{
+    static std::vector<Ending> all;
+    return all;
+}
+
+void endAll()
+{
+    for (const Ending &ending : endings())
+        ending.keepRunning->store(0, std::memory_order_relaxed);
+    const QDeadlineTimer end(longestEnd);
+    for (const Ending &ending : endings()) {
+        if (ending.thread->wait(end))
+            delete ending.thread;
+    }
+    endings().clear();
+}
+
+/** Those that have ended are only kept until the next one comes, so that they don't pile up. */
+void deleteEnded()
+{
+    const auto ended = [](const Ending &ending) {
+        if (!ending.thread->isFinished() || !ending.thread->wait(0))
+            return false;
+        delete ending.thread;
+        return true;
+    };
+    auto &all = endings();
+    all.erase(std::remove_if(all.begin(), all.end(), ended), all.end());
+}
+
+} // namespace
+
+void endWithApplication(QThread *thread, std::atomic<std::uint8_t> &keepRunning)
+{
+    if (endings().empty())
+        qAddPostRoutine(endAll);
+    deleteEnded();
+    endings().push_back({thread, &keepRunning});
+}
