@@ -460,50 +460,54 @@ private slots:
         QCOMPARE(line.receive(1, 50), QByteArray()); // no echo
     }
 
-    void silence()
+    // Three lines at once, since each takes its seconds.
+    void silences()
     {
-        const PseudoTerminal line;
-        const Port port = configured(line);
+        const PseudoTerminal silent;
+        PseudoTerminal replying;
+        PseudoTerminal trickling;
+        const Port silentPort = configured(silent);
+        const Port replyingPort = configured(replying);
+        const Port tricklingPort = configured(trickling);
+        const QByteArray reply(80, 'r');
+        QVERIFY(replying.send(reply));
+        Reading shortReply{};
+        Reading trickle{};
+        std::thread replyReader([&] { shortReply = read(replyingPort, 512); });
+        std::thread trickleReader([&] { trickle = read(tricklingPort, 16); });
+        std::thread trickler([&trickling] {
+            for (int byte = 0; byte < 3; ++byte) {
+                QTest::qSleep(1000);
+                trickling.send("t");
+            }
+        });
         char buffer[4] = {'k', 'e', 'e', 'p'};
         QElapsedTimer timer;
         timer.start();
         const double before = processorSeconds();
-        QCOMPARE(serialRead(port.get(), buffer, 4), 7);
-        QVERIFY(timer.elapsed() >= 3000 - early);
-        QVERIFY(timer.elapsed() < 3000 + late);
-        QVERIFY(processorSeconds() - before < 0.2);
+        const int result = serialRead(silentPort.get(), buffer, 4);
+        const auto silence = timer.elapsed();
+        const double used = processorSeconds() - before;
+        replyReader.join();
+        trickler.join();
+        trickleReader.join();
+
+        QCOMPARE(result, 7);
+        QVERIFY(silence >= 3000 - early);
+        QVERIFY(silence < 3000 + late);
+        QVERIFY(used < 0.2);
         QCOMPARE(QByteArray(buffer, 4), QByteArray("keep"));
-    }
 
-    void shortReply()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        const QByteArray reply(80, 'r');
-        QVERIFY(line.send(reply));
-        const Reading reading = read(port, 512);
-        QCOMPARE(reading.result, 7);
-        QCOMPARE(reading.bytes, padded(reply, 512));
-        QVERIFY(reading.milliseconds >= 3000 - early);
-        QVERIFY(reading.milliseconds < 3000 + late);
-    }
+        QCOMPARE(shortReply.result, 7);
+        QCOMPARE(shortReply.bytes, padded(reply, 512));
+        QVERIFY(shortReply.milliseconds >= 3000 - early);
+        QVERIFY(shortReply.milliseconds < 3000 + late);
 
-    void everyByteStartsTheSilenceAnew()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        std::thread sender([&line] {
-            for (int byte = 0; byte < 4; ++byte) {
-                QTest::qSleep(1000);
-                line.send("t");
-            }
-        });
-        const Reading reading = read(port, 16);
-        sender.join();
-        QCOMPARE(reading.result, 7);
-        QCOMPARE(reading.bytes, padded("tttt", 16));
-        QVERIFY(reading.milliseconds >= 7000 - early);
-        QVERIFY(reading.milliseconds < 7000 + late);
+        // Every byte starts the silence anew.
+        QCOMPARE(trickle.result, 7);
+        QCOMPARE(trickle.bytes, padded("ttt", 16));
+        QVERIFY(trickle.milliseconds >= 6000 - early);
+        QVERIFY(trickle.milliseconds < 6000 + late);
     }
 
     void fullAtOnce()
