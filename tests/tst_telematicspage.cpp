@@ -6,8 +6,8 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
-#include <filesystem>
 #include <memory>
+#include <thread>
 
 using support::child;
 using support::operator""_s;
@@ -44,8 +44,9 @@ private slots:
     void rawViewIsKept();
     void gpsTabWithUnopenablePort();
     void gpsPowerQueryFailureCountsAsOn();
-    void manyVisitsOfTheGpsTab();
     void pageGoesWhileTheThreadReads();
+    void threadOutlivesThePatience();
+    void programEndsWhileTheThreadReads();
     void gsmTabWithoutPower();
     void gsmTabOpensAndClosesTheLine();
     void gsmTabWithUnopenablePort();
@@ -53,7 +54,7 @@ private slots:
 
 private:
     void useLines();
-    static int descriptors();
+    void leaveGpsTab(const QWidget &page);
     static QTabWidget *tabs(const QWidget &page) { return child<QTabWidget>(&page, "tabWidget"); }
     static QString text(const QWidget &page, const char *edit)
     {
@@ -77,6 +78,25 @@ const char *const consoleButtons[] = {"pushButtonCall", "pushButtonCustomExec",
     "pushButtonGetNetwork", "pushButtonGetPIN", "pushButtonSetPin"};
 
 constexpr int threadEnd = 20000; // milliseconds, generous
+
+constexpr char endOnGpsTab[] = "--end-on-gps-tab";
+
+/** Zero bytes, which end a chunk's text, fill up what the thread's read waits for. */
+QByteArray fullChunk(const QByteArray &text)
+{
+    return text.leftJustified(512, '\0');
+}
+
+/** A program that ends while the GPS tab shows and its thread is in a read. */
+int endWhileReading(int argc, char *argv[])
+{
+    support::prepareEnvironment();
+    const QApplication application(argc, argv);
+    tabTelematicsDlg page;
+    page.show();
+    child<QTabWidget>(&page, "tabWidget")->setCurrentIndex(1);
+    return gpsPort.load() ? 0 : 1;
+}
 
 } // namespace
 
@@ -105,10 +125,16 @@ void TelematicsPageTest::useLines()
     QVERIFY(QFile::link(QFile::decodeName(gps->path()), folder->filePath("COM4"_s)));
 }
 
-int TelematicsPageTest::descriptors()
+/** Goes to the first tab, while the receiver says something that ends the thread's read. */
+void TelematicsPageTest::leaveGpsTab(const QWidget &page)
 {
-    const std::filesystem::directory_iterator open("/proc/self/fd");
-    return int(std::distance(begin(open), end(open)));
+    std::thread talker([this] {
+        while (gpsKeepRunning.load() != 0)
+            QThread::msleep(1);
+        gps->send(QByteArray(512, '\n'));
+    });
+    tabs(page)->setCurrentIndex(0);
+    talker.join();
 }
 
 void TelematicsPageTest::form()
@@ -511,17 +537,21 @@ void TelematicsPageTest::gpsTabShowsLiveData()
     QCOMPARE(text(page, "editGpsDate"), "INVALID"_s);
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isEnabled());
-    QVERIFY(gps->send(fix));
-    QTRY_COMPARE_WITH_TIMEOUT(text(page, "editGpsSat"), "08"_s, 10000);
+    QVERIFY(gps->send(fullChunk(fix)));
     QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
-    QVERIFY(text(page, "editGpsPos").startsWith("4807.038N"_s));
-    QVERIFY(text(page, "editGpsAlt").startsWith("545.4"_s));
-    QVERIFY(text(page, "editGpsSpeed").startsWith("022.4 knots"_s));
-    QVERIFY(text(page, "editGpsDate").endsWith("12:35:19"_s));
-    QVERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("$GPRMC"_s));
+    QCOMPARE(text(page, "editGpsDate"), "2024-03-23 - 12:35:19"_s);
+    QCOMPARE(text(page, "editGpsPos"), "4807.038N 01131.000E "_s);
+    QCOMPARE(text(page, "editGpsSat"), "08"_s);
+    QCOMPARE(text(page, "editGpsAlt"), "545.4 meters"_s);
+    QCOMPARE(text(page, "editGpsSpeed"), "022.4 knots, Heading: 084.4 degrees"_s);
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().remove(QLatin1Char('\n')),
+        QString::fromLatin1(fix).remove("\r\n"_s));
+    // The text grows with each chunk.
+    QVERIFY(gps->send(fullChunk("more\n")));
+    QTRY_VERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().endsWith("more\n"_s));
 
     // On leaving, five fields are emptied and the accuracy stays.
-    tabs(page)->setCurrentIndex(0);
+    leaveGpsTab(page);
     for (const char *edit :
         {"editGpsDate", "editGpsPos", "editGpsSat", "editGpsAlt", "editGpsSpeed"})
         QCOMPARE(text(page, edit), "INVALID"_s);
@@ -538,13 +568,12 @@ void TelematicsPageTest::rawViewIsKept()
     page.show();
     tabs(page)->setCurrentIndex(1);
     support::click(&page, "buttonToggleData");
-    tabs(page)->setCurrentIndex(0);
+    leaveGpsTab(page);
     tabs(page)->setCurrentIndex(1);
     QVERIFY(child<QWidget>(&page, "textEdit")->isVisible());
-    QVERIFY(gps->send("garbage \x80\xff\r\n"));
-    QTRY_VERIFY_WITH_TIMEOUT(
-        child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("garbage"_s), 10000);
-    tabs(page)->setCurrentIndex(0);
+    QVERIFY(gps->send(fullChunk("garbage \x80\xff\r\n")));
+    QTRY_VERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("garbage"_s));
+    leaveGpsTab(page);
 }
 
 void TelematicsPageTest::gpsTabWithUnopenablePort()
@@ -552,7 +581,11 @@ void TelematicsPageTest::gpsTabWithUnopenablePort()
     tabTelematicsDlg page;
     page.show();
     tabs(page)->setCurrentIndex(1);
-    QCOMPARE(boxes(&page).size(), 1);
+    const auto seen = dialogs.take();
+    QCOMPARE(seen.size(), 1);
+    QCOMPARE(seen[0].title, "Vornsettings"_s);
+    QCOMPARE(seen[0].text, "Could not open serial port: COM4"_s);
+    QCOMPARE(seen[0].icon, QMessageBox::Critical);
     QVERIFY(!gpsPort.load());
     // The tab stays usable, and its thread has nothing to read.
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
@@ -571,29 +604,7 @@ void TelematicsPageTest::gpsPowerQueryFailureCountsAsOn()
     tabs(page)->setCurrentIndex(1);
     QVERIFY(gpsPort.load());
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
-    tabs(page)->setCurrentIndex(0);
-}
-
-void TelematicsPageTest::manyVisitsOfTheGpsTab()
-{
-    // Without a line a visit takes 50 ms; with one, up to the 3 s that a silent read lasts.
-    setUnit("Telematics.gpsAntennaStatus"_s, "1"_s);
-    tabTelematicsDlg page;
-    page.show();
-    const auto visit = [&] {
-        tabs(page)->setCurrentIndex(1);
-        dialogs.take();
-        tabs(page)->setCurrentIndex(0);
-    };
-    visit();
-    const int before = descriptors();
-    for (int i = 0; i < 100; ++i)
-        visit();
-    QCOMPARE(descriptors(), before);
-    QCOMPARE(page.findChildren<QThread *>().size(), 0);
-    QStringList created = calls();
-    QCOMPARE(created.filter("Telematics_create"_s).size(),
-        created.filter("Telematics_release"_s).size() + 1);
+    leaveGpsTab(page);
 }
 
 void TelematicsPageTest::pageGoesWhileTheThreadReads()
@@ -602,12 +613,81 @@ void TelematicsPageTest::pageGoesWhileTheThreadReads()
     auto page = std::make_unique<tabTelematicsDlg>();
     page->show();
     tabs(*page)->setCurrentIndex(1);
-    QVERIFY(gps->send(fix));
-    QTRY_COMPARE_WITH_TIMEOUT(text(*page, "editGpsSat"), "08"_s, 10000);
-    calls();
+    QVERIFY(gps->send(fullChunk(fix)));
+    QTRY_COMPARE(text(*page, "editGpsSat"), "08"_s);
+    QElapsedTimer clock;
+    clock.start();
     page.reset();
+    QVERIFY(clock.elapsed() < 2000);
     QCOMPARE(int(gpsKeepRunning.load()), 0);
     QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
+}
+
+void TelematicsPageTest::threadOutlivesThePatience()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    QVERIFY(gps->send("slow"));
+    std::atomic<bool> over{false};
+    std::thread trickler([&] {
+        for (int tenths = 0; !over; ++tenths) {
+            if (tenths % 10 == 0)
+                gps->send(".");
+            QThread::msleep(100);
+        }
+    });
+    QElapsedTimer clock;
+    clock.start();
+    tabs(page)->setCurrentIndex(0);
+    const auto waited = clock.elapsed();
+    over = true;
+    trickler.join();
+    QVERIFY(waited >= 9900);
+    QVERIFY(waited < 15000);
+    QVERIFY(gpsPort.load());
+
+    // The next thread gets the line that the old one still reads from, and keeps it.
+    tabs(page)->setCurrentIndex(1);
+    calls();
+    QVERIFY(gps->send(QByteArray(512, '\n')));
+    const auto oldOneEnded = [&] { return calls().contains("Telematics_release()"_s); };
+    QVERIFY(QTest::qWaitFor(oldOneEnded, threadEnd));
+    QVERIFY(gpsPort.load());
+    QVERIFY(gps->send(QByteArray(512, '\n') + fullChunk(fix)));
+    QTRY_COMPARE(text(page, "editGpsSat"), "08"_s);
+    QVERIFY(!child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("slow"_s));
+    leaveGpsTab(page);
+    QVERIFY(!gpsPort.load());
+}
+
+void TelematicsPageTest::programEndsWhileTheThreadReads()
+{
+    useLines();
+    const termios found = gps->state();
+    QProcess program;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("VORN_UNIT"_s, folder->filePath("unit.sqlite"_s));
+    environment.insert("VORN_JOURNAL"_s, folder->filePath("journal"_s));
+    environment.insert("XDG_RUNTIME_DIR"_s, folder->path()); // else Qt complains
+    program.setProcessEnvironment(environment);
+    QElapsedTimer clock;
+    clock.start();
+    program.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(endOnGpsTab)});
+    QVERIFY(program.waitForFinished(threadEnd));
+    QVERIFY(clock.elapsed() >= 2900); // the read's silence
+    QCOMPARE(program.readAllStandardError(), QByteArray());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    // The thread came to its end: no handle is left, and the line is as it was.
+    QFile file(folder->filePath("journal"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray journal = file.readAll();
+    QCOMPARE(journal.count("Telematics_create"), 2);
+    QCOMPARE(journal.count("Telematics_release"), 2);
+    const termios left = gps->state();
+    QCOMPARE(cfgetospeed(&left), cfgetospeed(&found));
 }
 
 void TelematicsPageTest::gsmTabWithoutPower()
@@ -688,5 +768,14 @@ void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
-VORN_TEST_MAIN(TelematicsPageTest)
+int main(int argc, char *argv[])
+{
+    if (argc == 2 && qstrcmp(argv[1], endOnGpsTab) == 0)
+        return endWhileReading(argc, argv);
+    support::prepareEnvironment();
+    const QApplication application(argc, argv);
+    TelematicsPageTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_telematicspage.moc"
