@@ -47,9 +47,13 @@ private slots:
     void pageGoesWhileTheThreadReads();
     void threadOutlivesThePatience();
     void programEndsWhileTheThreadReads();
+    void tabChangesInOrder();
+    void gsmPowerQueryFailureCountsAsOn_data();
+    void gsmPowerQueryFailureCountsAsOn();
     void gsmTabWithoutPower();
     void gsmTabOpensAndClosesTheLine();
     void gsmTabWithUnopenablePort();
+    void gsmTabInTheGpsTabsPlace_data();
     void gsmTabInTheGpsTabsPlace();
 
 private:
@@ -690,6 +694,64 @@ void TelematicsPageTest::programEndsWhileTheThreadReads()
     QCOMPARE(cfgetospeed(&left), cfgetospeed(&found));
 }
 
+void TelematicsPageTest::tabChangesInOrder()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    const QStringList status = calls().mid(11); // behind the construction
+    QCOMPARE(status.size(), 9);
+    QCOMPARE(status.last(), "Telematics_getBTStartUpPowerStatus() = 0 [0]"_s);
+    const QStringList gsmPower{"Telematics_getGPRSPowerStatus() = 0 [1]"_s};
+    const QStringList gpsPower{"Telematics_getGPSPowerStatus() = 0 [1]"_s};
+
+    tabs(page)->setCurrentIndex(2);
+    QCOMPARE(calls(), status + gsmPower);
+    tabs(page)->setCurrentIndex(0);
+    QCOMPARE(calls(), status);
+
+    tabs(page)->setCurrentIndex(1);
+    QStringList made;
+    QVERIFY(QTest::qWaitFor([&] { return (made += calls()).size() == 12; }));
+    QCOMPARE(made, status + gpsPower +
+                       QStringList({"Telematics_create()"_s,
+                           "Telematics_getGPSAntennaStatus() = 0 [1]"_s})); // the thread's
+    leaveGpsTab(page);
+    QCOMPARE(calls(), status + QStringList{"Telematics_release()"_s});
+
+    setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
+    tabs(page)->setCurrentIndex(2);
+    QCOMPARE(calls().mid(9), QStringList{"Telematics_getGPRSPowerStatus() = 0 [0]"_s});
+    setUnit("Telematics.gpsPowerStatus"_s, "0"_s);
+    tabs(page)->setCurrentIndex(1);
+    QCOMPARE(calls().mid(9), QStringList{"Telematics_getGPSPowerStatus() = 0 [0]"_s});
+    QCOMPARE(boxes(&page), QStringList({errorBox(18, "getGPSAntennaStatus"_s)})); // it has no power
+}
+
+void TelematicsPageTest::gsmPowerQueryFailureCountsAsOn_data()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : failureCodes)
+        QTest::addRow("%d", code) << code;
+}
+
+void TelematicsPageTest::gsmPowerQueryFailureCountsAsOn()
+{
+    QFETCH(int, code);
+    useLines();
+    setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
+    tabTelematicsDlg page;
+    page.show();
+    fault("Telematics_getGPRSPowerStatus"_s, code);
+    tabs(page)->setCurrentIndex(2);
+    QCOMPARE(boxes(&page),
+        code == 2 ? QStringList() : QStringList({errorBox(code, "getGPRSPowerStatus"_s)}));
+    QVERIFY(gsmPort);
+    for (const char *name : consoleButtons)
+        QVERIFY(child<QPushButton>(&page, name)->isEnabled());
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), QString());
+}
+
 void TelematicsPageTest::gsmTabWithoutPower()
 {
     useLines();
@@ -752,17 +814,36 @@ void TelematicsPageTest::gsmTabWithUnopenablePort()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
+void TelematicsPageTest::gsmTabInTheGpsTabsPlace_data()
+{
+    QTest::addColumn<QString>("gpsPower");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("date");
+    QTest::newRow("on") << "1"_s << 0 << "GPS is not available!"_s;
+    QTest::newRow("off") << "0"_s << 0 << "Please enable GPS Power!"_s;
+    QTest::newRow("not supported") << "0"_s << 2 << "GPS is not available!"_s;
+    QTest::newRow("fault") << "0"_s << 5 << "GPS is not available!"_s;
+}
+
 void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
 {
+    QFETCH(QString, gpsPower);
+    QFETCH(int, code);
+    QFETCH(QString, date);
     useLines();
-    setUnit("Hardware.hasGps"_s, "false"_s);
+    fault("Hardware_hasGps"_s, 2); // the board has it, so that its power can be asked for
     tabTelematicsDlg page;
     page.show();
     QCOMPARE(tabs(page)->count(), 2);
+    setUnit("Telematics.gpsPowerStatus"_s, gpsPower);
+    if (code != 0)
+        fault("Telematics_getGPSPowerStatus"_s, code);
     tabs(page)->setCurrentIndex(1);
     QCOMPARE(tabs(page)->tabText(1), "GSM/GPRS"_s);
     QVERIFY(!gsmPort);
-    QCOMPARE(text(page, "editGpsDate"), "GPS is not available!"_s);
+    QVERIFY(!gpsPort.load());
+    QCOMPARE(text(page, "editGpsDate"), date);
+    QVERIFY(!child<QPushButton>(&page, "buttonToggleData")->isEnabled());
     QVERIFY(child<QPushButton>(&page, "pushButtonGetPIN")->isEnabled());
     support::click(&page, "pushButtonGetPIN");
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
