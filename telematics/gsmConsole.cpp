@@ -1,6 +1,7 @@
 #include "telematics/tabTelematicsDlg.h"
 
 #include "platform/platform.h"
+#include "telematics/modemReply.h"
 #include "telematics/telematicsState.h"
 
 #include <QCoreApplication>
@@ -53,36 +54,6 @@ void letRepliesShow()
     platform::pause(pauseBetweenSteps);
 }
 
-struct State {
-    const char *part; ///< of what the modem said, in any case of letters
-    const char *text;
-};
-
-constexpr State pinStates[] = {
-    {"READY", "PIN code status: Ok"},
-    {"SIM PIN", "PIN code status: Enter PIN"},
-    {"", "PIN code status: Unknown"},
-};
-
-// With the registration mode 0 in front. The first that fits decides, wherever it stands.
-constexpr State networkStates[] = {
-    {"0,0", "Network status: Searching"},
-    {"0,1", "Network status: Ok, registered"},
-    {"0,2", "Network status: Searching"},
-    {"0,3", "Network status: Registration denied"},
-    {"0,5", "Network status: Ok, Roaming"},
-    {"", "Network status: Unknown"},
-};
-
-template <std::size_t Count>
-QString stateText(const QString &reply, const State (&states)[Count])
-{
-    const auto *found = std::find_if(std::begin(states), std::end(states), [&](const State &state) {
-        return reply.contains(QString::fromLatin1(state.part), Qt::CaseInsensitive);
-    });
-    return QString::fromLatin1(found->text);
-}
-
 } // namespace
 
 void tabTelematicsDlg::readReply(std::size_t size)
@@ -95,20 +66,7 @@ void tabTelematicsDlg::readReply(std::size_t size)
 
 void tabTelematicsDlg::showModemReply(const char *buffer, std::size_t size)
 {
-    ui->textEditGSM->clear();
-    bool received = false;
-    // Zero bytes are passed over, and the pieces around them are shown joined.
-    for (std::size_t index = 0; index < size;) {
-        const char *piece = buffer + index;
-        const std::size_t length = ::strnlen(piece, size - index);
-        index += std::max<std::size_t>(length, 1);
-        if (length == 0)
-            continue;
-        received = true;
-        ui->textEditGSM->insertPlainText(QString::fromUtf8(piece, int(length)));
-    }
-    if (!received)
-        ui->textEditGSM->insertPlainText(QStringLiteral("No data received"));
+    ::showModemReply(ui->textEditGSM, buffer, size);
 }
 
 void tabTelematicsDlg::CallClicked()
@@ -167,12 +125,12 @@ void tabTelematicsDlg::GetPinStatusClicked()
 {
     writeWithZero("AT+CPIN?\r\n");
     readReply(128);
-    ui->editPinStatus->setText(stateText(ui->textEditGSM->toPlainText(), pinStates));
+    ui->editPinStatus->setText(pinStateText(ui->textEditGSM->toPlainText()));
 }
 
 void tabTelematicsDlg::GetNetworkStatusClicked()
 {
     writeWithZero("AT+CREG?\r\n");
     readReply(128);
-    ui->editNetworkStatus->setText(stateText(ui->textEditGSM->toPlainText(), networkStates));
+    ui->editNetworkStatus->setText(networkStateText(ui->textEditGSM->toPlainText()));
 }

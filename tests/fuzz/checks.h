@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/**
+ * What any bytes must do to the code that reads serial lines. Both end the process by a word on the
+ * standard error stream where something is wrong. The fuzzer calls them with bytes of its own
+ * making, the test with those that it has saved.
+ */
+
+/** Bytes of a GPS receiver, taken in chunks as the GPS thread takes them. */
+void checkGpsBytes(const std::uint8_t *bytes, std::size_t size);
+
+/** A modem's reply in the modem console. Makes an application object if there is none. */
+void checkModemReply(const std::uint8_t *bytes, std::size_t size);
