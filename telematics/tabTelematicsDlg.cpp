@@ -376,6 +376,8 @@ void tabTelematicsDlg::startGpsThread()
     while (gpsKeepRunning.load(std::memory_order_relaxed) == 0 && !gpsThread->isFinished())
         platform::pause(1);
     connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::insertPlainText);
+    // Else the view would stay at the first lines.
+    connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::ensureCursorVisible);
     connect(gpsThread, &MyGPSThread::newTime, ui->editGpsDate, &QLineEdit::setText);
     connect(gpsThread, &MyGPSThread::newPos, ui->editGpsPos, &QLineEdit::setText);
     connect(gpsThread, &MyGPSThread::newSat, ui->editGpsSat, &QLineEdit::setText);

@@ -4,6 +4,7 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <QElapsedTimer>
+#include <QScrollBar>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -577,6 +578,11 @@ void TelematicsPageTest::rawViewIsKept()
     QVERIFY(child<QWidget>(&page, "textEdit")->isVisible());
     QVERIFY(gps->send(fullChunk("garbage \x80\xff\r\n")));
     QTRY_VERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("garbage"_s));
+    // The newest lines show.
+    QVERIFY(gps->send(fullChunk(QByteArray("line\n").repeated(80) + "newest\n")));
+    QTRY_VERIFY(child<QPlainTextEdit>(&page, "textEdit")->toPlainText().endsWith("newest\n"_s));
+    const auto *bar = child<QPlainTextEdit>(&page, "textEdit")->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 0 && bar->value() == bar->maximum());
     leaveGpsTab(page);
 }
 
