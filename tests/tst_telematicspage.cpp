@@ -53,6 +53,7 @@ private slots:
     void gsmPowerQueryFailureCountsAsOn();
     void gsmTabWithoutPower();
     void gsmTabOpensAndClosesTheLine();
+    void longPortNamesAreCut();
     void gsmTabWithUnopenablePort();
     void gsmTabInTheGpsTabsPlace_data();
     void gsmTabInTheGpsTabsPlace();
@@ -787,7 +788,8 @@ void TelematicsPageTest::gsmTabWithoutPower()
 void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
 {
     useLines();
-    tabTelematicsDlg page;
+    auto made = std::make_unique<tabTelematicsDlg>();
+    auto &page = *made;
     page.show();
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
@@ -801,6 +803,28 @@ void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
 
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
+    made.reset();
+    QVERIFY(!gsmPort);
+}
+
+void TelematicsPageTest::longPortNamesAreCut()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    // The 255 bytes that are left name the line.
+    const QString path = QString::fromLatin1(gsm->path());
+    auto *edit = child<QLineEdit>(&page, "lineEditGSMdev");
+    edit->setText(path.rightJustified(255, QLatin1Char('/')) + "more"_s);
+    tabs(page)->setCurrentIndex(2);
+    QVERIFY(gsmPort);
+    tabs(page)->setCurrentIndex(0);
+    // The box has all of the name.
+    const QString nowhere = "/dev/"_s + QString(400, QLatin1Char('x'));
+    edit->setText(nowhere);
+    tabs(page)->setCurrentIndex(2);
+    QCOMPARE(dialogs.takeTexts(), QStringList{"Could not open serial port: "_s + nowhere});
+    QVERIFY(!gsmPort);
 }
 
 void TelematicsPageTest::gsmTabWithUnopenablePort()
