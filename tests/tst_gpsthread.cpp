@@ -9,6 +9,9 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <thread>
+#include <vector>
+
 #include <malloc.h>
 
 using support::PseudoTerminal;
@@ -322,6 +325,51 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 2, 6000);
         QVERIFY(reader.stop());
         QVERIFY(reader.labels.size() <= 3); // one for each silence: no spinning
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void lastThreadClosesTheLine()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader givenUp;
+        givenUp.start();
+        Reader next;
+        next.start();
+        // The flag is the next one's; who was given up ends by himself.
+        givenUp.thread.requestInterruption();
+        while (!givenUp.thread.wait(10))
+            QVERIFY(line.send(QByteArray(512, '\n')));
+        QVERIFY(gpsPort != nullptr);
+        QVERIFY(next.thread.isRunning());
+        QVERIFY(next.stop(line));
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void sharesOfManyThreads()
+    {
+        std::vector<std::thread> threads;
+        for (int number = 0; number < 4; ++number) {
+            threads.emplace_back([] {
+                for (int round = 0; round < 500; ++round) {
+                    GpsLineShare share;
+                    share.giveBack();
+                    share.giveBack(); // once is enough
+                    const GpsLineShare another;
+                }
+            });
+        }
+        for (auto &thread : threads)
+            thread.join();
+        const PseudoTerminal line;
+        gpsPort = configured(line);
+        {
+            const GpsLineShare first;
+            {
+                const GpsLineShare second;
+            }
+            QVERIFY(gpsPort != nullptr);
+        }
         QVERIFY(gpsPort == nullptr);
     }
 
