@@ -21,6 +21,8 @@ private slots:
     void profilesRoundTrip();
     void refusesBadProfiles_data();
     void refusesBadProfiles();
+    void featuresTakeTheirOperations_data();
+    void featuresTakeTheirOperations();
     void countOfZeroMeansNoFeature();
     void batteryGone();
     void antennaWithoutPower();
@@ -170,6 +172,59 @@ void UnitStateTest::refusesBadProfiles()
     QVERIFY(!virtualunit::loadProfile(file.fileName().toStdString()).empty());
     QVERIFY(!virtualunit::loadProfile("no such profile").empty());
     QCOMPARE(value("Buzzer.volume"), QStringLiteral("44"));
+}
+
+void UnitStateTest::featuresTakeTheirOperations_data()
+{
+    QTest::addColumn<QString>("operations"); // as a pattern
+    const auto row = [](const char *property, const char *operations) {
+        QTest::newRow(property) << QString::fromLatin1(operations);
+    };
+    row("Feature.lightSensor", "LightSensor_.*|Backlight_startAutomaticBL");
+    row("Feature.frontLed", "FrontLED_.*");
+    row("Feature.buzzer", "Buzzer_.*");
+    row("Feature.digitalIo", "DigIO_.*");
+    row("Feature.digitalOutputs", "DigIO_setDigIO");
+    row("Feature.externalFan", "(Config|Power)_.etExtFan.*");
+    row("Feature.heater", "Config_.etHeatingTempLimit");
+    row("Feature.suspend", "Config_.etSuspendMaxTime");
+    row("Feature.battery", "Battery_.*");
+    row("Feature.storage", "Smart_.*[^2]");
+    row("Feature.secondStorage", "Smart_.*2");
+    row("Feature.ledDimming", "Backlight_.etLedDimming");
+    row("Feature.backlightHealth", "Backlight_getHealthStatus");
+    row("Feature.automaticBacklight", "Backlight_.*AutomaticBL.*");
+    row("Feature.ledStartup", "FrontLED_.etEnabledDuringStartup");
+    row("Feature.powerOnStartup", "Config_.etPowerOnStartup");
+    row("Feature.buttonActions", "Config_.et(Long|Short)ButtonPressAction");
+    row("Feature.touchProfiles", "Touch_.et(Mode|MouseRightClickTime)");
+    row("Feature.touchSettings", "Touch_.etAdvancedSetting");
+    row("Feature.minMaxTemp", "Diagnostics_getMinMaxTemp");
+    row("Hardware.canCount", "Can_.*|(Config|Power)_.etCan.*");
+    row("Hardware.videoCount", "(Config|Power)_.etVideo.*");
+    row("Hardware.hasDisplay", "Backlight_.*|Power_.etBLPowerStatus");
+    row("Hardware.hasTouchscreen", "Touch_.*");
+    row("Hardware.hasWlan", "Telematics_.etWLAN.*");
+    row("Hardware.hasGps", "Telematics_.etGPS.*");
+    row("Hardware.hasGsm", "Telematics_.etGPRS.*");
+    row("Hardware.hasBluetooth", "Telematics_.etBT.*");
+    row("Telematics.available",
+        "Telematics_.*PowerStatus|Telematics_getGPSAntennaStatus|Hardware_getAddon.*");
+}
+
+void UnitStateTest::featuresTakeTheirOperations()
+{
+    QFETCH(QString, operations);
+    const QRegularExpression pattern(QRegularExpression::anchoredPattern(operations));
+    put(QTest::currentDataTag(), "0");
+    QStringList wrong;
+    for (const auto &operation : support::allOperations) {
+        const auto name = QString::fromLatin1(operation.name);
+        const bool lacking = codeOf(name) == DEVICE_NOT_SUPPORTED;
+        if (lacking != pattern.match(name).hasMatch())
+            wrong << name;
+    }
+    QCOMPARE(wrong, QStringList());
 }
 
 void UnitStateTest::countOfZeroMeansNoFeature()

@@ -35,7 +35,9 @@ DeviceCode Backlight_getHealthStatus(BacklightHandle handle, DeviceBool *healthy
 DeviceCode Backlight_startAutomaticBL(BacklightHandle handle)
 {
     return perform(__func__, handle, {}, Does::Write, [](Unit &unit) {
-        const Code code = unit.missing("Backlight.automaticBLStatus");
+        Code code = unit.missing("Backlight.automaticBLStatus");
+        if (code == Ok)
+            code = unit.missing("LightSensor.averaging");
         if (code == Ok) {
             // The control takes the light sensor for itself.
             unit.write("LightSensor.averaging", 0);
