@@ -47,6 +47,19 @@ draw_sign()
     icotool --create --output "$folder/$name.ico" "$@"
 }
 
+# draw_program: what Windows shows for the program's file, in its usual sizes.
+draw_program()
+{
+    folder=$1
+    set --
+    for size in 16 24 32 48 64; do
+        draw vorn "$size" "$scratch/vorn-$size.png"
+        set -- "$@" "$scratch/vorn-$size.png"
+    done
+    draw vorn 256 "$scratch/vorn-256.png"
+    icotool --create --output "$folder/vorn.ico" "$@" --raw "$scratch/vorn-256.png"
+}
+
 render()
 {
     folder=$1
@@ -56,6 +69,7 @@ render()
     draw_pair logo 286 "$folder/logo"
     draw vorn 256 "$folder/vorn.png"
     for sign in $signs; do draw_sign "$sign" "$folder"; done
+    draw_program "$folder"
 }
 
 # same_pixels A B [FRAME]: equal but for the rounding of another renderer version.
