@@ -4,7 +4,6 @@
 #include "report/systemReport.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 #include <cstring>
 
@@ -26,9 +25,9 @@ int main(int argc, char *argv[])
 
     if (argc == 3 && std::strcmp(argv[1], "--systemreport") == 0) {
         qInstallMessageHandler(dropToolkitWarnings);
-        const char *const path = argv[2]; // the application object may take arguments away
+        const QString path = platform::fileArgument(2, argv); // before any may be taken away
         QCoreApplication application(argc, argv);
-        writeSystemReport(QFile::decodeName(path));
+        writeSystemReport(path);
         return 0;
     }
     if (argc == 2 && std::strcmp(argv[1], "--factorydefault") == 0) {

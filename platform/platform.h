@@ -13,16 +13,22 @@ namespace platform {
 /**
  * Makes sure that the standard streams are open and that a reader who goes away ends nothing. Comes
  * first in main(): else the next file that is opened gets the number of a closed stream, and a
- * message would be written into a report or into the unit's memory.
+ * message would be written into a report or into the unit's memory. Windows: the system's own
+ * boxes about libraries and disks, for which nobody may be there, don't come up either.
  */
 void ensureStandardStreams();
 
+/** The path that stands at that place, which must exist, of main()'s arguments, with all its
+ *  characters. */
+QString fileArgument(int index, const char *const *arguments);
+
 /** Writes one line to the standard error stream, in the encoding of the user's terminal. Failures
- *  are ignored, there being nowhere left to tell them. */
+ *  are ignored, there being nowhere left to tell them. Windows: without such a stream it goes to
+ *  the console that the program was started from. */
 void printErrorLine(const QString &line);
 
-/** Shows a plain box with an OK button and waits until it is closed. In a run without windows it
- *  becomes an error line, and nothing waits. Main thread only. */
+/** Shows a plain box with an OK button and waits until it is closed. Linux: in a run without
+ *  windows it becomes an error line, and nothing waits. Main thread only. */
 void showBlockingMessage(const QString &title, const QString &text);
 
 /** Stands still for that many milliseconds, signals or not; no events are handled meanwhile. */
@@ -39,7 +45,8 @@ enum class BiosValue {
  *
  * Linux: the files board_name and bios_version of /sys/class/dmi/id, or of the folder that the
  * environment variable VORN_DMI_DIR names. The files are Latin-1; one line end at the end is not
- * part of the value.
+ * part of the value. Windows: the registry's values of these names, of any type; those that are
+ * stored without an ending zero may have 127 characters.
  */
 std::optional<std::u16string> biosText(BiosValue value);
 
@@ -47,8 +54,8 @@ std::optional<std::u16string> biosText(BiosValue value);
  *  the system can't represent the time only the line feed is left. Main thread only. */
 std::string timeStampLine(std::int64_t secondsSince1970);
 
-/** Log file of the hardware service. Linux: in /var/log, or in the folder that the environment
- *  variable VORN_LOG_DIR names. */
+/** Log file of the hardware service, in /var/log or on Windows in C:\, or else in the folder that
+ *  the environment variable VORN_LOG_DIR names. */
 std::filesystem::path hardwareErrorLog();
 
 /** Log file of the device library, in the program's folder. */
@@ -58,7 +65,8 @@ std::filesystem::path deviceServiceLog();
  * A library that is loaded at run time, for as long as this object lives.
  *
  * It is named as on Windows. Linux: "jida.dll" is libjida.so, looked for in the program's folder,
- * in the folder of the loaded device library and where the system looks for libraries.
+ * in the folder of the loaded device library and where the system looks for libraries. Windows
+ * looks in its own order, which begins with the program's folder.
  */
 class DynamicLibrary
 {

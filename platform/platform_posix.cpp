@@ -1,6 +1,7 @@
 #include "platform/platform.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QMessageBox>
 
 #include <array>
@@ -59,6 +60,11 @@ void ensureStandardStreams()
             return;
     }
     std::signal(SIGPIPE, SIG_IGN);
+}
+
+QString fileArgument(int index, const char *const *arguments)
+{
+    return QFile::decodeName(arguments[index]);
 }
 
 void printErrorLine(const QString &line)
