@@ -29,15 +29,10 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-/* Functions need no import attribute on Windows, and without it their addresses are constant
- * expressions there too, which the handle type of the program relies on. */
-#if defined(_WIN32) && defined(VORNAUX2_BUILD)
-#    define VORNAUX2_API __declspec(dllexport)
-#elif defined(_WIN32)
-#    define VORNAUX2_API
-#elif defined(__GNUC__)
-#    define VORNAUX2_API __attribute__((visibility("default")))
-#else
+/* What exports a function, if the compiler needs to be told: set by the build of a library alone.
+ * Callers need no import attribute on any system, and without it the functions' addresses are
+ * constant expressions, which the handle type of the program relies on. */
+#ifndef VORNAUX2_API
 #    define VORNAUX2_API
 #endif
 

@@ -1,10 +1,10 @@
 #include "virtualunit/Journal.h"
 
 #include "virtualunit/Property.h"
+#include "virtualunit/system/system.h"
 
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <mutex>
 #include <utility>
 
@@ -15,19 +15,13 @@ namespace {
 std::atomic<unsigned> generation{0};
 std::atomic<bool> inMemory{false};
 
-std::FILE *openJournalFile()
+/** Null without VORN_JOURNAL. */
+system::AppendedFile *journalFile()
 {
-    const char *path = std::getenv("VORN_JOURNAL");
-    std::FILE *file = path && *path ? std::fopen(path, "ab") : nullptr;
-    // A buffer that takes any line, so that each is appended by one write of its own.
-    if (file)
-        std::setvbuf(file, nullptr, _IOFBF, std::size_t{1} << 16);
-    return file;
-}
-
-std::FILE *journalFile()
-{
-    static std::FILE *const file = openJournalFile();
+    static system::AppendedFile *const file = [] {
+        const auto path = system::environment("VORN_JOURNAL");
+        return path.empty() ? nullptr : system::AppendedFile::open(system::pathOf(path)).release();
+    }();
     return file;
 }
 
@@ -89,11 +83,8 @@ void journal(const char *operation, std::optional<unsigned> handle, std::string 
     auto &calls = record();
     const std::lock_guard lock(calls.mutex);
     call.thread = threadNumber(calls);
-    if (auto *file = journalFile()) {
-        const auto line = call.text() + "\n";
-        std::fwrite(line.data(), 1, line.size(), file);
-        std::fflush(file);
-    }
+    if (auto *file = journalFile())
+        file->append(call.text() + "\n");
     if (inMemory)
         calls.calls.push_back(std::move(call));
 }
@@ -127,7 +118,7 @@ std::string Call::text() const
     line += arguments + ")";
     const bool givesText = operation.ends_with("Text");
     if (!result.empty() || givesText)
-        line += " = " + (givesText ? quoted(result) : result);
+        line += " = " + (givesText ? virtualunit::quoted(result) : result);
     if (!outs.empty())
         line += " [" + outs + "]";
     return line;

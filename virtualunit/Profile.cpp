@@ -2,6 +2,7 @@
 
 #include "virtualunit/Operation.h"
 #include "virtualunit/assign.h"
+#include "virtualunit/system/system.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,7 +29,7 @@ std::string profileSource(const std::string &nameOrPath)
         if (nameOrPath == profile->name)
             return profile->text;
     }
-    std::ifstream file(nameOrPath, std::ios::binary);
+    std::ifstream file(system::pathOf(nameOrPath), std::ios::binary);
     std::ostringstream text;
     if (!file || !(text << file.rdbuf())) {
         std::string names;

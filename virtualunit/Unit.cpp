@@ -1,6 +1,7 @@
 #include "virtualunit/Unit.h"
 
 #include "virtualunit/Profile.h"
+#include "virtualunit/system/system.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -10,27 +11,20 @@ namespace virtualunit {
 
 namespace {
 
-std::string environment(const char *name)
-{
-    const char *value = std::getenv(name);
-    return value ? value : "";
-}
-
 std::string defaultPath()
 {
-    namespace fs = std::filesystem;
-    fs::path folder = environment("XDG_DATA_HOME");
-    if (!folder.is_absolute())
-        folder = fs::path(environment("HOME")) / ".local" / "share";
-    if (!folder.is_absolute())
-        throw Failure{StateUnavailable, "Neither VORN_UNIT nor HOME names a place for the unit."};
+    auto folder = system::userDataFolder();
+    if (folder.empty())
+        throw Failure{StateUnavailable, std::string("Neither VORN_UNIT nor ") +
+                                            system::userDataVariable +
+                                            " names a place for the unit."};
     folder /= "VornSettings";
     std::error_code error;
-    fs::create_directories(folder, error);
+    std::filesystem::create_directories(folder, error);
     if (error)
         throw Failure{StateUnavailable,
-            "The folder " + folder.string() + " can't be made: " + error.message() + "."};
-    return (folder / "unit.sqlite").string();
+            "The folder " + system::textOf(folder) + " can't be made: " + error.message() + "."};
+    return system::textOf(folder / "unit.sqlite");
 }
 
 } // namespace
@@ -49,7 +43,15 @@ Unit &Unit::instance()
         auto *made = new Unit;
         std::atexit([] {
             auto &ending = instance();
-            const std::lock_guard lock(ending.mutex);
+            // A thread that the system has ended already never gives back what it held. What it
+            // left half done is seen to by the next process that opens the file.
+            std::unique_lock lock(ending.mutex, std::try_to_lock);
+            for (int tries = 0; !lock && tries < 1000; ++tries) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                lock.try_lock();
+            }
+            if (!lock)
+                return;
             ending.file.reset();
             ending.finished = true;
         });
@@ -61,7 +63,7 @@ Unit &Unit::instance()
 std::string Unit::path()
 {
     if (!chosenPath) {
-        const auto named = environment("VORN_UNIT");
+        const auto named = system::environment("VORN_UNIT");
         chosenPath = named.empty() ? defaultPath() : named;
     }
     return *chosenPath;

@@ -4,12 +4,8 @@
 #include <string>
 #include <vector>
 
-#if defined(_WIN32) && defined(VORNAUX2_BUILD)
-#    define VIRTUALUNIT_API __declspec(dllexport)
-#elif defined(_WIN32)
-#    define VIRTUALUNIT_API
-#else
-#    define VIRTUALUNIT_API __attribute__((visibility("default")))
+#ifndef VIRTUALUNIT_API
+#    define VIRTUALUNIT_API ///< what exports a function; set by the build of the library alone
 #endif
 
 /**

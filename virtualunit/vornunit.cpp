@@ -1,5 +1,6 @@
 #include "virtualunit/VirtualUnit.h"
 #include "virtualunit/lines/serve.h"
+#include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,6 +17,9 @@
 #include <vector>
 
 namespace {
+
+using virtualunit::system::environment;
+using virtualunit::system::pathOf;
 
 /// The exit codes that scripts may rely on.
 enum ExitCode { Done = 0, Refused = 1, WrongUsage = 2 };
@@ -109,12 +113,12 @@ void setFault(const Options &options)
 std::uintmax_t printJournal(const std::string &file, std::uintmax_t position)
 {
     std::error_code error;
-    const auto size = std::filesystem::file_size(file, error);
+    const auto size = std::filesystem::file_size(pathOf(file), error);
     if (error || size == position)
         return error ? 0 : position;
     if (size < position)
         position = 0;
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(pathOf(file), std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(position));
     std::vector<char> chunk(std::size_t{64} * 1024);
     while (stream && std::cout) {
@@ -130,7 +134,7 @@ void clearJournal(const std::string &file)
 {
     // Emptied in place: the processes that write to it go on writing to the same file.
     std::error_code error;
-    std::filesystem::resize_file(file, 0, error);
+    std::filesystem::resize_file(pathOf(file), 0, error);
     if (error && error != std::errc::no_such_file_or_directory)
         throw Refusal{"The journal \"" + file + "\" can't be emptied: " + error.message()};
 }
@@ -143,7 +147,7 @@ void showJournal(const Options &options)
         clearJournal(options.journal);
     if (options.clear && !options.follow)
         return;
-    if (!options.follow && !std::ifstream(options.journal))
+    if (!options.follow && !std::ifstream(pathOf(options.journal)))
         throw Refusal{"The journal \"" + options.journal + "\" can't be read"};
     auto position = printJournal(options.journal, 0);
     while (options.follow && std::cout) {
@@ -210,8 +214,8 @@ void addJournalCommand(CLI::App &app, Options &options)
 {
     auto *journal = app.add_subcommand("journal",
         "Prints the calls that programs with VORN_JOURNAL=FILE in their environment have made");
-    journal->add_option("--file", options.journal, "The journal's file, else that of VORN_JOURNAL")
-        ->envname("VORN_JOURNAL");
+    options.journal = environment("VORN_JOURNAL");
+    journal->add_option("--file", options.journal, "The journal's file, else that of VORN_JOURNAL");
     journal->add_flag("--follow", options.follow, "Goes on with new lines until interrupted");
     journal->add_flag("--clear", options.clear, "Empties it first, and prints nothing of it");
     journal->final_callback([&] { showJournal(options); });
@@ -244,25 +248,16 @@ void printMessages()
     }
 }
 
-void serveLines(const Options &options)
-{
-    if (options.folder.empty())
-        throw Refusal{"There is no folder for the lines: set VORN_SERIAL_DIR to it or name it with "
-                      "--dir"};
-    virtualunit::lines::serveLines(options.folder, options.recording);
-}
-
 void addLineCommands(CLI::App &app, Options &options)
 {
-    auto *lines = app.add_subcommand(
-        "lines", "Serves the GPS receiver and the modem on pseudo-terminals until interrupted");
-    lines
-        ->add_option("--dir", options.folder,
-            "The folder with the lines under the names that the unit stores, else VORN_SERIAL_DIR")
-        ->envname("VORN_SERIAL_DIR");
+    options.folder = environment("VORN_SERIAL_DIR");
+    auto *lines = app.add_subcommand("lines", virtualunit::lines::serveLinesHelp);
+    lines->add_option("--dir", options.folder,
+        "The folder with the lines under the names that the unit stores, else VORN_SERIAL_DIR");
     lines->add_option(
         "--gps", options.recording, "A file of NMEA sentences to be replayed over and over");
-    lines->final_callback([&] { serveLines(options); });
+    lines->final_callback(
+        [&] { virtualunit::lines::serveLines(pathOf(options.folder), pathOf(options.recording)); });
 
     app.add_subcommand("sms", "Lists the short messages that the modem has sent, times in UTC")
         ->final_callback(printMessages);
@@ -287,8 +282,10 @@ int run(int argc, char **argv)
     addDisturbanceCommands(app, options);
     addJournalCommand(app, options);
     addLineCommands(app, options);
+    auto arguments = virtualunit::system::arguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
     try {
-        app.parse(argc, argv);
+        app.parse(arguments);
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? Done : WrongUsage;
     }
@@ -302,6 +299,7 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    virtualunit::system::prepareStreams();
     try {
         return run(argc, argv);
     } catch (const Refusal &refusal) {

@@ -19,33 +19,33 @@ bool readCharacterPair(const char *name, std::uint16_t &out)
 
 } // namespace
 
-BOARD_API std::int32_t CgosLibInitialize()
+extern "C" BOARD_API std::int32_t CgosLibInitialize()
 {
     return board.initialise();
 }
 
-BOARD_API std::int32_t CgosLibUninitialize()
+extern "C" BOARD_API std::int32_t CgosLibUninitialize()
 {
     return board.uninitialise();
 }
 
-BOARD_API std::int32_t CgosBoardOpenByNameW(const char16_t *name, std::uint32_t *handle)
+extern "C" BOARD_API std::int32_t CgosBoardOpenByNameW(const char16_t *name, std::uint32_t *handle)
 {
     return board.openByName(name, handle);
 }
 
-BOARD_API std::int32_t CgosBoardOpen(
+extern "C" BOARD_API std::int32_t CgosBoardOpen(
     std::uintptr_t, std::uint32_t number, std::uint32_t, std::uint32_t *handle)
 {
     return board.open(number, handle);
 }
 
-BOARD_API std::int32_t CgosBoardClose(std::uint32_t handle)
+extern "C" BOARD_API std::int32_t CgosBoardClose(std::uint32_t handle)
 {
     return board.close(handle);
 }
 
-BOARD_API std::int32_t CgosBoardGetInfoW(std::uint32_t handle, void *info)
+extern "C" BOARD_API std::int32_t CgosBoardGetInfoW(std::uint32_t handle, void *info)
 {
     return board.getInfo<CgosBoardInfo>(handle, info, [](CgosBoardInfo &record) {
         return readText("name", record.name) && readText("subName", record.subName) &&

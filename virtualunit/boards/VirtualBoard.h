@@ -7,12 +7,6 @@
 
 #include <atomic>
 
-#ifdef _WIN32
-#    define BOARD_API extern "C" __declspec(dllexport)
-#else
-#    define BOARD_API extern "C" __attribute__((visibility("default")))
-#endif
-
 namespace boards {
 
 struct BoardDate;

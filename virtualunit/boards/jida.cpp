@@ -9,33 +9,33 @@ constinit VirtualBoard board(u"CCR6");
 
 } // namespace
 
-BOARD_API std::int32_t JidaDllInitialize()
+extern "C" BOARD_API std::int32_t JidaDllInitialize()
 {
     return board.initialise();
 }
 
-BOARD_API std::int32_t JidaDllUninitialize()
+extern "C" BOARD_API std::int32_t JidaDllUninitialize()
 {
     return board.uninitialise();
 }
 
-BOARD_API std::int32_t JidaBoardOpenByNameW(const char16_t *name, std::uint32_t *handle)
+extern "C" BOARD_API std::int32_t JidaBoardOpenByNameW(const char16_t *name, std::uint32_t *handle)
 {
     return board.openByName(name, handle);
 }
 
-BOARD_API std::int32_t JidaBoardOpenW(
+extern "C" BOARD_API std::int32_t JidaBoardOpenW(
     const char16_t *, std::uint32_t number, std::uint32_t, std::uint32_t *handle)
 {
     return board.open(number, handle);
 }
 
-BOARD_API std::int32_t JidaBoardClose(std::uint32_t handle)
+extern "C" BOARD_API std::int32_t JidaBoardClose(std::uint32_t handle)
 {
     return board.close(handle);
 }
 
-BOARD_API std::int32_t JidaBoardGetInfoW(std::uint32_t handle, void *info)
+extern "C" BOARD_API std::int32_t JidaBoardGetInfoW(std::uint32_t handle, void *info)
 {
     return board.getInfo<JidaBoardInfo>(handle, info, [](JidaBoardInfo &record) {
         return readText("name", record.name) &&

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <ctime>
 #include <numbers>
 
 namespace virtualunit::lines {
@@ -87,11 +87,14 @@ void GpsReceiver::powerOn()
 
 std::string GpsReceiver::second(const GpsSurroundings &surroundings, std::int64_t time)
 {
-    const auto seconds = static_cast<std::time_t>(time);
-    std::tm utc{};
-    ::gmtime_r(&seconds, &utc);
-    const auto clock = formatted("%02d%02d%02d.000", utc.tm_hour, utc.tm_min, utc.tm_sec);
-    const auto date = formatted("%02d%02d%02d", utc.tm_mday, utc.tm_mon + 1, utc.tm_year % 100);
+    const std::chrono::sys_seconds utc{std::chrono::seconds(time)};
+    const auto today = std::chrono::floor<std::chrono::days>(utc);
+    const std::chrono::hh_mm_ss hour(utc - today);
+    const std::chrono::year_month_day day(today);
+    const auto clock = formatted("%02d%02d%02d.000", static_cast<int>(hour.hours().count()),
+        static_cast<int>(hour.minutes().count()), static_cast<int>(hour.seconds().count()));
+    const auto date = formatted("%02u%02u%02d", static_cast<unsigned>(day.day()),
+        static_cast<unsigned>(day.month()), static_cast<int>(day.year()) % 100);
 
     const auto place = placeOnTheRound(surroundings, driven++);
     if (!surroundings.antenna) {

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <stdexcept>
 #include <thread>
 
 namespace virtualunit::lines {
@@ -21,8 +22,14 @@ void askToEnd(int)
 
 } // namespace
 
+const char *const serveLinesHelp =
+    "Serves the GPS receiver and the modem on pseudo-terminals until interrupted";
+
 void serveLines(const std::filesystem::path &folder, const std::filesystem::path &recording)
 {
+    if (folder.empty())
+        throw std::runtime_error(
+            "There is no folder for the lines: set VORN_SERIAL_DIR to it or name it with --dir");
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signal, askToEnd);
     Lines lines(folder, recording);
