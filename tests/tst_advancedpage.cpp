@@ -3,6 +3,7 @@
 #include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
+#include "tests/support/system.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -19,8 +20,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QVBoxLayout>
-
-#include <dlfcn.h>
 
 #include <functional>
 #include <memory>
@@ -50,7 +49,7 @@ DeviceCode Firmware_getUpgradeStatus(
 {
     using Operation = DeviceCode (*)(FirmwareHandle, FirmwareUpgradeStatus *, bool);
     static const auto library =
-        reinterpret_cast<Operation>(dlsym(RTLD_NEXT, "Firmware_getUpgradeStatus"));
+        reinterpret_cast<Operation>(support::deviceProcedure("Firmware_getUpgradeStatus"));
     if (questions.asked)
         questions.asked(questions.count);
     ++questions.count;

@@ -31,7 +31,9 @@ constexpr const char *cgosNames[] = {"CgosLibInitialize", "CgosLibUninitialize",
 
 Board load(const char *library, const char *const *names)
 {
-    const QString file = QStringLiteral(VORN_LIB_DIR "/lib%1.so").arg(QLatin1String(library));
+    const QString file =
+        QStringLiteral(VORN_LIB_DIR "/" VORN_LIBRARY_PREFIX "%1" VORN_LIBRARY_SUFFIX)
+            .arg(QLatin1String(library));
     QLibrary vendor(file);
     const auto find = [&vendor](const char *name) {
         const auto procedure = vendor.resolve(name);

@@ -1,4 +1,5 @@
 #include "report/BoardType.h"
+#include "tests/support/BiosData.h"
 #include "tests/support/ProgramTree.h"
 
 #include <QtTest>
@@ -10,7 +11,7 @@ namespace {
 
 QString tiny(const QString &file)
 {
-    return QStringLiteral(VORN_TINYUNIT_DIR "/") + file;
+    return QStringLiteral(VORN_TINYUNIT_DIR "/%1" VORN_LIBRARY_SUFFIX).arg(file);
 }
 
 const QByteArray jidaInfo = "Board name: Board %1\n"
@@ -41,9 +42,6 @@ private slots:
     void boardType();
     void library_data();
     void library();
-    void libraryIsFoundBesideTheDeviceLibrary();
-    void libraryIsFoundOnTheSearchPath();
-    void missingLibraryIsToldInABox();
 };
 
 void tst_cpuboard::boardType_data()
@@ -54,26 +52,25 @@ void tst_cpuboard::boardType_data()
     const auto row = [](const char *name, const QByteArray &product, int type) {
         QTest::newRow(name) << product << true << type;
     };
-    QTest::newRow("no file") << QByteArray() << false << 0;
-    row("empty", "\n", 0);
+    QTest::newRow("none") << QByteArray() << false << 0;
+    row("empty", "", 0);
     row("other", "Standard PC", 0);
     row("whole name", "COMe-bIP6", 1);
-    row("whole name, line end", "COMe-bIP6\n", 1);
     row("whole name, more behind", "COMe-bIP6 B", 0);
     row("whole name, blank in front", " COMe-bIP6", 0);
-    row("whole name, two line ends", "COMe-bIP6\n\n", 0);
+    row("whole name, line end behind", "COMe-bIP6\n\n", 0);
     row("ChiefRiver", "ChiefRiver", 1);
     row("ChiefRiver inside", "an Old ChiefRiver board", 1);
     row("TS77", "TS77", 2);
     row("TS77 inside", "xxTS77yy", 2);
     row("case matters", "ts77", 0);
     row("Aptio CRB", "Aptio CRB", 4);
-    row("TCA3", "congaTCA3\n", 4);
+    row("TCA3", "congaTCA3", 4);
     row("ChiefRiver before TS77", "TS77 ChiefRiver", 1);
     row("TS77 before TCA3", "TCA3 TS77", 2);
     row("text ends at zero", QByteArray("TCA3\0TS77", 9), 4);
-    row("longest", QByteArray(122, 'x') + "TS77\n", 2);
-    QTest::newRow("too long") << QByteArray(123, 'x') + "TS77\n" << false << 0;
+    row("longest", QByteArray(122, 'x') + "TS77", 2);
+    QTest::newRow("too long") << QByteArray(123, 'x') + "TS77" << false << 0;
     QTest::newRow("far too long") << "TS77" + QByteArray(100'000, 'x') << false << 0;
 }
 
@@ -82,13 +79,9 @@ void tst_cpuboard::boardType()
     QFETCH(QByteArray, product);
     QFETCH(bool, readable);
     QFETCH(int, type);
-    const QTemporaryDir folder;
-    qputenv("VORN_DMI_DIR", QFile::encodeName(folder.path()));
-    if (!product.isNull()) {
-        QFile file(folder.filePath(QStringLiteral("board_name")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(product);
-    }
+    support::BiosData bios;
+    if (!product.isNull())
+        bios.setBoard(product);
     // Untouched when there is nothing to read.
     BoardType found = product.isNull() || !readable ? BOARD_CGOS : BOARD_UNRECOGNISED;
     QCOMPARE(readBoardType(found), readable);
@@ -162,13 +155,13 @@ void tst_cpuboard::library()
     QFETCH(QByteArrayList, calls);
     QFETCH(QByteArray, errors);
 
-    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
-    tree.write(QStringLiteral("dmi/board_name"), product);
-    tree.write(QStringLiteral("dmi/bios_version"), "BIOS 1.2 \xE9\n");
+    ProgramTree tree(tiny(QStringLiteral(VORN_LIBRARY_PREFIX "VornAux2")));
+    tree.setBoard(product);
+    tree.setBiosVersion("BIOS 1.2 \xE9");
     if (!installed.isEmpty())
-        tree.putIn(tiny(installed + QStringLiteral(".so")),
-            installed.contains(QLatin1String("jida")) ? QStringLiteral("bin/libjida.so")
-                                                      : QStringLiteral("bin/libCgos.so"));
+        tree.putBesideProgram(tiny(installed), installed.contains(QLatin1String("jida"))
+                                                   ? QStringLiteral("jida")
+                                                   : QStringLiteral("Cgos"));
     tree.environment.insert(QStringLiteral("BOARD_FAIL"), QString::fromLatin1(failing));
     tree.environment.insert(QStringLiteral("BOARD_LOG"), tree.path(QStringLiteral("calls")));
 
@@ -179,39 +172,6 @@ void tst_cpuboard::library()
     QCOMPARE(support::section(tree.read(QStringLiteral("report.txt")), "CPU board data"), section);
     const QByteArray lines = calls.isEmpty() ? QByteArray() : calls.join('\n') + '\n';
     QCOMPARE(tree.read(QStringLiteral("calls")), lines);
-}
-
-void tst_cpuboard::libraryIsFoundBesideTheDeviceLibrary()
-{
-    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
-    tree.write(QStringLiteral("dmi/board_name"), "TCA3");
-    tree.putIn(tiny(QStringLiteral("board_cgos.so")), QStringLiteral("lib/libCgos.so"));
-    QCOMPARE(support::section(tree.report(), "CPU board data"), cgosInfo);
-
-    // A file in the program's folder comes first.
-    tree.putIn(
-        tiny(QStringLiteral("board_cgos_without_OPEN.so")), QStringLiteral("bin/libCgos.so"));
-    QCOMPARE(support::section(tree.report(), "CPU board data"), QByteArray());
-}
-
-void tst_cpuboard::libraryIsFoundOnTheSearchPath()
-{
-    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
-    tree.putIn(tiny(QStringLiteral("board_jida.so")), QStringLiteral("log/libjida.so"));
-    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("log")));
-    QCOMPARE(support::section(tree.report(), "CPU board data"), jidaInfo);
-}
-
-void tst_cpuboard::missingLibraryIsToldInABox()
-{
-    ProgramTree tree(tiny(QStringLiteral("libVornAux2.so")));
-    tree.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("lib")));
-    const Run run = tree.runOther(tiny(QStringLiteral("boardbox")), {});
-    QVERIFY(!run.errors.contains("jida"));
-    QCOMPARE(run.output,
-        QByteArray("error|failed to LoadLibrary(\"jida.dll\")|icon 0|parent 0|OK\ntext ''\n"));
-    QCOMPARE(run.exitCode, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_cpuboard)

@@ -1,30 +1,10 @@
 #include "frame/VornAux2.h"
 #include "report/factoryDefaults.h"
+#include "tests/support/BiosData.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/pauses/pauses.h"
 
 #include <QTemporaryDir>
-
-#include <cerrno>
-#include <ctime>
-#include <functional>
-
-namespace {
-
-/** While it is set, the pauses of the program are noted here instead of being waited for. */
-std::function<void(long milliseconds)> notePause;
-
-} // namespace
-
-/** Takes the place of the C library's for this whole test program. */
-extern "C" int nanosleep(const timespec *duration, timespec *remaining)
-{
-    if (!notePause) {
-        errno = clock_nanosleep(CLOCK_REALTIME, 0, duration, remaining);
-        return errno == 0 ? 0 : -1;
-    }
-    notePause(duration->tv_sec * 1000 + duration->tv_nsec / 1'000'000);
-    return 0;
-}
 
 namespace {
 
@@ -157,21 +137,17 @@ private:
     /** Runs the reset on a CPU board of that name, null for none. The result: calls and pauses. */
     QStringList reset(const char *board = nullptr)
     {
-        const QTemporaryDir folder;
-        qputenv("VORN_DMI_DIR", QFile::encodeName(folder.path()));
-        if (board) {
-            QFile file(folder.filePath(QStringLiteral("board_name")));
-            if (!file.open(QIODevice::WriteOnly) || file.write(board) < 0)
-                qFatal("no board name");
-        }
+        support::BiosData bios;
+        if (board)
+            bios.setBoard(board);
         calls();
         QStringList seen;
-        notePause = [&](long milliseconds) {
+        support::notePause = [&](long milliseconds) {
             seen += calls();
             seen << QStringLiteral("pause(%1)").arg(milliseconds);
         };
         applyFactoryDefaults();
-        notePause = nullptr;
+        support::notePause = nullptr;
         return seen + calls();
     }
 };
@@ -233,9 +209,9 @@ void tst_factorydefaults::values()
 
 void tst_factorydefaults::handles()
 {
-    notePause = [](long) {};
+    support::notePause = [](long) {};
     applyFactoryDefaults();
-    notePause = nullptr;
+    support::notePause = nullptr;
     QStringList lives;
     for (const QString &line : journal()) {
         if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))

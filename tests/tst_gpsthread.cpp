@@ -2,8 +2,8 @@
 #include "telematics/telematicsState.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/system.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTimer>
@@ -11,8 +11,6 @@
 
 #include <thread>
 #include <vector>
-
-#include <malloc.h>
 
 using support::PseudoTerminal;
 
@@ -34,14 +32,6 @@ QByteArray contents(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         qFatal("no file %s", qPrintable(path));
     return file.readAll();
-}
-
-/** Bytes that are allocated in this process. The sanitizers' own allocators say nothing here, and
- *  find leaks themselves. */
-std::size_t allocatedMemory()
-{
-    const auto info = ::mallinfo2();
-    return info.uordblks + info.hblkhd;
 }
 
 /** Collects what a thread sends, and stops the thread when the test ends. */
@@ -99,8 +89,7 @@ class TestGpsThread : public DeviceTest
     Q_OBJECT
 
 private slots:
-    // One arena for all threads, since only that one's memory is told.
-    void initTestCase() { ::mallopt(M_ARENA_MAX, 1); }
+    void initTestCase() { support::makeMemoryCountable(); }
 
     void signalsInOrder()
     {
@@ -376,11 +365,10 @@ private slots:
     void leavesNothingBehind()
     {
         PseudoTerminal line;
-        const QDir descriptors(QStringLiteral("/proc/self/fd"));
         gpsPort = configured(line);
         serialClose(gpsPort);
         gpsPort = nullptr;
-        const auto before = descriptors.count();
+        const auto before = support::openHandles();
         for (int round = 0; round < 100; ++round) {
             gpsPort = configured(line);
             Reader reader;
@@ -390,7 +378,7 @@ private slots:
             QVERIFY(QTest::qWaitFor([&reader] { return !reader.texts.isEmpty(); }));
             QVERIFY(reader.stop(line));
         }
-        QCOMPARE(descriptors.count(), before);
+        QCOMPARE(support::openHandles(), before);
     }
 
     void memoryDoesntGrow()
@@ -412,10 +400,10 @@ private slots:
             }
         };
         feed(50);
-        const auto before = allocatedMemory();
+        const auto before = support::allocatedMemory();
         feed(150);
         // One stream for each chunk would be at least its 512 bytes.
-        QVERIFY(allocatedMemory() < before + 150 * 256);
+        QVERIFY(support::allocatedMemory() < before + 150 * 256);
         QVERIFY(reader.stop(line));
     }
 };

@@ -2,44 +2,21 @@
 #include "telematics/telematicsState.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/SkippedPauses.h"
+#include "tests/support/system.h"
 #include "virtualunit/VirtualUnit.h"
 
-#include <QTemporaryDir>
-
 #include <atomic>
-#include <filesystem>
 #include <thread>
-
-#include <malloc.h>
 
 using support::child;
 using support::operator""_s;
-
-// The linker puts this in place of the program's pauses, which would be most of the test's time.
-extern "C" void __wrap__ZN8platform5pauseEi(int)
-{
-    std::this_thread::sleep_for(std::chrono::microseconds(100));
-}
 
 namespace {
 
 constexpr int rounds = 5;
 constexpr int visits = 100;     // in each round
 constexpr int firstVisits = 50; // until all that is kept for the next one is there
-
-int entries(const char *folder)
-{
-    const std::filesystem::directory_iterator entries(folder);
-    return int(std::distance(begin(entries), end(entries)));
-}
-
-/** Bytes that are allocated in this process. The sanitizers' own allocators say nothing here, and
- *  find leaks themselves. */
-qint64 allocatedMemory()
-{
-    const auto info = ::mallinfo2();
-    return qint64(info.uordblks + info.hblkhd);
-}
 
 /** A receiver that never falls silent, so that no read waits. */
 class TalkingReceiver
@@ -85,7 +62,8 @@ private slots:
 
 void GpsVisitsTest::initTestCase()
 {
-    ::mallopt(M_ARENA_MAX, 1); // only this one's memory is told
+    support::makeMemoryCountable();
+    support::useNoOtherLines();
 }
 
 void GpsVisitsTest::manyVisits_data()
@@ -98,12 +76,11 @@ void GpsVisitsTest::manyVisits_data()
 void GpsVisitsTest::manyVisits()
 {
     QFETCH(bool, usable);
-    const QTemporaryDir folder;
-    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder.path()));
     support::PseudoTerminal line;
     const TalkingReceiver receiver(line);
+    const support::SkippedPauses pauses; // which would be most of the test's time
     if (usable)
-        QVERIFY(QFile::link(QFile::decodeName(line.path()), folder.filePath("COM4"_s)));
+        line.setName("COM4"_s);
     virtualunit::stopJournal(); // which grows with every call
 
     tabTelematicsDlg page;
@@ -126,16 +103,14 @@ void GpsVisitsTest::manyVisits()
         }
     };
     visit(firstVisits);
-    const int threads = entries("/proc/self/task");
-    const int descriptors = entries("/proc/self/fd");
+    const int handles = support::openHandles();
     qint64 growth = std::numeric_limits<qint64>::max();
     for (int round = 0; round < rounds; ++round) {
-        const qint64 memory = allocatedMemory();
+        const qint64 memory = support::allocatedMemory();
         visit(visits);
-        growth = std::min(growth, allocatedMemory() - memory);
+        growth = std::min(growth, support::allocatedMemory() - memory);
     }
-    QCOMPARE(entries("/proc/self/task"), threads);
-    QCOMPARE(entries("/proc/self/fd"), descriptors);
+    QCOMPARE(support::openHandles(), handles);
     // A queue may grow in one round, a leak does in all of them. The smallest object of a visit is
     // the thread, of some hundred bytes.
     QVERIFY2(growth < visits * 64, qPrintable(QString::number(growth)));

@@ -4,7 +4,6 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 
 #include <atomic>
 #include <functional>
@@ -59,7 +58,6 @@ private:
         return child<QPlainTextEdit>(page.get(), "textEditGSM")->toPlainText();
     }
 
-    std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<support::PseudoTerminal> modem;
     std::unique_ptr<tabTelematicsDlg> page;
 };
@@ -67,10 +65,8 @@ private:
 void GsmConsoleTest::init()
 {
     PageTest::init();
-    folder = std::make_unique<QTemporaryDir>();
-    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder->path()));
     modem = std::make_unique<support::PseudoTerminal>();
-    QVERIFY(QFile::link(QFile::decodeName(modem->path()), folder->filePath("COM3"_s)));
+    modem->setName("COM3"_s);
     page = std::make_unique<tabTelematicsDlg>();
     page->show();
     child<QTabWidget>(page.get(), "tabWidget")->setCurrentIndex(2);

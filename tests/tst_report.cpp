@@ -1,6 +1,7 @@
 #include "frame/VornAux2.h"
 #include "report/sections.h"
 #include "report/systemReport.h"
+#include "tests/support/BiosData.h"
 #include "tests/support/DeviceTest.h"
 #include "virtualunit/VirtualUnit.h"
 
@@ -593,14 +594,15 @@ private slots:
 private:
     void useKnownUnit();
 
-    QTemporaryDir dmi;
+    QTemporaryDir logs;
+    std::unique_ptr<support::BiosData> bios;
 };
 
 void tst_report::init()
 {
     qputenv("TZ", "UTC");
-    qputenv("VORN_LOG_DIR", QFile::encodeName(dmi.path()));
-    qputenv("VORN_DMI_DIR", QFile::encodeName(dmi.path()));
+    qputenv("VORN_LOG_DIR", QFile::encodeName(logs.path()));
+    bios = std::make_unique<support::BiosData>();
     DeviceTest::init();
     useKnownUnit();
 }
@@ -1113,29 +1115,22 @@ void tst_report::cpuBoard_data()
                                 "Product Revision: A.1\n"
                                 "System BIOS Revision: 114\n");
     QTest::newRow("none") << QByteArray() << jida;
-    QTest::newRow("unknown") << QByteArray("Standard PC\n") << jida;
-    QTest::newRow("by name, jida") << QByteArray("ChiefRiver\n") << jida;
-    QTest::newRow("by name, cgos") << QByteArray("TS77\n") << cgos;
-    QTest::newRow("cgos") << QByteArray("Aptio CRB\n") << cgos;
+    QTest::newRow("unknown") << QByteArray("Standard PC") << jida;
+    QTest::newRow("by name, jida") << QByteArray("ChiefRiver") << jida;
+    QTest::newRow("by name, cgos") << QByteArray("TS77") << cgos;
+    QTest::newRow("cgos") << QByteArray("Aptio CRB") << cgos;
 }
 
 void tst_report::cpuBoard()
 {
     QFETCH(QByteArray, product);
     QFETCH(QString, info);
-    const QTemporaryDir folder;
-    qputenv("VORN_DMI_DIR", QFile::encodeName(folder.path()));
-    const auto write = [&folder](const char *name, const QByteArray &content) {
-        QFile file(folder.filePath(latin1(name)));
-        if (file.open(QIODevice::WriteOnly))
-            file.write(content);
-    };
     if (!product.isNull())
-        write("board_name", product);
+        bios->setBoard(product);
     setUnit(latin1("CpuBoard.name"),
-        latin1(product == "TS77\n" || product == "Aptio CRB\n" ? "BQ77" : "CCR6"));
+        latin1(product == "TS77" || product == "Aptio CRB" ? "BQ77" : "CCR6"));
     QCOMPARE(cpuBoardDataText(), info);
-    write("bios_version", "V %1 \377\n");
+    bios->setVersion("V %1 \377");
     QCOMPARE(cpuBoardDataText(), info + latin1("\nBIOS version: V %1 \377\n"));
 }
 

@@ -3,11 +3,10 @@
 #include "frame/tabDlg.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/SkippedPauses.h"
+#include "tests/support/system.h"
 
 #include <QFile>
 #include <QTimer>
-
-#include <filesystem>
 
 /** Thousands of page changes leave nothing behind. */
 class SoakTest : public DeviceTest
@@ -22,32 +21,22 @@ private:
         qsizetype objects;
         qsizetype runningTimers;
         qsizetype windows;
-        std::ptrdiff_t descriptors;
+        int handles;
     };
     static Use use(const QObject &window);
-    [[maybe_unused]] static double residentMegabytes();
     /** Handles created and not released since the last time. */
-    int openHandles();
+    int openFamilies();
 };
 
 SoakTest::Use SoakTest::use(const QObject &window)
 {
     const auto timers = window.findChildren<QTimer *>();
-    const std::filesystem::directory_iterator open("/proc/self/fd");
     return {window.findChildren<QObject *>().size(),
         std::count_if(timers.begin(), timers.end(), [](const QTimer *t) { return t->isActive(); }),
-        QApplication::topLevelWidgets().size(), std::distance(begin(open), end(open))};
+        QApplication::topLevelWidgets().size(), support::openHandles()};
 }
 
-double SoakTest::residentMegabytes()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    return file.readAll().split(' ').value(1).toDouble() * 4096 / 1e6;
-}
-
-int SoakTest::openHandles()
+int SoakTest::openFamilies()
 {
     const QStringList lines = calls();
     return int(lines.filter(QStringLiteral("_create()")).size() -
@@ -72,19 +61,19 @@ void SoakTest::pageChangesLeaveNothingBehind()
     change(10 * tabCount); // what is made once is made now
     calls();
     const Use before = use(window);
-    [[maybe_unused]] const double megabytes = residentMegabytes();
+    [[maybe_unused]] const double megabytes = double(support::residentMemory()) / 1e6;
     for (int round = 0; round < 50; ++round) {
         change(100);
-        QCOMPARE(openHandles(), 0);
+        QCOMPARE(openFamilies(), 0);
     }
     const Use after = use(window);
     QCOMPARE(after.objects, before.objects);
     QCOMPARE(after.runningTimers, before.runningTimers);
     QCOMPARE(after.windows, before.windows);
-    QVERIFY2(after.descriptors <= before.descriptors, // some of the toolkit's close late
-        qPrintable(QStringLiteral("%1 after %2").arg(after.descriptors).arg(before.descriptors)));
+    QVERIFY2(after.handles <= before.handles, // some of the toolkit's close late
+        qPrintable(QStringLiteral("%1 after %2").arg(after.handles).arg(before.handles)));
 #if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed for a while
-    const double grown = residentMegabytes() - megabytes;
+    const double grown = double(support::residentMemory()) / 1e6 - megabytes;
     QVERIFY2(grown < 8, qPrintable(QStringLiteral("grown by %1 MB").arg(grown)));
 #endif
 }

@@ -2,7 +2,9 @@
 #include "frame/VornSettings.h"
 #include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
+#include "tests/support/BiosData.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/PseudoTerminal.h"
 #include "tests/support/SkippedPauses.h"
 #include "virtualunit/VirtualUnit.h"
 
@@ -40,7 +42,7 @@ private:
 
     const bool all = qgetenv("VORN_SWEEP") == "all";
     QStringList fileButtonsPressed; ///< with the profile of the unit
-    QTemporaryDir noLines;
+    std::unique_ptr<support::BiosData> bios;
 };
 
 namespace {
@@ -81,8 +83,8 @@ void SweepTest::init()
 {
     DeviceTest::init();
     // No serial lines: a dialogue with a modem would take seconds.
-    qputenv("VORN_SERIAL_DIR", QFile::encodeName(noLines.path()));
-    qputenv("VORN_DMI_DIR", QFile::encodeName(noLines.path()));
+    support::useNoOtherLines();
+    bios = std::make_unique<support::BiosData>();
     dialogs.setDefaultAnswer(answer);
 }
 

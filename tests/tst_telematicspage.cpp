@@ -2,6 +2,7 @@
 #include "telematics/telematicsState.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/system.h"
 
 #include <QElapsedTimer>
 #include <QScrollBar>
@@ -67,7 +68,6 @@ private:
         return child<QLineEdit>(&page, edit)->text();
     }
 
-    std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<support::PseudoTerminal> gps;
     std::unique_ptr<support::PseudoTerminal> gsm;
 };
@@ -109,8 +109,7 @@ int endWhileReading(int argc, char *argv[])
 void TelematicsPageTest::init()
 {
     PageTest::init();
-    folder = std::make_unique<QTemporaryDir>();
-    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder->path()));
+    support::useNoOtherLines();
 }
 
 void TelematicsPageTest::cleanup()
@@ -127,8 +126,8 @@ void TelematicsPageTest::useLines()
 {
     gsm = std::make_unique<support::PseudoTerminal>();
     gps = std::make_unique<support::PseudoTerminal>();
-    QVERIFY(QFile::link(QFile::decodeName(gsm->path()), folder->filePath("COM3"_s)));
-    QVERIFY(QFile::link(QFile::decodeName(gps->path()), folder->filePath("COM4"_s)));
+    gsm->setName("COM3"_s);
+    gps->setName("COM4"_s);
 }
 
 /** Goes to the first tab, while the receiver says something that ends the thread's read. */
@@ -676,12 +675,13 @@ void TelematicsPageTest::threadOutlivesThePatience()
 void TelematicsPageTest::programEndsWhileTheThreadReads()
 {
     useLines();
-    const termios found = gps->state();
+    const int speed = gps->speed();
+    const QTemporaryDir folder;
     QProcess program;
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("VORN_UNIT"_s, folder->filePath("unit.sqlite"_s));
-    environment.insert("VORN_JOURNAL"_s, folder->filePath("journal"_s));
-    environment.insert("XDG_RUNTIME_DIR"_s, folder->path()); // else Qt complains
+    environment.insert("VORN_UNIT"_s, folder.filePath("unit.sqlite"_s));
+    environment.insert("VORN_JOURNAL"_s, folder.filePath("journal"_s));
+    environment.insert("XDG_RUNTIME_DIR"_s, folder.path()); // else Qt complains
     program.setProcessEnvironment(environment);
     QElapsedTimer clock;
     clock.start();
@@ -692,13 +692,12 @@ void TelematicsPageTest::programEndsWhileTheThreadReads()
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
     // The thread came to its end: no handle is left, and the line is as it was.
-    QFile file(folder->filePath("journal"_s));
+    QFile file(folder.filePath("journal"_s));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray journal = file.readAll();
     QCOMPARE(journal.count("Telematics_create"), 2);
     QCOMPARE(journal.count("Telematics_release"), 2);
-    const termios left = gps->state();
-    QCOMPARE(cfgetospeed(&left), cfgetospeed(&found));
+    QCOMPARE(gps->speed(), speed);
 }
 
 void TelematicsPageTest::tabChangesInOrder()
@@ -793,8 +792,7 @@ void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
     page.show();
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
-    QCOMPARE(
-        cfgetospeed(std::addressof(static_cast<const termios &>(gsm->state()))), speed_t(B57600));
+    QCOMPARE(gsm->speed(), 57600);
     page.hide();
     QVERIFY2(gsmPort, "leaving the page keeps the line");
     page.show();

@@ -1,6 +1,7 @@
 #include "pages/tabTouchDlg.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
+#include "tests/support/system.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -111,23 +112,6 @@ QStringList withoutTabBar(const QStringList &lines)
     return others;
 }
 
-/** Processes of this one that have ended and that nobody has asked for. */
-QStringList zombies()
-{
-    QStringList found;
-    QFile children(
-        QStringLiteral("/proc/self/task/%1/children").arg(QCoreApplication::applicationPid()));
-    if (!children.open(QIODevice::ReadOnly))
-        return found;
-    const QString pids = QString::fromLatin1(children.readAll());
-    for (const QString &pid : pids.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-        if (stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z "))
-            found << pid;
-    }
-    return found;
-}
-
 } // namespace
 
 class TouchPageTest : public PageTest
@@ -204,7 +188,7 @@ private:
     void verifyRefused(Page &page, int value, const char *message);
     void modeNotSupported();
     /** A calibrator beside this program. */
-    void installCalibrator(const char *script);
+    void installCalibrator();
     void removeCalibrator();
 
     std::unique_ptr<SkippedPauses> pauses;
@@ -817,13 +801,11 @@ void TouchPageTest::dumpPauses()
     QCOMPARE(pauses->take(), oneDump);
 }
 
-void TouchPageTest::installCalibrator(const char *script)
+void TouchPageTest::installCalibrator()
 {
-    QFile file(QCoreApplication::applicationDirPath() + QLatin1String("/TouchCalibrator.exe"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(script);
-    file.close();
-    QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString place =
+        QCoreApplication::applicationDirPath() + QLatin1String("/TouchCalibrator.exe");
+    QVERIFY(QFile::copy(QStringLiteral(VORN_CALIBRATOR), place));
 }
 
 void TouchPageTest::removeCalibrator()
@@ -845,9 +827,8 @@ void TouchPageTest::calibrates()
     QFETCH(int, points);
     const QTemporaryDir folder;
     const QString told = folder.filePath(QStringLiteral("arguments"));
-    qputenv("TOLD", told.toLocal8Bit());
-    installCalibrator("#!/bin/sh\nprintf '%s <%s>' $# \"$1\" >\"$TOLD.new\"\n"
-                      "mv \"$TOLD.new\" \"$TOLD\"\n");
+    qputenv("CALIBRATOR_TOLD", told.toLocal8Bit());
+    installCalibrator();
     Page page;
     page.show();
     page.points->setCurrentIndex(points);
@@ -861,7 +842,7 @@ void TouchPageTest::calibrates()
     const auto *process = qApp->findChild<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
     QVERIFY(process);
     QTRY_COMPARE(process->state(), QProcess::NotRunning);
-    QCOMPARE(zombies(), QStringList());
+    QCOMPARE(support::zombies(), QStringList());
 }
 
 void TouchPageTest::calibratorMissing()
@@ -874,14 +855,15 @@ void TouchPageTest::calibratorMissing()
     QCOMPARE(processes.count(), 2);
     for (const QProcess *process : processes)
         QTRY_COMPARE(process->state(), QProcess::NotRunning);
-    QCOMPARE(zombies(), QStringList());
+    QCOMPARE(support::zombies(), QStringList());
     QCOMPARE(dialogs.takeTexts(), QStringList());
     QCOMPARE(takeWarnings(), QStringList());
 }
 
 void TouchPageTest::calibratorEndsWithProgram()
 {
-    installCalibrator("#!/bin/sh\nexec sleep 100\n");
+    qunsetenv("CALIBRATOR_TOLD");
+    installCalibrator();
     Page page;
     page.show();
     click(page.calibrate);
@@ -891,7 +873,7 @@ void TouchPageTest::calibratorEndsWithProgram()
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
     QCOMPARE(process->state(), QProcess::NotRunning);
-    QCOMPARE(zombies(), QStringList());
+    QCOMPARE(support::zombies(), QStringList());
 }
 
 VORN_TEST_MAIN(TouchPageTest)

@@ -50,7 +50,6 @@ private slots:
     void needsAJournal();
     void printsTheJournal();
     void followsTheJournal();
-    void saysWhenItCantPrint();
 
 private:
     Outcome run(const QStringList &arguments);
@@ -418,21 +417,6 @@ void VornunitTest::followsTheJournal()
     QCOMPARE(follower.state(), QProcess::Running);
     follower.terminate();
     QVERIFY(follower.waitForFinished(patience));
-}
-
-void VornunitTest::saysWhenItCantPrint()
-{
-    if (!QFile::exists(QStringLiteral("/dev/full")))
-        return;
-    for (const char *command : {"list", "profile", "profiles", "get Buzzer.volume"}) {
-        QProcess tool;
-        tool.setProcessEnvironment(environment);
-        tool.setStandardOutputFile(QStringLiteral("/dev/full"));
-        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), words(command));
-        QVERIFY(tool.waitForFinished(patience));
-        QCOMPARE(tool.exitCode(), 1);
-        QVERIFY(tool.readAllStandardError().contains("written"));
-    }
 }
 
 QTEST_GUILESS_MAIN(VornunitTest)

@@ -1,23 +1,11 @@
 #include "tests/support/ProgramTree.h"
 
-#include <QDir>
+#include "tests/support/system.h"
+
 #include <QFile>
+#include <QRegularExpression>
 
 namespace support {
-
-ProgramTree::ProgramTree(const QString &deviceLibrary)
-    : environment(QProcessEnvironment::systemEnvironment())
-{
-    for (const char *name : {"bin", "lib", "dmi", "log"})
-        QDir().mkpath(path(QString::fromLatin1(name)));
-    putIn(QStringLiteral(VORN_BIN_DIR "/VornSettings"), QStringLiteral("bin/VornSettings"));
-    putIn(deviceLibrary, QStringLiteral("lib/libVornAux2.so"));
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "LD_LIBRARY_PATH"})
-        environment.remove(QString::fromLatin1(name));
-    environment.insert(QStringLiteral("VORN_DMI_DIR"), path(QStringLiteral("dmi")));
-    environment.insert(QStringLiteral("VORN_LOG_DIR"), path(QStringLiteral("log")));
-    environment.insert(QStringLiteral("VORN_UNIT"), path(QStringLiteral("unit")));
-}
 
 QString ProgramTree::path(const QString &name) const
 {
@@ -62,12 +50,18 @@ Run ProgramTree::runOther(const QString &name, const QStringList &arguments) con
     QProcess process;
     prepare(process);
     process.start(name, arguments);
+    process.waitForStarted(60'000);
+    SystemBoxes boxes(process.processId());
     Run run;
     const bool ended = process.waitForFinished(60'000);
     run.endedNormally = ended && process.exitStatus() == QProcess::NormalExit;
     run.exitCode = process.exitCode();
     run.output = process.readAllStandardOutput();
     run.errors = process.readAllStandardError();
+    for (QString box : boxes.take()) {
+        static const QRegularExpression plain(QStringLiteral("^error\\|(.*)\\|OK$"));
+        run.errors += box.replace(plain, QStringLiteral("\\1")).toLatin1() + '\n';
+    }
     return run;
 }
 

@@ -13,19 +13,32 @@ struct Run {
     bool endedNormally = false;
     int exitCode = -1;
     QByteArray output; ///< standard output
-    QByteArray errors; ///< standard error stream
+    /** Standard error stream, and behind it a line for each message box of the system's own: the
+     *  text alone if it is the plain box that the program may show. */
+    QByteArray errors;
 };
 
 /**
- * The program as it is installed, in a temporary folder: bin/VornSettings beside lib/ with the
- * device library, dmi/ for BIOS data, log/ for the hardware service's log. Libraries and logs can
- * be put in without disturbing another test. Runs there have neither a display nor a user's unit.
+ * The program as it is installed, in a temporary folder, with the device library in its place and
+ * log/ for the hardware service's log. Libraries and logs can be put in without disturbing another
+ * test. Runs there have neither a display nor a user's unit nor BIOS data.
  */
 class ProgramTree
 {
 public:
-    /** @param deviceLibrary a file that becomes lib/libVornAux2.so */
+    /** @param deviceLibrary a file that becomes the tree's device library */
     explicit ProgramTree(const QString &deviceLibrary);
+    ~ProgramTree();
+    ProgramTree(const ProgramTree &) = delete;
+    ProgramTree &operator=(const ProgramTree &) = delete;
+
+    /** Puts another device library into the place of the first. */
+    void replaceDeviceLibrary(const QString &file) const;
+    /** Puts a library beside the program, named as on Windows without ".dll". */
+    void putBesideProgram(const QString &file, const QString &library) const;
+    /** BIOS data of the runs, in Latin-1. */
+    void setBoard(const QByteArray &product) const;
+    void setBiosVersion(const QByteArray &version) const;
 
     /** A path below the tree. */
     QString path(const QString &name) const;
@@ -47,7 +60,7 @@ public:
 
     /** Readies a process for this tree without starting it. */
     void prepare(QProcess &process) const;
-    QString program() const { return path(QStringLiteral("bin/VornSettings")); }
+    QString program() const;
 
 private:
     QTemporaryDir folder;

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-
-#include <termios.h>
+#include <QString>
 
 namespace support {
 
@@ -10,6 +9,9 @@ namespace support {
  * A serial line without hardware: the kernel's pseudo-terminal. The test holds this end, the
  * program opens the other one by path(). Starts in raw mode without echo at 38400 baud. Ends the
  * test program if the system has no pseudo-terminal left.
+ *
+ * For a test under wine it is a server on the machine below that holds this end, and the line is a
+ * COM port of the wine world; see tests/wine/ptyserver.c.
  */
 class PseudoTerminal
 {
@@ -20,10 +22,13 @@ public:
     PseudoTerminal &operator=(const PseudoTerminal &) = delete;
 
     QByteArray path() const { return name; }
+    /** Gives the line one more name, such as "COM3", until it goes. */
+    void setName(const QString &portName);
 
-    /** State of the line, as the other end sets and sees it. */
-    termios state() const;
-    void setState(const termios &state);
+    /** Speed in baud and stop bits, as either end has set them last. */
+    int speed() const;
+    int stopBits() const;
+    void setFormat(int baud, int stops);
 
     /** Sends all bytes; false if the line took no more for 5 s. */
     bool send(const QByteArray &bytes);
@@ -36,9 +41,16 @@ public:
     /** Vanishes, as a line does whose cable is pulled. */
     void hangUp();
 
+    /** This end, as the system's calls take it; nothing to a test under wine. */
+    int descriptor() const { return handle; }
+
 private:
     int handle;
     QByteArray name;
+    QString link;
 };
+
+/** From now on the lines of the test program are the only ones that there are. */
+void useNoOtherLines();
 
 } // namespace support

@@ -31,7 +31,7 @@ enum { BOARD = 0x4711 };
 static void note(const char *line)
 {
     const char *name = getenv("BOARD_LOG");
-    FILE *file = name ? fopen(name, "a") : NULL;
+    FILE *file = name ? fopen(name, "ab") : NULL;
     if (file) {
         fprintf(file, "%s\n", line);
         fclose(file);

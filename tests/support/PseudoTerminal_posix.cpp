@@ -1,12 +1,16 @@
 #include "tests/support/PseudoTerminal.h"
 
+#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdlib>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace support {
@@ -19,26 +23,13 @@ bool waitFor(int handle, short event, int milliseconds)
     return ::poll(&line, 1, std::max(milliseconds, 0)) > 0 && (line.revents & event) != 0;
 }
 
-} // namespace
+constexpr struct {
+    speed_t code;
+    int baud;
+} speeds[] = {{B1200, 1200}, {B2400, 2400}, {B4800, 4800}, {B9600, 9600}, {B19200, 19200},
+    {B38400, 38400}, {B57600, 57600}, {B115200, 115200}};
 
-PseudoTerminal::PseudoTerminal()
-    : handle(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK))
-{
-    if (handle < 0 || ::grantpt(handle) != 0 || ::unlockpt(handle) != 0)
-        qFatal("no pseudo-terminal");
-    name = ::ptsname(handle);
-    termios raw = state();
-    ::cfmakeraw(&raw);
-    ::cfsetspeed(&raw, B38400);
-    setState(raw);
-}
-
-PseudoTerminal::~PseudoTerminal()
-{
-    hangUp();
-}
-
-termios PseudoTerminal::state() const
+termios stateOf(int handle)
 {
     termios state{};
     if (::tcgetattr(handle, &state) != 0)
@@ -46,10 +37,73 @@ termios PseudoTerminal::state() const
     return state;
 }
 
-void PseudoTerminal::setState(const termios &state)
+/** Where the program looks for lines. */
+QDir namesFolder()
 {
-    if (::tcsetattr(handle, TCSANOW, &state) != 0)
-        qFatal("pseudo-terminal refuses the state");
+    static const QTemporaryDir folder;
+    qputenv("VORN_SERIAL_DIR", QFile::encodeName(folder.path()));
+    return QDir(folder.path());
+}
+
+} // namespace
+
+void useNoOtherLines()
+{
+    namesFolder();
+}
+
+PseudoTerminal::PseudoTerminal()
+    : handle(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK))
+{
+    if (handle < 0 || ::grantpt(handle) != 0 || ::unlockpt(handle) != 0)
+        qFatal("no pseudo-terminal");
+    name = ::ptsname(handle);
+    termios raw = stateOf(handle);
+    ::cfmakeraw(&raw);
+    ::cfsetspeed(&raw, B38400);
+    ::tcsetattr(handle, TCSANOW, &raw);
+}
+
+PseudoTerminal::~PseudoTerminal()
+{
+    hangUp();
+    if (!link.isEmpty())
+        QFile::remove(link);
+}
+
+void PseudoTerminal::setName(const QString &portName)
+{
+    link = namesFolder().filePath(portName);
+    QFile::remove(link);
+    if (!QFile::link(QFile::decodeName(name), link))
+        qFatal("no name for the pseudo-terminal");
+}
+
+int PseudoTerminal::speed() const
+{
+    const termios state = stateOf(handle);
+    for (const auto &row : speeds) {
+        if (row.code == ::cfgetospeed(&state) && row.code == ::cfgetispeed(&state))
+            return row.baud;
+    }
+    return -1;
+}
+
+int PseudoTerminal::stopBits() const
+{
+    return (stateOf(handle).c_cflag & CSTOPB) != 0 ? 2 : 1;
+}
+
+void PseudoTerminal::setFormat(int baud, int stops)
+{
+    termios state = stateOf(handle);
+    for (const auto &row : speeds) {
+        if (row.baud == baud)
+            ::cfsetspeed(&state, row.code);
+    }
+    state.c_cflag &= ~static_cast<tcflag_t>(CSTOPB);
+    state.c_cflag |= stops == 2 ? static_cast<tcflag_t>(CSTOPB) : 0;
+    ::tcsetattr(handle, TCSANOW, &state);
 }
 
 bool PseudoTerminal::send(const QByteArray &bytes)
