@@ -20,8 +20,10 @@ void writeValue(
     HKEY opened = nullptr;
     require(RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, nullptr, REG_OPTION_VOLATILE, KEY_SET_VALUE,
         nullptr, &opened, nullptr));
-    const auto size = (text.size() + (withZero ? 1 : 0)) * sizeof(wchar_t);
-    require(RegSetValueExW(opened, value, 0, type, reinterpret_cast<const BYTE *>(text.c_str()),
+    // The system takes a zero behind the data in, so there is something else if none is wanted.
+    const std::wstring data = text + (withZero ? L'\0' : L'x');
+    const auto size = (data.size() - (withZero ? 0 : 1)) * sizeof(wchar_t);
+    require(RegSetValueExW(opened, value, 0, type, reinterpret_cast<const BYTE *>(data.data()),
         static_cast<DWORD>(size)));
     RegCloseKey(opened);
 }

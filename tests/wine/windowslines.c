@@ -1,10 +1,12 @@
 /*
  * Preloaded into wine and its server, this gives serial lines on pseudo-terminals the documented
- * behaviour of Windows in three points where wine 8 or the kernel has another one:
+ * behaviour of Windows in four points where wine 8 or the kernel has another one:
  * - A read whose time-outs ask for what is there (interval and multiplier MAXDWORD) returns with it
  *   at once. Wine goes on waiting for the buffer to be filled. It does so in poll(), behind a
  *   read() that gave too few bytes, and there it is told that nothing more comes.
  * - A line has one holder. Wine's server, which opens all files, gives it out again.
+ * - To abort what is being received leaves the bytes that have been. Wine drops them as if that had
+ *   been asked for, which the program never does.
  * - Character size and parity are kept. The kernel's pseudo-terminals hold 8 bits without parity.
  */
 #define _GNU_SOURCE
@@ -116,4 +118,9 @@ int tcgetattr(int handle, struct termios *state)
     if (result == 0 && number >= 0 && isKept[number])
         state->c_cflag = (state->c_cflag & ~(tcflag_t)KEPT) | kept[number];
     return result;
+}
+
+int tcflush(int handle, int queue)
+{
+    return queue == TCIFLUSH && lineNumber(handle) >= 0 ? 0 : NEXT(tcflush)(handle, queue);
 }
