@@ -234,11 +234,11 @@ void tst_factorydefaults::board_data()
 {
     QTest::addColumn<QByteArray>("board");
     QTest::addColumn<bool>("override");
-    QTest::newRow("type 0") << QByteArray("Standard PC\n") << false;
-    QTest::newRow("type 1") << QByteArray("COMe-bIP6\n") << true;
-    QTest::newRow("type 1, by part") << QByteArray("ChiefRiver 2\n") << true;
-    QTest::newRow("type 2") << QByteArray("TS77\n") << true;
-    QTest::newRow("type 4") << QByteArray("TCA3\n") << false;
+    QTest::newRow("type 0") << QByteArray("Standard PC") << false;
+    QTest::newRow("type 1") << QByteArray("COMe-bIP6") << true;
+    QTest::newRow("type 1, by part") << QByteArray("ChiefRiver 2") << true;
+    QTest::newRow("type 2") << QByteArray("TS77") << true;
+    QTest::newRow("type 4") << QByteArray("TCA3") << false;
 }
 
 void tst_factorydefaults::board()

@@ -263,7 +263,6 @@ void FirmwareTest::fails_data()
     QTest::newRow("in no folder") << path(QStringLiteral("no/where/a.hex")) << 1 << reading
                                   << int(FileNotFound);
     QTest::newRow("folder") << path(QString()) << 1 << reading << int(FileUnreadable);
-    QTest::newRow("overlong name") << QByteArray(5000, 'x') << 1 << reading << int(FileUnreadable);
     for (const QByteArray &name : support::oddFiles(folder.path()))
         QTest::newRow(name.constData()) << name << 1 << reading << int(FileUnreadable);
     QFile huge(write(QStringLiteral("huge.hex"), good));

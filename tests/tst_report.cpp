@@ -602,6 +602,7 @@ void tst_report::init()
 {
     qputenv("TZ", "UTC");
     qputenv("VORN_LOG_DIR", QFile::encodeName(logs.path()));
+    bios.reset(); // one at a time
     bios = std::make_unique<support::BiosData>();
     DeviceTest::init();
     useKnownUnit();

@@ -84,6 +84,7 @@ void SweepTest::init()
     DeviceTest::init();
     // No serial lines: a dialogue with a modem would take seconds.
     support::useNoOtherLines();
+    bios.reset(); // one at a time
     bios = std::make_unique<support::BiosData>();
     dialogs.setDefaultAnswer(answer);
 }

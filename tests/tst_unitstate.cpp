@@ -33,7 +33,6 @@ private slots:
     void sharesChangesBetweenConnections();
     void leavesAlone_data();
     void leavesAlone();
-    void recoversWhenTheFileIsBack();
 };
 
 void UnitStateTest::profileFeatures_data()
@@ -448,22 +447,6 @@ void UnitStateTest::leavesAlone()
     QVERIFY(!virtualunit::set("Buzzer.volume", "1").empty());
     QVERIFY(!virtualunit::loadProfile("full").empty());
     QCOMPARE(content(), before);
-}
-
-void UnitStateTest::recoversWhenTheFileIsBack()
-{
-    const QTemporaryDir folder;
-    const auto path = folder.filePath(QStringLiteral("unit"));
-    require(virtualunit::open(path.toStdString()));
-    const Buzzer buzzer;
-    QCOMPARE(Buzzer_setVolume(buzzer, 5), DEVICE_OK);
-    // Taken away and replaced under our hands.
-    require(virtualunit::open(folder.filePath(QStringLiteral("other")).toStdString()));
-    QCOMPARE(Buzzer_setVolume(buzzer, 6), DEVICE_OK);
-    require(virtualunit::open(path.toStdString()));
-    QVERIFY(QFile::remove(path));
-    QVERIFY(QFile::rename(folder.filePath(QStringLiteral("other")), path));
-    QCOMPARE(read(Buzzer_getVolume, BuzzerHandle(buzzer)), uint16_t(6));
 }
 
 QTEST_GUILESS_MAIN(UnitStateTest)

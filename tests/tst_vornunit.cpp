@@ -415,7 +415,7 @@ void VornunitTest::followsTheJournal()
     QTRY_VERIFY_WITH_TIMEOUT(hasSeen("T1 Settings_release(#1)\n"), patience);
     QVERIFY(seen.startsWith("T1 Settings_create() = #1\n"));
     QCOMPARE(follower.state(), QProcess::Running);
-    follower.terminate();
+    follower.kill(); // Windows knows no other way
     QVERIFY(follower.waitForFinished(patience));
 }
 

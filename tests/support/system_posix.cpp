@@ -64,7 +64,7 @@ QByteArrayList oddFiles(const QString &folder)
     const QByteArray loop = QFile::encodeName(folder) + "/loop.hex";
     if (::mkfifo(pipe.constData(), 0600) != 0 || ::symlink("loop.hex", loop.constData()) != 0)
         qFatal("no pipe");
-    return {pipe, loop, "/dev/zero"};
+    return {pipe, loop, "/dev/zero", QByteArray(5000, 'x')};
 }
 
 QStringList zombies()
