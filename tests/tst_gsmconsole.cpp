@@ -2,6 +2,7 @@
 #include "telematics/telematicsState.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QElapsedTimer>
 
@@ -157,7 +158,9 @@ void GsmConsoleTest::smsTextLongerThanTheCommand()
 {
     type("editNumber", "1"_s);
     type("editSMStext", "A text that is longer than the command"_s);
+    support::SkippedPauses pauses;
     const QByteArray sent = talk([&] { press("pushButtonCall"); }, {"", "", ""}, 256);
+    QCOMPARE(pauses.take(), (std::vector<int>{100, 100, 100}));
     QCOMPARE(
         sent, QByteArray("AT+CMGF=1\r\nAT+CMGS=1\r\nA text that is longer than the command\x1A"));
 }
