@@ -58,6 +58,9 @@ private slots:
     void initTestCase();
     void manyVisits_data();
     void manyVisits();
+
+private:
+    int positions = 0; // shown so far
 };
 
 void GpsVisitsTest::initTestCase()
@@ -86,9 +89,9 @@ void GpsVisitsTest::manyVisits()
     page.show();
     auto *tabs = child<QTabWidget>(&page, "tabWidget");
     auto *position = child<QLineEdit>(&page, "editGpsPos");
-    int positions = 0;
+    positions = 0;
     connect(position, &QLineEdit::textChanged, this,
-        [&](const QString &text) { positions += text != "INVALID"_s; });
+        [this](const QString &text) { positions += text != "INVALID"_s; });
     support::SkippedPauses pauses; // they would be most of the test's time
     const auto visit = [&](int count) {
         for (int number = 0; number < count; ++number) {
