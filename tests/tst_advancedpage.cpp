@@ -1056,7 +1056,10 @@ void AdvancedPageTest::pathBeyondLatin1()
     QFETCH(QString, decoy);
     if (!name.contains(QChar::Null))
         write(name, image);
-    write(decoy, image);
+    QFile careless(folder->filePath(decoy));
+    if (careless.open(QIODevice::WriteOnly)) // not every system has such a name
+        careless.write(image);
+    careless.close();
     const QString version = unit(QStringLiteral("Versions.front"));
     Page page;
     prepare(page, jobs[1], folder->filePath(name));
