@@ -77,6 +77,8 @@ void prepareEnvironment()
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QPA_PLATFORMTHEME", "");
+    // As fontconfig has it; the offscreen platform of other systems knows no such kinship.
+    QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
 }
 
