@@ -1,7 +1,6 @@
 #include "tests/support/DeviceTest.h"
 
 #include <QPixmap>
-#include <QProcess>
 
 /** The pictures that forms and style sheet name are there, and are those of the SVG sources. */
 class PicturesTest : public QObject
@@ -11,7 +10,6 @@ class PicturesTest : public QObject
 private slots:
     void everyPictureLoads_data();
     void everyPictureLoads();
-    void areUpToDate();
 };
 
 void PicturesTest::everyPictureLoads_data()
@@ -41,15 +39,6 @@ void PicturesTest::everyPictureLoads()
         QLatin1String(":/VornSettings/Resources/") + QLatin1String(QTest::currentDataTag()));
     QVERIFY(!picture.isNull());
     QCOMPARE(picture.size(), size);
-}
-
-void PicturesTest::areUpToDate()
-{
-    QProcess check;
-    check.start(
-        QStringLiteral(VORN_SOURCE_DIR "/resources/render.sh"), {QStringLiteral("--check")});
-    QVERIFY(check.waitForFinished());
-    QVERIFY2(check.exitCode() == 0, check.readAllStandardError().constData());
 }
 
 VORN_TEST_MAIN(PicturesTest)

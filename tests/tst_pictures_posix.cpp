@@ -1,0 +1,23 @@
+#include <QProcess>
+#include <QtTest>
+
+/** The pictures against the drawings that they are rendered from. */
+class PicturesPosixTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void areUpToDate();
+};
+
+void PicturesPosixTest::areUpToDate()
+{
+    QProcess check;
+    check.start(
+        QStringLiteral(VORN_SOURCE_DIR "/resources/render.sh"), {QStringLiteral("--check")});
+    QVERIFY(check.waitForFinished());
+    QVERIFY2(check.exitCode() == 0, check.readAllStandardError().constData());
+}
+
+QTEST_GUILESS_MAIN(PicturesPosixTest)
+#include "tst_pictures_posix.moc"
