@@ -79,9 +79,9 @@ void tst_cpuboard::boardType()
     QFETCH(QByteArray, product);
     QFETCH(bool, readable);
     QFETCH(int, type);
-    support::BiosData bios;
+    support::BiosData biosData;
     if (!product.isNull())
-        bios.setBoard(product);
+        biosData.setBoard(product);
     // Untouched when there is nothing to read.
     BoardType found = product.isNull() || !readable ? BOARD_CGOS : BOARD_UNRECOGNISED;
     QCOMPARE(readBoardType(found), readable);
