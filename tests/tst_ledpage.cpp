@@ -1,5 +1,6 @@
 #include "pages/tabLEDDlg.h"
 #include "tests/support/PageTest.h"
+#include "tests/support/system.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -9,8 +10,6 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
-
-#include <dlfcn.h>
 
 namespace {
 
@@ -23,7 +22,8 @@ std::uint8_t dutyCycleBesideFailure = 0;
 DeviceCode FrontLED_getSignal(FrontLEDHandle handle, double *hertz, std::uint8_t *dutyCycle)
 {
     using Operation = DeviceCode (*)(FrontLEDHandle, double *, std::uint8_t *);
-    static const auto library = reinterpret_cast<Operation>(dlsym(RTLD_NEXT, "FrontLED_getSignal"));
+    static const auto library =
+        reinterpret_cast<Operation>(support::deviceProcedure("FrontLED_getSignal"));
     const DeviceCode code = library(handle, hertz, dutyCycle);
     if (code != DEVICE_OK)
         *dutyCycle = dutyCycleBesideFailure;
