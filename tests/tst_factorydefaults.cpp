@@ -2,7 +2,7 @@
 #include "report/factoryDefaults.h"
 #include "tests/support/BiosData.h"
 #include "tests/support/DeviceTest.h"
-#include "tests/support/pauses/pauses.h"
+#include "tests/support/SkippedPauses.h"
 
 #include <QTemporaryDir>
 
@@ -142,12 +142,11 @@ private:
             bios.setBoard(board);
         calls();
         QStringList seen;
-        support::notePause = [&](long milliseconds) {
+        const support::SkippedPauses pauses([&](int milliseconds) {
             seen += calls();
             seen << QStringLiteral("pause(%1)").arg(milliseconds);
-        };
+        });
         applyFactoryDefaults();
-        support::notePause = nullptr;
         return seen + calls();
     }
 };
@@ -209,9 +208,8 @@ void tst_factorydefaults::values()
 
 void tst_factorydefaults::handles()
 {
-    support::notePause = [](long) {};
+    const support::SkippedPauses pauses;
     applyFactoryDefaults();
-    support::notePause = nullptr;
     QStringList lives;
     for (const QString &line : journal()) {
         if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))

@@ -16,6 +16,8 @@ using support::PseudoTerminal;
 
 namespace {
 
+constexpr int patience = 20'000; // milliseconds that a slow machine may take
+
 constexpr char rmc[] = "$GPRMC,123519.000,A,4807.038,N,01131.000,E,022.4,084.4,230324,,,A*00\r\n";
 
 SerialPort *configured(const PseudoTerminal &line)
@@ -61,19 +63,19 @@ public:
     void start()
     {
         thread.start();
-        QVERIFY(QTest::qWaitFor([this] { return !labels.isEmpty(); }));
+        QVERIFY(QTest::qWaitFor([this] { return !labels.isEmpty(); }, patience));
     }
     /** Lets the read end by itself. */
     bool stop()
     {
         gpsKeepRunning = 0;
-        return thread.wait(10'000);
+        return thread.wait(patience);
     }
     /** Ends the read by filling its buffer. */
     bool stop(PseudoTerminal &line)
     {
         gpsKeepRunning = 0;
-        return line.send(QByteArray(512, '\n')) && thread.wait(10'000);
+        return line.send(QByteArray(512, '\n')) && thread.wait(patience);
     }
 
     MyGPSThread thread;
@@ -288,7 +290,7 @@ private slots:
             Qt::DirectConnection);
         reader.start();
         QVERIFY(line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
-        QVERIFY(reader.thread.wait(10'000));
+        QVERIFY(reader.thread.wait(patience));
         QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1 meters\"")});
         QTest::qWait(0);
         QCOMPARE(reader.texts.size(), 1);
@@ -375,7 +377,7 @@ private slots:
             reader.start();
             QVERIFY(
                 line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
-            QVERIFY(QTest::qWaitFor([&reader] { return !reader.texts.isEmpty(); }));
+            QVERIFY(QTest::qWaitFor([&reader] { return !reader.texts.isEmpty(); }, patience));
             QVERIFY(reader.stop(line));
         }
         QCOMPARE(support::openHandles(), before);

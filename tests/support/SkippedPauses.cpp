@@ -13,6 +13,7 @@ namespace {
 
 thread_local bool skipping = false;
 thread_local std::vector<int> skipped;
+thread_local std::function<void(int milliseconds)> noteOf;
 
 } // namespace
 
@@ -21,21 +22,25 @@ void programPause(int milliseconds)
     if (!skipping)
         return lastingPause(milliseconds);
     skipped.push_back(milliseconds);
+    if (noteOf)
+        noteOf(milliseconds);
     // A loop of pauses waits for another thread.
     std::this_thread::yield();
 }
 
 namespace support {
 
-SkippedPauses::SkippedPauses()
+SkippedPauses::SkippedPauses(std::function<void(int milliseconds)> note)
 {
     skipping = true;
+    noteOf = std::move(note);
 }
 
 SkippedPauses::~SkippedPauses()
 {
     skipping = false;
     skipped.clear();
+    noteOf = nullptr;
 }
 
 std::vector<int> SkippedPauses::take()

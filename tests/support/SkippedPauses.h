@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 namespace support {
@@ -11,7 +12,8 @@ namespace support {
 class SkippedPauses
 {
 public:
-    SkippedPauses();
+    /** @param note called at each pause */
+    explicit SkippedPauses(std::function<void(int milliseconds)> note = {});
     ~SkippedPauses();
     SkippedPauses(const SkippedPauses &) = delete;
     SkippedPauses &operator=(const SkippedPauses &) = delete;

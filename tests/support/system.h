@@ -27,6 +27,9 @@ void makeMemoryCountable();
  * for ever; those that have to be made lie in that folder. */
 QByteArrayList oddFiles(const QString &folder);
 
+/** The last second before 1970 in UTC, as the report tells times; Windows can't tell it. */
+QByteArray secondBefore1970();
+
 /** Children of this process that have ended and that nobody has asked for. */
 QStringList zombies();
 

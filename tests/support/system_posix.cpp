@@ -67,6 +67,11 @@ QByteArrayList oddFiles(const QString &folder)
     return {pipe, loop, "/dev/zero", QByteArray(5000, 'x')};
 }
 
+QByteArray secondBefore1970()
+{
+    return "Wed Dec 31 23:59:59 1969";
+}
+
 QStringList zombies()
 {
     QStringList found;
