@@ -815,13 +815,15 @@ void TelematicsPageTest::longPortNamesAreCut()
     useLines();
     tabTelematicsDlg page;
     page.show();
-    // The 255 bytes that are left name the line.
-    const QString path = QString::fromLatin1(gsm->path());
     auto *edit = child<QLineEdit>(&page, "lineEditGSMdev");
-    edit->setText(path.rightJustified(255, QLatin1Char('/')) + "more"_s);
-    tabs(page)->setCurrentIndex(2);
-    QVERIFY(gsmPort);
-    tabs(page)->setCurrentIndex(0);
+    const QString path = QString::fromLatin1(gsm->path());
+    if (path.startsWith(QLatin1Char('/'))) { // Windows has no names of that length
+        // The 255 bytes that are left name the line.
+        edit->setText(path.rightJustified(255, QLatin1Char('/')) + "more"_s);
+        tabs(page)->setCurrentIndex(2);
+        QVERIFY(gsmPort);
+        tabs(page)->setCurrentIndex(0);
+    }
     // The box has all of the name.
     const QString nowhere = "/dev/"_s + QString(400, QLatin1Char('x'));
     edit->setText(nowhere);
