@@ -1,5 +1,5 @@
 #include "telematics/serialPort_posix.h"
-#include "tests/support/PseudoTerminal.h"
+#include "tests/support/SerialLine.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,7 +19,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using support::configured;
+using support::opened;
+using support::Port;
 using support::PseudoTerminal;
+using support::read;
+using support::Reading;
+using support::write;
 
 namespace {
 
@@ -27,51 +33,10 @@ namespace {
 constexpr int early = 20;
 constexpr int late = 2000;
 
-struct Closer {
-    void operator()(SerialPort *port) const { serialClose(port); }
-};
-using Port = std::unique_ptr<SerialPort, Closer>;
-
-Port opened(const PseudoTerminal &line)
-{
-    return Port(serialOpen(line.path().constData()));
-}
-
-/** Opened and set to 9600 baud, 8 bits, no parity, 1 stop bit. */
-Port configured(const PseudoTerminal &line)
-{
-    Port port = opened(line);
-    if (serialConfigure(port.get(), 4, 3, 0, 0) != 0)
-        qFatal("line refused");
-    return port;
-}
-
-struct Reading {
-    int result;
-    QByteArray bytes;
-    qint64 milliseconds;
-};
-
-Reading read(const Port &port, int count)
-{
-    Reading reading{0, QByteArray(count, '\0'), 0};
-    QElapsedTimer timer;
-    timer.start();
-    reading.result =
-        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count));
-    reading.milliseconds = timer.elapsed();
-    return reading;
-}
-
 /** What a reading leaves in its buffer: the text, and untouched zero bytes behind it. */
 QByteArray padded(const QByteArray &text, int count)
 {
     return text + QByteArray(count - int(text.size()), '\0');
-}
-
-int write(const Port &port, const QByteArray &bytes)
-{
-    return serialWrite(port.get(), bytes.constData(), static_cast<std::uint32_t>(bytes.size()));
 }
 
 /** Runs the work in another process and returns what it returned, 0 to 255. */

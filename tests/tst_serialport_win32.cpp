@@ -1,5 +1,5 @@
 #include "telematics/serialPort_win32.h"
-#include "tests/support/PseudoTerminal.h"
+#include "tests/support/SerialLine.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -9,7 +9,13 @@
 #include <memory>
 #include <thread>
 
+using support::configured;
+using support::opened;
+using support::Port;
 using support::PseudoTerminal;
+using support::read;
+using support::Reading;
+using support::write;
 
 namespace {
 
@@ -27,48 +33,6 @@ constexpr int late = 2000;
 bool likeWindows()
 {
     return !qEnvironmentVariableIsSet("VORN_BARE_WINE");
-}
-
-struct Closer {
-    void operator()(SerialPort *port) const { serialClose(port); }
-};
-using Port = std::unique_ptr<SerialPort, Closer>;
-
-Port opened(const PseudoTerminal &line)
-{
-    return Port(serialOpen(line.path().constData()));
-}
-
-/** Opened and set to 9600 baud, 8 bits, no parity, 1 stop bit. */
-Port configured(const PseudoTerminal &line)
-{
-    Port port = opened(line);
-    if (serialConfigure(port.get(), SERIAL_9600, SERIAL_8_BITS, SERIAL_NO_PARITY,
-            SERIAL_1_STOP_BIT) != SERIAL_OK)
-        qFatal("line refused");
-    return port;
-}
-
-struct Reading {
-    int result;
-    QByteArray bytes;
-    qint64 milliseconds;
-};
-
-Reading read(const Port &port, int count)
-{
-    Reading reading{0, QByteArray(count, '\0'), 0};
-    QElapsedTimer timer;
-    timer.start();
-    reading.result =
-        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count));
-    reading.milliseconds = timer.elapsed();
-    return reading;
-}
-
-int write(const Port &port, const QByteArray &bytes)
-{
-    return serialWrite(port.get(), bytes.constData(), static_cast<std::uint32_t>(bytes.size()));
 }
 
 DCB stateOf(const Port &port)

@@ -135,17 +135,6 @@ QByteArray PseudoTerminal::receive(int count, int milliseconds)
     return bytes;
 }
 
-QByteArray PseudoTerminal::receiveAll(int pause)
-{
-    QByteArray bytes;
-    for (;;) {
-        const QByteArray piece = receive(1, pause);
-        if (piece.isEmpty())
-            return bytes;
-        bytes += piece;
-    }
-}
-
 void PseudoTerminal::hangUp()
 {
     if (handle >= 0)

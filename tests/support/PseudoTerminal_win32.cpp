@@ -131,17 +131,6 @@ QByteArray PseudoTerminal::receive(int count, int milliseconds)
     return ask(handle, 'R', bytesOf(quint32(count)), milliseconds);
 }
 
-QByteArray PseudoTerminal::receiveAll(int pause)
-{
-    QByteArray bytes;
-    for (;;) {
-        const QByteArray piece = receive(1, pause);
-        if (piece.isEmpty())
-            return bytes;
-        bytes += piece;
-    }
-}
-
 void PseudoTerminal::hangUp()
 {
     ask(handle, 'H');

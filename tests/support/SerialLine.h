@@ -1,0 +1,31 @@
+#pragma once
+
+#include "telematics/serialPort.h"
+#include "tests/support/PseudoTerminal.h"
+
+#include <QByteArray>
+
+#include <memory>
+
+/** The serial layer's near end of a line, as its tests on every system use it. */
+namespace support {
+
+struct SerialCloser {
+    void operator()(SerialPort *port) const { serialClose(port); }
+};
+using Port = std::unique_ptr<SerialPort, SerialCloser>;
+
+Port opened(const PseudoTerminal &line);
+/** Opened and set to 9600 baud, 8 bits, no parity, 1 stop bit; ends the program if it can't be. */
+Port configured(const PseudoTerminal &line);
+
+struct Reading {
+    int result;
+    QByteArray bytes;    ///< the whole buffer, zero where nothing came
+    qint64 milliseconds; ///< that it took
+};
+
+Reading read(const Port &port, int count);
+int write(const Port &port, const QByteArray &bytes);
+
+} // namespace support
