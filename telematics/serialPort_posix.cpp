@@ -226,6 +226,8 @@ std::uint32_t readSome(int handle, char *buffer, std::uint32_t count)
     }
 }
 
+constexpr int millisecondsForRoom = 100;
+
 /** At most so many bytes, waiting for room without end; 0 if the line takes no more. */
 std::uint32_t writeSome(int handle, const char *bytes, std::uint32_t count)
 {
@@ -234,8 +236,10 @@ std::uint32_t writeSome(int handle, const char *bytes, std::uint32_t count)
         if (taken >= 0)
             return static_cast<std::uint32_t>(taken);
         if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            // The system tells of room that a reader made, and not of what it made itself when it
+            // passed bytes on; so who waits looks again from time to time.
             pollfd line{handle, POLLOUT, 0};
-            const int ready = ::poll(&line, 1, -1);
+            const int ready = ::poll(&line, 1, millisecondsForRoom);
             if (ready > 0 && (line.revents & POLLOUT) == 0)
                 return 0;
             if (ready < 0 && errno != EINTR)

@@ -529,7 +529,7 @@ private slots:
         QByteArray received;
         std::thread reader([&] {
             QTest::qSleep(serialSilence + 500); // longer than any read would wait
-            received = line.receive(int(much.size()));
+            received = line.receive(int(much.size()), 60'000);
         });
         QElapsedTimer timer;
         timer.start();
@@ -545,7 +545,7 @@ private slots:
     {
         PseudoTerminal line;
         const Port port = configured(line);
-        const QByteArray much(10'000, 'm'); // more than the reader's 4096, and yet no wait
+        const QByteArray much(6'000, 'm'); // more than the reader's 4096, less than fills the line
         QCOMPARE(write(port, much), 0);
         QCOMPARE(line.receiveAll().size(), much.size());
         QVERIFY(line.send("kept"));

@@ -109,13 +109,20 @@ void PseudoTerminal::setFormat(int baud, int stops)
 bool PseudoTerminal::send(const QByteArray &bytes)
 {
     qsizetype sent = 0;
+    QElapsedTimer timer;
+    timer.start();
     while (sent < bytes.size()) {
         const auto taken = ::write(
             handle, bytes.constData() + sent, static_cast<std::size_t>(bytes.size() - sent));
-        if (taken > 0)
+        if (taken > 0) {
             sent += taken;
-        else if (!waitFor(handle, POLLOUT, 5000))
+            timer.start();
+        } else if (timer.hasExpired(5000)) {
             return false;
+        } else {
+            // The system doesn't tell of all room, see the serial layer.
+            waitFor(handle, POLLOUT, 100);
+        }
     }
     return true;
 }

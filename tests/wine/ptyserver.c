@@ -124,14 +124,16 @@ static uint32_t format(void)
 
 static uint32_t sendBytes(uint32_t count)
 {
+    long long end = now() + 5000;
     uint32_t sent = 0;
-    int taken = 1;
-    while (sent < count && taken) {
+    while (sent < count && now() < end) {
         const ssize_t result = write(line, bytes + sent, count - sent);
-        if (result > 0)
+        if (result > 0) {
             sent += (uint32_t)result;
-        else
-            taken = waitFor(line, POLLOUT, 5000);
+            end = now() + 5000;
+        } else {
+            waitFor(line, POLLOUT, 100); /* the system doesn't tell of all room */
+        }
     }
     bytes[0] = sent == count ? '1' : '0';
     return 1;
