@@ -61,8 +61,9 @@ tabPowerDlg::tabPowerDlg(QWidget *parent)
     endWithApplication(monitor, batteryKeepRunning);
     monitor->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost. Without a battery it has
-    // cleared the flag again and is about to end.
-    while (batteryKeepRunning.load(std::memory_order_relaxed) == 0 && !monitor->isFinished())
+    // cleared the flag again and is about to end, and on a system without a thread to spare it
+    // never began.
+    while (batteryKeepRunning.load(std::memory_order_relaxed) == 0 && monitor->isRunning())
         platform::pause(1);
     connect(monitor, &MyThread::newLevel, ui->progressBar, &QProgressBar::setValue);
     connect(monitor, &MyThread::newLabel, ui->label_4, &QLabel::setText);

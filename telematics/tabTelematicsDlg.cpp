@@ -373,7 +373,7 @@ void tabTelematicsDlg::startGpsThread()
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost.
-    while (gpsKeepRunning.load(std::memory_order_relaxed) == 0 && !gpsThread->isFinished())
+    while (gpsKeepRunning.load(std::memory_order_relaxed) == 0 && gpsThread->isRunning())
         platform::pause(1);
     connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::insertPlainText);
     // Else the view would stay at the first lines.
