@@ -2,6 +2,7 @@
 #include "pages/tabPowerDlg.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
+#include "virtualunit/VirtualUnit.h"
 
 #include <QElapsedTimer>
 #include <QProgressBar>
@@ -88,6 +89,7 @@ class BatteryThreadTest : public PageTest
 
 private slots:
     void followsTheBatteryAndThePageStopsIt();
+    void pageWaitsForNoThread();
     void onePassWaitsBetweenItsCalls();
     void failuresAreTexts_data();
     void failuresAreTexts();
@@ -155,8 +157,7 @@ void BatteryThreadTest::followsTheBatteryAndThePageStopsIt()
     QCOMPARE(child<QLabel>(page.get(), "label_3")->text(), received.charge[0]);
     QCOMPARE(child<QLabel>(page.get(), "label_4")->text(), received.label[0]);
 
-    // The page stops all threads, and waits for none.
-    page.reset();
+    page.reset(); // stops all threads
     QCOMPARE(int(batteryKeepRunning.load()), 0);
     QVERIFY(thread.wait(5000));
     QMap<int, QStringList> made;
@@ -173,6 +174,22 @@ void BatteryThreadTest::followsTheBatteryAndThePageStopsIt()
         "Battery_getVoltageLevel() = 0 [41]"_s, "Battery_release()"_s};
     QCOMPARE(made[2], pass);
     QCOMPARE(made[3], pass);
+}
+
+void BatteryThreadTest::pageWaitsForNoThread()
+{
+    deviceErrorText(DEVICE_OK);
+    QCOMPARE(virtualunit::setDelay("Battery_isAvailable", 3000), std::string());
+    auto page = std::make_unique<tabPowerDlg>();
+    QElapsedTimer clock;
+    clock.start();
+    page.reset();
+    QVERIFY2(clock.elapsed() < 2000, "it waited for its thread's call");
+    QStringList made;
+    const auto ended = [&] {
+        return (made << threadCalls().value(2)).endsWith("Battery_release()"_s);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(ended(), 20000);
 }
 
 void BatteryThreadTest::onePassWaitsBetweenItsCalls()

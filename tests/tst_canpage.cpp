@@ -75,6 +75,7 @@ private slots:
     void baudRateNotSupported();
     void baudRateFails_data();
     void baudRateFails();
+    void failureLeavesBaudRateHidden();
     void hiddenBaudRateComesBack();
     void writesBothSettings_data();
     void writesBothSettings();
@@ -197,10 +198,15 @@ void CanPageTest::noNets()
     QVERIFY(!page.device->isEnabled());
     QVERIFY(!page.apply->isEnabled());
     QCOMPARE(page.settings->title(), QStringLiteral("Settings"));
-    // Nothing enables the page again, even when the net answers later.
+    // Nothing enables the page again, even when the net answers later,
     page.hide();
     page.show();
     QCOMPARE(calls(), QStringList());
+    // and whoever gets past what is disabled finds nobody there.
+    QVERIFY(QMetaObject::invokeMethod(&page, "buttonApplyClicked"));
+    QVERIFY(QMetaObject::invokeMethod(&page, "deviceIndexChanged", Q_ARG(int, 0)));
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(page.settings->title(), QStringLiteral("Settings"));
 }
 
 void CanPageTest::readsFirstNetWhenShown()
@@ -257,10 +263,12 @@ void CanPageTest::frameType_data()
 void CanPageTest::frameType()
 {
     QFETCH(QString, value);
+    QFETCH(int, index);
     setUnit(QStringLiteral("Can.frameType1"), value);
     Page page;
+    page.frameType->setCurrentIndex(index == 2 ? 1 : 2);
     page.show();
-    QTEST(page.frameType->currentIndex(), "index");
+    QCOMPARE(page.frameType->currentIndex(), index);
 }
 
 void CanPageTest::frameTypeFails_data()
@@ -369,6 +377,24 @@ void CanPageTest::baudRateFails()
     QCOMPARE(describe(dialogs.take()),
         QStringList(
             {errorBox(QStringLiteral("Baud rate invalid format, net 1.")), restartNotice()}));
+}
+
+/** Only a baud rate brings the list of them back. */
+void CanPageTest::failureLeavesBaudRateHidden()
+{
+    Page page;
+    fault(QStringLiteral("Can_getBaudrate"), 2, 1);
+    page.show();
+    fault(QStringLiteral("Can_getBaudrate"), 5, 1);
+    QTest::keyClick(page.device, Qt::Key_Down);
+    QVERIFY(page.baudRate->isHidden());
+    QVERIFY(page.baudRateLabel->isHidden());
+    const QString error = QStringLiteral("getBaudrate: Error:  ") + deviceText(5);
+    QCOMPARE(items(page.baudRate), fixedRates + QStringList({error, error, QString()}));
+    calls();
+    page.clickApply();
+    QCOMPARE(calls(), lines({"Can_setFrameType(2, 1) = 0"}));
+    QCOMPARE(describe(dialogs.take()), QStringList(restartNotice()));
 }
 
 void CanPageTest::hiddenBaudRateComesBack()

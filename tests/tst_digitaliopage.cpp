@@ -33,6 +33,7 @@ private slots:
     void hiddenInputsStayHidden();
     void inputsCantBePressed();
     void clickWritesAllBoxes();
+    void clickWritesOnlyWhatBoxesShow();
     void failingWrite_data();
     void failingWrite();
 
@@ -297,6 +298,18 @@ void DigitalIoPageTest::clickWritesAllBoxes()
     }
     QTest::keyClick(child<QCheckBox>(&page, "checkBoxDO_1"), Qt::Key_Space);
     QCOMPARE(calls(), QStringList("DigIO_setDigIO(11) = 0"_s));
+}
+
+/** The boxes are all that is written; what else the unit told is not. */
+void DigitalIoPageTest::clickWritesOnlyWhatBoxesShow()
+{
+    setUnit("DigIO.digIO"_s, "245"_s); // 0xF5
+    tabDigIODlg page;
+    page.show();
+    calls();
+    click(&page, "checkBoxDO_2");
+    QCOMPARE(calls(), QStringList("DigIO_setDigIO(7) = 5"_s)); // nothing drives the upper lines
+    QCOMPARE(boxes(&page), QStringList(errorBox(5, "DigIO_setDigIO"_s)));
 }
 
 void DigitalIoPageTest::failingWrite_data()

@@ -1,4 +1,5 @@
 #include "pages/tabSysConfDlg.h"
+#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 
 #include <QGroupBox>
@@ -7,6 +8,7 @@
 
 using support::child;
 using support::click;
+using support::deviceText;
 using support::operator""_s;
 
 class HeaterPageTest : public PageTest
@@ -129,8 +131,7 @@ void HeaterPageTest::failingRead()
     QVERIFY(apply->isEnabled());
     QCOMPARE(group->toolTip(), code == 2 ? QString() : "Requires newer SS version"_s);
     QCOMPARE(celsius->text(),
-        code == 2 ? "-10"_s
-                  : "getHeatingTempLimit: Error:  "_s + QString::fromLatin1(deviceErrorText(code)));
+        code == 2 ? "-10"_s : "getHeatingTempLimit: Error:  "_s + deviceText(code));
     QCOMPARE(fahrenheit->text(), code == 2 ? "14"_s : QString());
     // A later success fills the fields, and brings nothing back.
     page.hide();

@@ -1,4 +1,5 @@
 #include "pages/tabOnOffDlg.h"
+#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 
 #include <QCheckBox>
@@ -6,6 +7,7 @@
 
 using support::child;
 using support::click;
+using support::deviceText;
 using support::operator""_s;
 
 class OnOffPageTest : public PageTest
@@ -351,7 +353,7 @@ void OnOffPageTest::failingRead()
     }
     if (!edit.isEmpty())
         QCOMPARE(text(page, edit.constData()),
-            operation + QLatin1String(": Error:  ") + QString::fromLatin1(deviceErrorText(code)));
+            operation + QLatin1String(": Error:  ") + deviceText(code));
 }
 
 void OnOffPageTest::missingTimesCarryTheTextOn()
@@ -405,7 +407,7 @@ void OnOffPageTest::allReadsFail()
 {
     QFETCH(int, code);
     tabOnOffDlg page;
-    const QString error = QString::fromLatin1(deviceErrorText(code));
+    const QString error = deviceText(code);
     for (const QString &call : shownCalls(page))
         fault(call.section(QLatin1Char('('), 0, 0), code);
     page.hide();
@@ -421,7 +423,18 @@ void OnOffPageTest::allReadsFail()
     QCOMPARE(text(page, "editButtonPressTime"), shown("getFrontBtnTrigTime"));
     QCOMPARE(text(page, "editTimeSignal"), shown("getExtOnOffSigTrigTime"));
     QCOMPARE(text(page, "editTimeSuspend"), shown("getSuspendMaxTime"));
-    QVERIFY(child<QPushButton>(&page, "pushButton")->isEnabled());
+    // What is disabled is written all the same.
+    QStringList written{"setLongButtonPressAction"_s, "setShortButtonPressAction"_s,
+        "setOnOffSigAction"_s, "setStartupTriggerConfig"_s, "setSuspendMaxTime(0)"_s,
+        "setFrontBtnTrigTime(0)"_s, "setExtOnOffSigTrigTime(0)"_s, "setPowerOnStartup"_s};
+    calls();
+    click(&page, "pushButton");
+    for (const QString &call : calls()) {
+        QVERIFY2(call.startsWith("Config_"_s + written.value(0)), qPrintable(call));
+        written.removeFirst();
+    }
+    QCOMPARE(written, QStringList());
+    QCOMPARE(boxes(&page).size(), 3); // no field holds a number
 }
 
 void OnOffPageTest::disabledStaysDisabled()
@@ -550,10 +563,19 @@ void OnOffPageTest::messagesComeInTheirOrder()
     for (const char *edit : {"editButtonPressTime", "editTimeSignal", "editTimeSuspend"})
         type(page, edit, QString());
     calls();
+    // All of them come before anything is written.
+    QStringList early;
+    for (int message = 0; message < 3; ++message) {
+        dialogs.plan([&](QDialog *dialog) {
+            early += calls();
+            dialog->accept();
+        });
+    }
     click(&page, "pushButton");
     QCOMPARE(boxes(&page),
         QStringList({"Supend time invalid format."_s, "ON/OFF button time - invalid format."_s,
             "ON/OFF signal time - invalid format."_s}));
+    QCOMPARE(early, QStringList());
     QCOMPARE(calls().filter("Time"_s),
         QStringList({"Config_setSuspendMaxTime(0) = 0"_s, "Config_setFrontBtnTrigTime(0) = 0"_s,
             "Config_setExtOnOffSigTrigTime(0) = 0"_s}));

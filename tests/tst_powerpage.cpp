@@ -1,4 +1,5 @@
 #include "pages/tabPowerDlg.h"
+#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 
 #include <QCheckBox>
@@ -7,6 +8,7 @@
 
 using support::child;
 using support::click;
+using support::deviceText;
 using support::operator""_s;
 
 class PowerPageTest : public PageTest
@@ -66,7 +68,7 @@ void PowerPageTest::init()
     // The journal numbers threads as they come; a battery thread of the row before may still be
     // about to end.
     deviceErrorText(DEVICE_OK);
-    calls();
+    journal();
     setUnit("Power.canPowerStatus"_s, "1"_s);
     setUnit("Power.extFanPowerStatus"_s, "0"_s);
     setUnit("Power.videoPowerStatus"_s, "5"_s);
@@ -77,16 +79,10 @@ void PowerPageTest::init()
 
 QStringList PowerPageTest::pageCalls()
 {
-    QStringList lines = journal();
     QStringList own;
-    for (const QString &line : lines) {
-        if (!line.startsWith("T1 "_s) || line.startsWith("T1 deviceErrorText("_s))
-            continue;
-        QString call = line.mid(3);
-        call.remove(QRegularExpression(QStringLiteral("#\\d+(, )?| = #\\d+")));
-        own << call;
-    }
-    return own;
+    for (const QString &call : journal().filter(QRegularExpression(QStringLiteral("^T1 "))))
+        own << call.mid(3).remove(QRegularExpression(QStringLiteral("#\\d+(, )?| = #\\d+")));
+    return withoutErrorTexts(own);
 }
 
 void PowerPageTest::form()
@@ -204,15 +200,24 @@ void PowerPageTest::failingRead()
     const bool now = operation.startsWith("Power_"_s);
     mode->setCurrentIndex(now ? 0 : 1);
     pageCalls();
+    const auto affected = [&](const QCheckBox *box) {
+        // "checkBoxVideo_2" is about "Video".
+        const QString subject = box->objectName().mid(8).section(QLatin1Char('_'), 0, 0);
+        return operation.contains(subject, Qt::CaseInsensitive);
+    };
+    QStringList checkedBefore;
+    for (const auto *box : page.findChildren<QCheckBox *>()) {
+        if (affected(box) && box->isChecked())
+            checkedBefore << box->objectName();
+    }
     fault(operation, code);
     mode->setCurrentIndex(now ? 1 : 0);
     QCOMPARE(pageCalls(), failing(now ? currentReads : startupReads, operation, code));
     for (const auto *box : page.findChildren<QCheckBox *>()) {
-        // "checkBoxVideo_2" is about "Video".
-        const bool affected = operation.contains(
-            box->objectName().mid(8).section(QLatin1Char('_'), 0, 0), Qt::CaseInsensitive);
-        QCOMPARE(box->isVisible(), !(affected && code == 2));
-        QCOMPARE(box->isEnabled(), !(affected && code != 2));
+        QCOMPARE(box->isVisible(), !(affected(box) && code == 2));
+        QCOMPARE(box->isEnabled(), !(affected(box) && code != 2));
+        if (affected(box))
+            QCOMPARE(box->isChecked(), checkedBefore.contains(box->objectName()));
     }
     // The video channels have one name for both states.
     const QString name = operation.contains("Video"_s) ? "getVideoPowerStatus"_s
@@ -273,10 +278,18 @@ void PowerPageTest::goodReadingBringsTheBoxesBack()
     page.show();
     QVERIFY(!child<QCheckBox>(&page, "checkBoxCAN")->isVisible());
     QVERIFY(!child<QCheckBox>(&page, "checkBoxVideo_4")->isVisible());
+    fault("Power_getCanPowerStatus"_s, 5);
+    fault("Power_getVideoPowerStatus"_s, 5);
+    page.hide();
+    page.show();
+    boxes(&page);
+    QVERIFY(!child<QCheckBox>(&page, "checkBoxCAN")->isEnabled());
     clearFaults();
     child<QComboBox>(&page, "comboBoxMode")->setCurrentIndex(0);
-    QVERIFY(child<QCheckBox>(&page, "checkBoxCAN")->isVisible());
-    QVERIFY(child<QCheckBox>(&page, "checkBoxVideo_4")->isVisible());
+    for (const char *name : {"checkBoxCAN", "checkBoxVideo_1", "checkBoxVideo_4"}) {
+        QVERIFY(child<QCheckBox>(&page, name)->isVisible());
+        QVERIFY(child<QCheckBox>(&page, name)->isEnabled());
+    }
 }
 
 void PowerPageTest::clicksWriteInTheirMode_data()
@@ -409,6 +422,13 @@ void PowerPageTest::noBatteryTakesTheTab()
         QCOMPARE(pageCalls().filter("Battery_get"_s), QStringList());
         page.hide();
     }
+    // A battery that comes later is asked, and has no tab to be seen on.
+    clearFaults();
+    setUnit("Battery.available"_s, "true"_s);
+    page.show();
+    QCOMPARE(pageCalls().filter("Battery_get"_s).size(), 4);
+    QCOMPARE(child<QTabWidget>(&page, "tabWidget_2")->count(), 1);
+    QVERIFY(!child<QWidget>(&page, "tabWidget_2Page2")->isEnabled());
 }
 
 void PowerPageTest::batteryDetails_data()
@@ -434,8 +454,7 @@ void PowerPageTest::batteryDetails_data()
     const auto failure = [](const Detail &detail, int code) {
         QString text = QString::fromLatin1(detail.failure);
         if (text.endsWith(QLatin1Char(' ')))
-            text += QStringLiteral("Error(%1) %2\n")
-                        .arg(QString::number(code), QString::fromLatin1(deviceErrorText(code)));
+            text += QStringLiteral("Error(%1) %2\n").arg(QString::number(code), deviceText(code));
         return text;
     };
     const Detail error{"getHwErrorStatus", "hwErrorStatus", "label_2",

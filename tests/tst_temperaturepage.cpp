@@ -25,6 +25,7 @@ private slots:
     void sensorNames();
     void listHoldsTwentySensors_data();
     void listHoldsTwentySensors();
+    void kindsChange();
     void readings_data();
     void readings();
     void refreshButtonReadsAgain();
@@ -269,6 +270,17 @@ void TemperaturePageTest::listHoldsTwentySensors()
     QCOMPARE(read.size(), listed);
     QVERIFY(read.constLast().startsWith(
         QStringLiteral("Diagnostics_getPMTemp(%1) = 0").arg(listed - 1)));
+}
+
+/** Where a reading goes is told with it, each time. */
+void TemperaturePageTest::kindsChange()
+{
+    setProcessorSensors({{50, 0}, {60, 3}});
+    tabTempDlg page;
+    setProcessorSensors({{50, 3}, {60, 0}});
+    page.show();
+    QCOMPARE(text(page, "editTemp_CPU"), QStringLiteral("60°C (140°F)"));
+    QCOMPARE(text(page, "editTemp_CPUBoard"), QStringLiteral("50°C (122°F)"));
 }
 
 void TemperaturePageTest::readings_data()

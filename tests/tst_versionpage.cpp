@@ -196,8 +196,20 @@ void VersionPageTest::installationWarning()
     fault("Versions_getVornAuxVersion"_s, library);
     tabVersionDlg page;
     for (int visit = 0; visit < 2; ++visit) {
+        // The check's handle is held until somebody has read the warning.
+        QStringList before;
+        if (warned) {
+            dialogs.plan([&](QDialog *dialog) {
+                before = calls();
+                dialog->accept();
+            });
+        }
         page.show();
         QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
+        QCOMPARE(calls().value(warned ? 0 : -1), warned ? "Versions_release()"_s : QString());
+        QCOMPARE(before.isEmpty(), !warned);
+        if (warned)
+            QVERIFY(before.constLast().startsWith("Versions_getVornAuxVersion("_s));
         page.hide();
     }
 }

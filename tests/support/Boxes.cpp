@@ -17,7 +17,7 @@ constexpr int failureCodes[] = {2, 18, 20, 5, -1};
 QMap<int, QString> readErrorTexts()
 {
     QMap<int, QString> texts;
-    for (const int code : failureCodes)
+    for (int code = -1; code <= 40; ++code)
         texts[code] = latin1(deviceErrorText(code));
     return texts;
 }

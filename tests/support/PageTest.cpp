@@ -1,7 +1,7 @@
 #include "tests/support/PageTest.h"
 
-#include "frame/VornAux2.h"
 #include "frame/graphicalMode.h"
+#include "tests/support/Boxes.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -332,17 +332,31 @@ QStringList PageTest::failing(QStringList lines, const QString &operation, int c
 
 QStringList PageTest::calls()
 {
-    const QStringList all = DeviceTest::calls();
+    return withoutErrorTexts(DeviceTest::calls());
+}
+
+QStringList PageTest::withoutErrorTexts(const QStringList &calls)
+{
+    static const QRegularExpression question(QStringLiteral("^deviceErrorText\\((-?\\d+)\\)"));
+    static const QRegularExpression result(QStringLiteral("\\) = (-?\\d+)( \\[.*\\])?$"));
     QStringList lines;
-    std::remove_copy_if(all.begin(), all.end(), std::back_inserter(lines),
-        [](const QString &line) { return line.startsWith(QLatin1String("deviceErrorText(")); });
+    QString answered; // by the call before, as long as nobody has asked about it
+    for (const QString &call : calls) {
+        const auto asked = question.match(call);
+        if (!asked.hasMatch()) {
+            lines << call;
+            answered = result.match(call).captured(1);
+        } else if (asked.captured(1) != std::exchange(answered, QString())) {
+            const auto message = QStringLiteral("nobody returned what %1 asks about").arg(call);
+            QTest::qFail(qPrintable(message), __FILE__, __LINE__);
+        }
+    }
     return lines;
 }
 
 QString PageTest::errorBox(int code, const QString &operation)
 {
-    return QStringLiteral("Error(%1) in %2: %3")
-        .arg(QString::number(code), operation, QString::fromLatin1(deviceErrorText(code)));
+    return support::deviceError(code, operation.toLatin1().constData());
 }
 
 QStringList PageTest::boxes(const QWidget *page)
