@@ -7,9 +7,11 @@ std::atomic<std::uint8_t> batteryKeepRunning{0};
 
 namespace {
 
+/** A thread whose page has gone ends by itself, though the next page's has set the flag again. */
 bool keepRunning()
 {
-    return batteryKeepRunning.load(std::memory_order_relaxed) != 0;
+    return batteryKeepRunning.load(std::memory_order_relaxed) != 0 &&
+           !QThread::currentThread()->isInterruptionRequested();
 }
 
 /** Waits so many steps of 100 ms; a stop cuts the wait short. */

@@ -7,13 +7,13 @@
 #include <atomic>
 #include <cstdint>
 
-/** The battery monitor goes on as long as this is not 0. It sets the flag itself on starting. */
+/** Battery monitors go on as long as this is not 0. Each sets the flag itself on starting. */
 extern std::atomic<std::uint8_t> batteryKeepRunning;
 
 /**
  * Follows the external battery from a thread and a device handle of its own. Ends at once if there
- * is no battery, else when batteryKeepRunning is cleared, within one step of 100 ms and the device
- * calls of the pass. Its signals are the only way to the widgets.
+ * is no battery, else when batteryKeepRunning is cleared or requestInterruption() called, within
+ * one step of 100 ms and the device calls of the pass. Its signals are the only way to the widgets.
  */
 class MyThread : public QThread
 {
@@ -23,9 +23,9 @@ public:
     using QThread::QThread;
 
 signals:
-    void newLevel(int percent);
-    void newCharge(QString text);
-    void newLabel(QString text);
+    void newLevel(int percent);   ///< 0 to 100, and 0 for a failed reading
+    void newCharge(QString text); ///< chargingText()
+    void newLabel(QString text);  ///< powerSourceText()
 
 protected:
     void run() override;

@@ -57,7 +57,7 @@ tabPowerDlg::tabPowerDlg(QWidget *parent)
     ui->comboBoxMode->insertItem(currentMode, QStringLiteral("Current power settings"));
     loadCurrentSettings();
 
-    auto *monitor = new MyThread;
+    monitor = new MyThread;
     endWithApplication(monitor, batteryKeepRunning);
     monitor->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost. Without a battery it has
@@ -74,6 +74,8 @@ tabPowerDlg::tabPowerDlg(QWidget *parent)
 tabPowerDlg::~tabPowerDlg()
 {
     batteryKeepRunning.store(0, std::memory_order_relaxed);
+    if (monitor)
+        monitor->requestInterruption();
     power.release();
     battery.release();
     config.release();

@@ -5,7 +5,12 @@
 #include "frame/tabDlg.h"
 #include "ui_tabPowerDlg.h"
 
+#include <QPointer>
+
+#include <cstdint>
 #include <vector>
+
+class MyThread;
 
 /**
  * Power page: which loads get power, at start-up or now, and the external battery, which a thread
@@ -46,4 +51,5 @@ private:
     DeviceHandle<Battery_create, Battery_release> battery;
     DeviceHandle<Config_create, Config_release> config;
     std::uint8_t constructed = 0; ///< 0 keeps modeIndexChanged quiet while the list is filled
+    QPointer<MyThread> monitor;   ///< outlives the page, and goes with the application object
 };

@@ -90,6 +90,7 @@ class BatteryThreadTest : public PageTest
 private slots:
     void followsTheBatteryAndThePageStopsIt();
     void pageWaitsForNoThread();
+    void nextPageDoesntReviveTheThread();
     void onePassWaitsBetweenItsCalls();
     void failuresAreTexts_data();
     void failuresAreTexts();
@@ -190,6 +191,22 @@ void BatteryThreadTest::pageWaitsForNoThread()
         return (made << threadCalls().value(2)).endsWith("Battery_release()"_s);
     };
     QTRY_VERIFY_WITH_TIMEOUT(ended(), 20000);
+}
+
+/** One flag serves all pages that there will be. */
+void BatteryThreadTest::nextPageDoesntReviveTheThread()
+{
+    deviceErrorText(DEVICE_OK);
+    auto page = std::make_unique<tabPowerDlg>();
+    page.reset();
+    batteryKeepRunning.store(1);
+    QStringList made;
+    const auto ended = [&] {
+        return (made << threadCalls().value(2)).endsWith("Battery_release()"_s);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(ended(), 5000);
+    QVERIFY2(made.size() <= 3, "it went on to its first pass");
+    batteryKeepRunning.store(0);
 }
 
 void BatteryThreadTest::onePassWaitsBetweenItsCalls()
