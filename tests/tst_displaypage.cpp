@@ -25,6 +25,8 @@ private slots:
     void loadsRunningControl();
     void loadFailure_data();
     void loadFailure();
+    void failedStatusLeavesTheSettings_data();
+    void failedStatusLeavesTheSettings();
     void ledDimmingIsOnForOneOnly_data();
     void ledDimmingIsOnForOneOnly();
     void sensitivityStaysInRange_data();
@@ -34,6 +36,9 @@ private slots:
     void firstIntensityOfZeroTouchesNothing();
     void sliderFollowsTheDevice();
     void lastIntensitySurvivesHiding();
+    void refreshItselfSetsTheLabel();
+    void echoFailure_data();
+    void echoFailure();
     void intensityFailure_data();
     void intensityFailure();
     void timerStandsBeforeTheBoxOpens();
@@ -59,6 +64,12 @@ private:
     void type(const tabBacklightDlg &page, const char *slider, Qt::Key key)
     {
         QTest::keyClick(child<QSlider>(&page, slider), key);
+    }
+    /** How many of the automatic control's two settings the user can change. */
+    int openSettings(const tabBacklightDlg &page)
+    {
+        return int(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled()) +
+               int(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
     }
     QString text(const tabBacklightDlg &page, const char *label)
     {
@@ -159,8 +170,7 @@ void DisplayPageTest::loadsOnShow()
     QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
     QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(), 8);
     QCOMPARE(text(page, "labelKLevel"), "8"_s);
-    QVERIFY(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 2);
 }
 
 void DisplayPageTest::loadsRunningControl()
@@ -170,15 +180,13 @@ void DisplayPageTest::loadsRunningControl()
     const HeldTimer timer(&page);
     page.show();
     QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(!child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(!child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 0);
 
     setUnit("Backlight.automaticBLStatus"_s, "0"_s);
     page.hide();
     page.show();
     QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 2);
 }
 
 void DisplayPageTest::loadFailure_data()
@@ -197,6 +205,11 @@ void DisplayPageTest::loadFailure()
     child<QCheckBox>(&page, "checkBoxABLEnable")->setChecked(true);
     calls();
     fault(operation, code);
+    bool activeInBox = false;
+    dialogs.plan([&](QDialog *box) {
+        activeInBox = timer.isActive();
+        box->accept();
+    });
     page.show();
     QCOMPARE(calls(), failing(loads, operation, code));
     const QString name = operation.mid(int(qstrlen("Backlight_")));
@@ -210,7 +223,32 @@ void DisplayPageTest::loadFailure()
     QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(),
         name != QLatin1String("getLedDimming"));
     QVERIFY(child<QSlider>(&page, "sliderSensitivity")->isVisible());
+    QVERIFY(activeInBox);
     QVERIFY(timer.isActive());
+}
+
+void DisplayPageTest::failedStatusLeavesTheSettings_data()
+{
+    addFailureRows({"Backlight_getAutomaticBLStatus"_s});
+}
+
+void DisplayPageTest::failedStatusLeavesTheSettings()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    for (const bool running : {false, true}) {
+        clearFaults();
+        setUnit("Backlight.automaticBLStatus"_s, running ? "7"_s : "0"_s);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        page.hide();
+        fault(operation, code);
+        page.show();
+        QCOMPARE(boxes(&page), QStringList{errorBox(code, "getAutomaticBLStatus"_s)});
+        QCOMPARE(openSettings(page), running ? 0 : 2);
+        QCOMPARE(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked(), running);
+    }
 }
 
 void DisplayPageTest::ledDimmingIsOnForOneOnly_data()
@@ -329,6 +367,58 @@ void DisplayPageTest::lastIntensitySurvivesHiding()
     QCOMPARE(text(page, "labelBLLevel"), "0"_s);
 }
 
+// A slider that stands there already sends no signal that could do it.
+void DisplayPageTest::refreshItselfSetsTheLabel()
+{
+    tabBacklightDlg page;
+    HeldTimer timer(&page);
+    page.show();
+    QVERIFY(timer.fire());
+    type(page, "sliderBacklightLevel", Qt::Key_Right);
+    QCOMPARE(unit("Backlight.intensity"_s), "181"_s);
+    fault("Backlight_getIntensity"_s, 5, 1);
+    QVERIFY(timer.fire());
+    QCOMPARE(boxes(&page).size(), 1);
+    QCOMPARE(text(page, "labelBLLevel"), "0"_s);
+    page.hide();
+    page.show();
+    calls();
+    QVERIFY(timer.fire());
+    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [181]"_s,
+                          "Backlight_getHealthStatus() = 0 [true]"_s}));
+    QCOMPARE(text(page, "labelBLLevel"), "181"_s);
+}
+
+void DisplayPageTest::echoFailure_data()
+{
+    addFailureRows({"Backlight_setIntensity"_s});
+}
+
+// The value counts as known all the same: the next round writes nothing.
+void DisplayPageTest::echoFailure()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    const auto read = "Backlight_getIntensity() = 0 [180]"_s;
+    const auto health = "Backlight_getHealthStatus() = 0 [true]"_s;
+    tabBacklightDlg page;
+    HeldTimer timer(&page);
+    page.show();
+    fault(operation, code);
+    calls();
+    QVERIFY(timer.fire());
+    QCOMPARE(
+        calls(), failing({read, "Backlight_setIntensity(180) = 0"_s, health}, operation, code));
+    QCOMPARE(boxes(&page), QStringList{errorBox(code, "setIntensity"_s)});
+    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 180);
+    QCOMPARE(text(page, "labelBLLevel"), "180"_s);
+    child<QLabel>(&page, "labelBLLevel")->setText("untouched"_s);
+    QVERIFY(timer.fire());
+    QCOMPARE(calls(), (QStringList{read, health}));
+    QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
+    QVERIFY(timer.isActive());
+}
+
 void DisplayPageTest::intensityFailure_data()
 {
     addFailureRows({"Backlight_getIntensity"_s});
@@ -357,6 +447,13 @@ void DisplayPageTest::intensityFailure()
     page.hide();
     page.show();
     QVERIFY(timer.isActive());
+    // The intensity that was read last is still the known one.
+    clearFaults();
+    calls();
+    QVERIFY(timer.fire());
+    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
+                          "Backlight_getHealthStatus() = 0 [true]"_s}));
+    QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
 }
 
 void DisplayPageTest::timerStandsBeforeTheBoxOpens()
@@ -381,7 +478,7 @@ void DisplayPageTest::health_data()
     QTest::addColumn<QString>("healthy");
     QTest::addColumn<QString>("text");
     QTest::newRow("2") << 2 << "true"_s
-                       << "status:   "_s;
+                       << "status: ERROR"_s; // as before
     for (const int code : {18, 20, 5, -1})
         QTest::addRow("%d", code) << code << "true"_s
                                   << "Error: %1"_s.arg(code);
@@ -396,13 +493,18 @@ void DisplayPageTest::health()
     QFETCH(int, code);
     QFETCH(QString, healthy);
     QFETCH(QString, text);
-    setUnit("Backlight.healthStatus"_s, healthy);
-    fault("Backlight_getHealthStatus"_s, code);
+    const bool wasHealthy = healthy == "false"_s;
+    setUnit("Backlight.healthStatus"_s, wasHealthy ? "true"_s : "false"_s);
     tabBacklightDlg page;
     HeldTimer timer(&page);
     page.show();
+    const auto *label = child<QLabel>(&page, "label_hwstatus1");
     QVERIFY(timer.fire());
-    QCOMPARE(child<QLabel>(&page, "label_hwstatus1")->text(), text);
+    QCOMPARE(label->text(), wasHealthy ? "status: OK"_s : "status: ERROR"_s);
+    setUnit("Backlight.healthStatus"_s, healthy);
+    fault("Backlight_getHealthStatus"_s, code);
+    QVERIFY(timer.fire());
+    QCOMPARE(label->text(), text);
     QVERIFY(timer.isActive());
 }
 
@@ -496,8 +598,7 @@ void DisplayPageTest::enableSendsFilterAndStarts()
                           "Backlight_setAutomaticBLFilter(4, 17, 80, 2) = 0"_s,
                           "Backlight_startAutomaticBL() = 0"_s}));
     QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(!child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(!child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 0);
 }
 
 void DisplayPageTest::enableFailure_data()
@@ -515,12 +616,17 @@ void DisplayPageTest::enableFailure()
     page.show();
     fault(operation, code);
     calls();
+    int openInBox = -1;
+    dialogs.plan([&](QDialog *box) {
+        openInBox = openSettings(page);
+        box->accept();
+    });
     click(&page, "checkBoxABLEnable");
     QCOMPARE(calls(), failing(enabling, operation, code));
     QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
     QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(!child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(!child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openInBox, 2);
+    QCOMPARE(openSettings(page), 0);
 }
 
 void DisplayPageTest::disableStops()
@@ -533,8 +639,7 @@ void DisplayPageTest::disableStops()
     click(&page, "checkBoxABLEnable");
     QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = 0"_s});
     QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 2);
     QCOMPARE(unit("Backlight.automaticBLStatus"_s), "0"_s);
 }
 
@@ -553,12 +658,17 @@ void DisplayPageTest::disableFailure()
     page.show();
     fault(operation, code);
     calls();
+    int openInBox = -1;
+    dialogs.plan([&](QDialog *box) {
+        openInBox = openSettings(page);
+        box->accept();
+    });
     click(&page, "checkBoxABLEnable");
     QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = %1"_s.arg(code)});
     QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAutomaticBL"_s)});
     QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openInBox, 0);
+    QCOMPARE(openSettings(page), 2);
 }
 
 void DisplayPageTest::failedStartShowsUntilShownAgain()
@@ -573,8 +683,7 @@ void DisplayPageTest::failedStartShowsUntilShownAgain()
     page.hide();
     page.show();
     QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled());
-    QVERIFY(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    QCOMPARE(openSettings(page), 2);
 }
 
 void DisplayPageTest::ledDimming()
