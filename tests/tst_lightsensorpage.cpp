@@ -80,6 +80,14 @@ private:
             state += ": "_s + button->toolTip();
         return state;
     }
+    /** Accepts the next box, and tells what the button is behind it. */
+    void planBox(const tabLightSensorDlg &page, QString &buttonBehind)
+    {
+        dialogs.plan([this, &page, &buttonBehind](QDialog *box) {
+            buttonBehind = button(page);
+            box->accept();
+        });
+    }
 };
 
 namespace {
@@ -206,15 +214,18 @@ void LightSensorPageTest::refusedWhileAutomaticBacklightRuns()
     setUnit("Backlight.automaticBLStatus"_s, "1"_s);
     tabLightSensorDlg page;
     const HeldTimer timer(&page);
+    const auto refused = "Off disabled: Cannot be started when automatic backlight is running"_s;
     for (int opening = 0; opening < 2; ++opening) {
         calls();
+        QString buttonBehind;
+        planBox(page, buttonBehind);
         page.show();
         QCOMPARE(calls(), QStringList{"LightSensor_startAverageCalc(1, 0, 100, 0) = 20"_s});
         QCOMPARE(boxes(&page),
             QStringList{errorBox(20,
                 "startAverageCalc.\r\nThe light sensor cannot be started when automatic backlight is running.\r\nError"_s)});
-        QCOMPARE(
-            button(page), "Off disabled: Cannot be started when automatic backlight is running"_s);
+        QCOMPARE(buttonBehind, refused);
+        QCOMPARE(button(page), refused);
         QVERIFY(!timer.isActive());
         calls();
         click(&page, "pushButtonOn");
@@ -250,12 +261,15 @@ void LightSensorPageTest::trialFailure()
     const HeldTimer timer(&page);
     calls();
     fault(operation, code);
+    QString buttonBehind;
+    planBox(page, buttonBehind);
     page.show();
     QCOMPARE(calls(), failing({start}, operation, code));
     const bool refused = code == DEVICE_AUTOMATIC_BACKLIGHT_RUNS;
     QCOMPARE(button(page),
         refused ? "Off disabled: Cannot be started when automatic backlight is running"_s
                 : "Off disabled: Error: startAverageCalc"_s);
+    QCOMPARE(buttonBehind, button(page));
     const QStringList texts = boxes(&page);
     QCOMPARE(texts.size(), 1);
     if (!refused)
@@ -408,7 +422,14 @@ void LightSensorPageTest::buttonStopFailure()
     QVERIFY(timer.fire());
     fault(operation, code, 1);
     calls();
+    QStringList behind;
+    dialogs.plan([&](QDialog *box) {
+        behind << button(page) << reading(page) << (timer.isActive() ? "active"_s : "stands"_s);
+        box->accept();
+    });
     click(&page, "pushButtonOn");
+    // The press alone has changed the button's state.
+    QCOMPARE(behind, (QStringList{"On out of step"_s, "230 Lux, Range standard"_s, "active"_s}));
     QCOMPARE(calls(), failing({stop}, operation, code));
     QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAverageCalc"_s)});
     QCOMPARE(button(page), "Off"_s);
