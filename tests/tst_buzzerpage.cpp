@@ -233,6 +233,7 @@ void BuzzerPageTest::loadFailure()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
+    setUnit("Buzzer.trigger"_s, "true"_s);
     tabBuzzerDlg page;
     page.show();
     page.hide();
@@ -241,7 +242,7 @@ void BuzzerPageTest::loadFailure()
     page.show();
     QCOMPARE(
         calls(), failing({"Buzzer_getFrequency() = 0 [2400]"_s, "Buzzer_getVolume() = 0 [20]"_s,
-                             "Buzzer_getTrigger() = 0 [false]"_s},
+                             "Buzzer_getTrigger() = 0 [true]"_s},
                      operation, code));
     const bool absent = code == DEVICE_NOT_SUPPORTED;
     const QString name = operation.mid(int(qstrlen("Buzzer_")));
@@ -255,6 +256,8 @@ void BuzzerPageTest::loadFailure()
     QVERIFY(child<QLabel>(&page, "labelVolume")->isVisible());
     QCOMPARE(text(page, "labelFreq"), "Freq\n 2400 Hz"_s);
     QCOMPARE(text(page, "labelVolume"), "Volume\n 20"_s);
+    QVERIFY(child<QPushButton>(&page, "buttonOn")->isChecked());
+    QCOMPARE(child<QPushButton>(&page, "buttonOn")->text(), "On"_s);
 }
 
 void BuzzerPageTest::echoFailure_data()
@@ -354,11 +357,18 @@ void BuzzerPageTest::sliderFailure()
     page.show();
     fault(operation, code);
     calls();
+    const bool isVolume = operation == "Buzzer_setVolume"_s;
+    QString behindBox;
+    dialogs.plan([&](QDialog *box) {
+        behindBox = text(page, isVolume ? "labelVolume" : "labelFreq");
+        box->accept();
+    });
     QTest::keyClick(child<QSlider>(&page, "sliderFreq"), Qt::Key_Right);
     QTest::keyClick(child<QSlider>(&page, "sliderVol"), Qt::Key_Right);
     QCOMPARE(calls(), failing({"Buzzer_setFrequency(2410) = 0"_s, "Buzzer_setVolume(21) = 0"_s},
                           operation, code));
     QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Buzzer_"))))});
+    QCOMPARE(behindBox, isVolume ? "Volume\n 21"_s : "Freq\n 2410 Hz"_s);
     QCOMPARE(text(page, "labelFreq"), "Freq\n 2410 Hz"_s);
     QCOMPARE(text(page, "labelVolume"), "Volume\n 21"_s);
     QVERIFY(child<QSlider>(&page, "sliderFreq")->isVisible());
