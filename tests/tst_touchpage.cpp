@@ -132,6 +132,8 @@ private slots:
     void profilesExcludeEachOther();
     void modeFails_data();
     void modeFails();
+    void failedModeLeavesTheProfile_data();
+    void failedModeLeavesTheProfile();
     void writesMode_data();
     void writesMode();
     void writesTouchModeWithoutProfile();
@@ -184,8 +186,8 @@ private:
     {
         return DeviceTest::calls(); // clazy:exclude=skipped-base-method
     }
-    /** That value for the chosen parameter brings up the message alone. */
-    void verifyRefused(Page &page, int value, const char *message);
+    /** That text as value of the chosen parameter brings up the message alone. */
+    void verifyRefused(Page &page, const QString &text, const char *message);
     void modeNotSupported();
     /** A calibrator beside this program. */
     void installCalibrator();
@@ -436,6 +438,32 @@ void TouchPageTest::modeFails()
     QVERIFY(!page.profile->isEnabled());
 }
 
+void TouchPageTest::failedModeLeavesTheProfile_data()
+{
+    addFailureRows({"Touch_getMode"_s});
+}
+
+void TouchPageTest::failedModeLeavesTheProfile()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, code);
+    Page page;
+    fault(operation, code, 1);
+    page.show();
+    QVERIFY(!page.mouse->isChecked());
+    QVERIFY(!page.touch->isChecked());
+    for (const bool mouse : {false, true}) {
+        page.hide();
+        setUnit(QStringLiteral("Touch.mode"), mouse ? QStringLiteral("2") : QStringLiteral("3"));
+        page.show();
+        page.hide();
+        fault(operation, code, 1);
+        page.show();
+        QCOMPARE(page.mouse->isChecked(), mouse);
+        QCOMPARE(page.touch->isChecked(), !mouse);
+    }
+}
+
 void TouchPageTest::writesMode_data()
 {
     QTest::addColumn<bool>("mouse");
@@ -590,13 +618,14 @@ void TouchPageTest::refusesHigherValue()
     Page page;
     page.showAdvanced();
     page.parameter->setCurrentIndex(number);
-    verifyRefused(page, parameter.highest + 1, parameter.message ? parameter.message : noNumber);
-    verifyRefused(page, 70000, noNumber);
+    verifyRefused(page, QString::number(parameter.highest + 1),
+        parameter.message ? parameter.message : noNumber);
+    verifyRefused(page, QStringLiteral("70000"), noNumber);
 }
 
-void TouchPageTest::verifyRefused(Page &page, int value, const char *message)
+void TouchPageTest::verifyRefused(Page &page, const QString &text, const char *message)
 {
-    page.value->setText(QString::number(value));
+    page.value->setText(text);
     calls();
     click(page.applySetting);
     QCOMPARE(calls(), QStringList());
@@ -677,11 +706,9 @@ void TouchPageTest::refusesMissingParameter()
     page.parameter->addItem(QStringLiteral("Restore"));
     for (const int index : {parameterCount, -1}) {
         page.parameter->setCurrentIndex(index);
-        page.value->setText(QStringLiteral("1"));
-        calls();
-        click(page.applySetting);
-        QCOMPARE(calls(), QStringList());
-        QCOMPARE(boxes(&page), QStringList("Internal error"_s));
+        verifyRefused(page, QStringLiteral("1"), "Internal error");
+        // The text comes first.
+        verifyRefused(page, QStringLiteral("abc"), "Invalid data format. Please enter 0-65535.");
     }
 }
 
@@ -873,6 +900,7 @@ void TouchPageTest::calibratorEndsWithProgram()
     const auto *process = qApp->findChild<QProcess *>(QString(), Qt::FindDirectChildrenOnly);
     QVERIFY(process);
     QTRY_COMPARE(process->state(), QProcess::Running);
+    QCOMPARE(process->openMode(), QIODevice::OpenMode(QIODevice::ReadWrite));
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
     QCOMPARE(process->state(), QProcess::NotRunning);
