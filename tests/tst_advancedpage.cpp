@@ -190,12 +190,19 @@ const Job jobs[] = {
         supervisorVerificationQuestion, supervisorVerified, "Versions.ss"},
 };
 
+/** The whole life of the handle, with the code of the query and the value behind it. */
+QStringList powerQuery(const QString &answer)
+{
+    return {QStringLiteral("Battery_create()"),
+        QStringLiteral("Battery_getPowerSource() = ") + answer,
+        QStringLiteral("Battery_release()")};
+}
+
 QStringList batteryCalls(const Job &job)
 {
     if (latin1(job.operation) != QLatin1String("startSSUpgrade"))
         return {};
-    return {QStringLiteral("Battery_create()"), QStringLiteral("Battery_getPowerSource() = 0 [1]"),
-        QStringLiteral("Battery_release()")};
+    return powerQuery(QStringLiteral("0 [1]"));
 }
 
 QString startCall(const Job &job, const QString &path, int code)
@@ -238,6 +245,8 @@ private slots:
     void verificationFindsDifference();
     void damagedFileFails();
     void refusesSupervisorOnBattery();
+    void asksOnAnyOtherPower_data();
+    void asksOnAnyOtherPower();
     void verifiesSupervisorOnBattery();
     void powerSourceFails_data();
     void powerSourceFails();
@@ -692,10 +701,14 @@ void AdvancedPageTest::refusesSupervisorOnBattery()
     setUnit(QStringLiteral("Battery.powerSource"), QStringLiteral("0"));
     Page page;
     prepare(page, jobs[2], QStringLiteral("/tmp/a.hex"));
+    QStringList beforeBox;
+    dialogs.plan([&](QDialog *dialog) {
+        beforeBox = calls();
+        dialog->accept();
+    });
     click(page.supervisor);
-    QCOMPARE(calls(), QStringList({QStringLiteral("Battery_create()"),
-                          QStringLiteral("Battery_getPowerSource() = 0 [0]"),
-                          QStringLiteral("Battery_release()")}));
+    QCOMPARE(beforeBox, powerQuery(QStringLiteral("0 [0]")));
+    QCOMPARE(calls(), QStringList());
     QCOMPARE(describe(dialogs.take()),
         QStringList(box(QMessageBox::Warning, "Warning. Battery Power",
             QStringLiteral("Please use external power when updating SS!"), "tabAdvanced")));
@@ -706,6 +719,30 @@ void AdvancedPageTest::refusesSupervisorOnBattery()
     QCOMPARE(calls(),
         QStringList(QStringLiteral("Firmware_startFrontUpgrade(\"/tmp/a.hex\", false) = 5")));
     QCOMPARE(dialogs.take().count(), 2);
+}
+
+void AdvancedPageTest::asksOnAnyOtherPower_data()
+{
+    QTest::addColumn<QString>("source");
+    for (const char *source : {"1", "2", "255"})
+        QTest::newRow(source) << latin1(source);
+}
+
+void AdvancedPageTest::asksOnAnyOtherPower()
+{
+    QFETCH(QString, source);
+    setUnit(QStringLiteral("Battery.powerSource"), source);
+    Page page;
+    prepare(page, jobs[2], QStringLiteral("/tmp/a.hex"));
+    QStringList beforeQuestion;
+    dialogs.plan([&](QDialog *dialog) {
+        beforeQuestion = calls();
+        dialog->reject();
+    });
+    click(page.supervisor);
+    QCOMPARE(beforeQuestion, powerQuery(QStringLiteral("0 [%1]").arg(source)));
+    QCOMPARE(calls(), QStringList());
+    QCOMPARE(describe(dialogs.take()), QStringList(supervisorQuestion()));
 }
 
 void AdvancedPageTest::verifiesSupervisorOnBattery()
@@ -737,9 +774,8 @@ void AdvancedPageTest::powerSourceFails()
     prepare(page, jobs[2], path);
     dialogs.plan(QMessageBox::Yes);
     click(page.supervisor);
-    QCOMPARE(jobCalls(), QStringList({QStringLiteral("Battery_create()"),
-                             QStringLiteral("Battery_getPowerSource() = %1").arg(code),
-                             QStringLiteral("Battery_release()"), startCall(jobs[2], path, 0)}));
+    QCOMPARE(
+        jobCalls(), powerQuery(QString::number(code)) + QStringList(startCall(jobs[2], path, 0)));
     QCOMPARE(describe(dialogs.take()), QStringList({supervisorQuestion(), supervisorUpgraded()}));
 }
 
@@ -889,6 +925,9 @@ void AdvancedPageTest::pausesBeforeResult()
     Page page;
     prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
     questions.answers.append({FIRMWARE_DONE, 100, 0});
+    bool barShows = true;
+    pauses.reset();
+    pauses = std::make_unique<SkippedPauses>([&](int) { barShows = page.progress()->isVisible(); });
     std::vector<int> duringJob;
     std::vector<int> beforeResult;
     questions.asked = [&](int) { duringJob = pauses->take(); };
@@ -899,6 +938,7 @@ void AdvancedPageTest::pausesBeforeResult()
     click(page.front);
     QCOMPARE(duringJob, std::vector<int>());
     QCOMPARE(beforeResult, std::vector<int>{200});
+    QVERIFY(!barShows);
     QCOMPARE(dialogs.take().count(), 1);
 }
 
