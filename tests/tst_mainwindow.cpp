@@ -514,6 +514,16 @@ private slots:
         QCOMPARE(classAt(window, 15), QStringLiteral("tabTelematicsDlg"));
     }
 
+    void unknownTelematicsIsNone()
+    {
+        for (const auto *available : {"2", "255"}) {
+            setUnit(QStringLiteral("Telematics.available"), latin1(available));
+            VornSettings window;
+            QCOMPARE(entries(window), expectedEntries({QStringLiteral("telematics")}));
+            QCOMPARE(classAt(window, 15), QStringLiteral("tabDlg"));
+        }
+    }
+
     // Pages
 
     void pageAtIndex_data()
