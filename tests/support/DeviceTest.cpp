@@ -13,7 +13,7 @@
 namespace {
 
 // A Friday noon: daylight for the light sensor, and far from any change of summer time.
-constexpr std::int64_t testTime = 1'773'000'000'000;
+constexpr std::int64_t testTime = 1'768'564'800'000;
 
 QMutex warningsLock;
 QStringList warnings;
