@@ -14,7 +14,7 @@
  * - Every other operation returns a DeviceCode, 0 for success. Out arguments are filled on
  *   success only; on any other code they keep what the caller put there.
  * - Text operations with a buffer write at most size bytes, the ending zero byte included; a
- *   text that is too long is cut. Texts are Latin-1.
+ *   text that is too long is cut. Texts are Latin-1; see Settings for its own.
  * - Truth values are one byte. An out value is DeviceBool: zero is false, all else true.
  *
  * What the codes mean to the program: 0 is success; 2 says that this unit or its firmware has no
@@ -624,8 +624,8 @@ VORNAUX2_API DeviceCode Firmware_startFrontUpgrade(
  *  upgrade. */
 VORNAUX2_API DeviceCode Firmware_startFrontVerification(
     FirmwareHandle handle, const char *path, bool reserved);
-/** Progress of the job that was started on this handle. With wait it returns at the next news or
- *  after about 100 ms. */
+/** Progress of the handle's job. With wait it returns at the next news or after about 100 ms. The
+ *  job ends with the record's state or error code, never with a call that fails. */
 VORNAUX2_API DeviceCode Firmware_getUpgradeStatus(
     FirmwareHandle handle, FirmwareUpgradeStatus *status, bool wait);
 /** Turns the computer off. */
@@ -829,10 +829,10 @@ VORNAUX2_API SettingsHandle Settings_create(void);
 /** Gives the handle back; it must not be used afterwards. */
 VORNAUX2_API void Settings_release(SettingsHandle handle);
 
-/** Value of a key; the program passes 255 bytes. */
+/** Value of a key, UTF-8 as it was written; the program passes 255 bytes. Fails without a value. */
 VORNAUX2_API DeviceCode Settings_getString(
     SettingsHandle handle, const char *key, char *buffer, uint32_t size);
-/** Writes the value of a key. */
+/** Writes the value of a key; the program writes UTF-8. */
 VORNAUX2_API DeviceCode Settings_setString(
     SettingsHandle handle, const char *key, const char *value);
 

@@ -13,7 +13,6 @@ class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class tabDlg;
-class tabMenuDlg;
 
 /**
  * The one window: title strip, page area, and the buttons "Menu" and "Exit". It owns all pages,
@@ -34,9 +33,11 @@ public:
     void addTab(tabDlg *page, int index);
 
 public slots:
+    /** Closes the window, which ends the program. */
     void exit();
     /** Shows that page instead of the present one; does nothing if there is none, index 0 to 15. */
     void showTab(int index);
+    /** Shows the menu; if it shows already, closes the window. */
     void menuClicked();
 
 protected:

@@ -33,7 +33,7 @@ QString portName(SettingsHandle settings, const char *key, const char *usual)
     const DeviceCode code = Settings_getString(settings, key, name.data(), 255);
     if (code != DEVICE_OK || name[0] == '\0')
         return QString::fromLatin1(usual);
-    return QString::fromUtf8(name.data());
+    return QString::fromUtf8(name.data()); // as the page stores it; other texts are Latin-1
 }
 
 /** Leaves a thread to end when its read does. What is left of it has nothing to show. */

@@ -10,8 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 
-struct SerialPort;
-
 /**
  * Telematics page: the switches of the add-on board's radios, the live GPS display and the modem
  * console. The GPS line and its thread exist while the GPS tab is current, the modem's line while
