@@ -102,7 +102,7 @@ void writeReportText(QIODevice &device, const QString &text)
 {
     // Piece by piece, so that a large report isn't held twice.
     constexpr int pieceLength = 1 << 16;
-    for (auto start = text.size() * 0; start < text.size(); start += pieceLength) {
+    for (decltype(text.size()) start = 0; start < text.size(); start += pieceLength) {
         const QByteArray piece = text.mid(start, pieceLength).toLatin1();
         if (device.write(piece) != piece.size())
             return;

@@ -162,9 +162,4 @@ std::string Statement::text(int column) const
     return bytes ? std::string(static_cast<const char *>(bytes), size) : std::string();
 }
 
-bool Statement::isNull(int column) const
-{
-    return sqlite3_column_type(handle.get(), column) == SQLITE_NULL;
-}
-
 } // namespace virtualunit

@@ -31,7 +31,6 @@ public:
     std::int64_t integer(int column) const;
     double real(int column) const;
     std::string text(int column) const;
-    bool isNull(int column) const;
 
 private:
     struct Finalize {

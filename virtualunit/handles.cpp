@@ -19,6 +19,7 @@ struct Record {
 
 struct Registry {
     std::mutex mutex;
+    // Grows with each handle: an address is never used again, so that a stale handle stays unknown.
     std::deque<char> addresses;
     std::unordered_map<const void *, Record> records;
     std::unordered_map<Family, unsigned> lastNumbers;

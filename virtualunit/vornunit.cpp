@@ -240,9 +240,13 @@ void printMessages()
     std::vector<virtualunit::ShortMessage> messages;
     require(virtualunit::shortMessages(messages));
     for (const auto &message : messages) {
+        // A state file may hold any number, and Windows knows no years before 1970 or after 3000.
         const auto seconds = static_cast<std::time_t>(message.time / 1000);
-        std::cout << std::put_time(std::gmtime(&seconds), "%Y-%m-%d %H:%M:%S") << "  "
-                  << message.number << "  ";
+        if (const std::tm *utc = std::gmtime(&seconds))
+            std::cout << std::put_time(utc, "%Y-%m-%d %H:%M:%S");
+        else
+            std::cout << message.time;
+        std::cout << "  " << message.number << "  ";
         printText(message.text);
         std::cout << '\n';
     }
