@@ -276,7 +276,7 @@ QStringList symbols(const char *which, const QString &file)
     QProcess nm;
     nm.start(QStringLiteral("nm"),
         {QStringLiteral("-D"), QStringLiteral("--format=posix"), QLatin1String(which), file});
-    if (!nm.waitForFinished() || nm.exitCode() != 0)
+    if (!nm.waitForFinished(60'000) || nm.exitCode() != 0)
         qFatal("nm: %s", qPrintable(nm.errorString()));
     QStringList names;
     for (const QByteArray &line : nm.readAllStandardOutput().split('\n')) {

@@ -15,7 +15,7 @@ void PicturesPosixTest::areUpToDate()
     QProcess check;
     check.start(
         QStringLiteral(VORN_SOURCE_DIR "/resources/render.sh"), {QStringLiteral("--check")});
-    QVERIFY(check.waitForFinished());
+    QVERIFY(check.waitForFinished(300'000));
     QVERIFY2(check.exitCode() == 0, check.readAllStandardError().constData());
 }
 

@@ -384,7 +384,7 @@ void UnitStateTest::sharesChangesBetweenConnections()
         QVERIFY(read(Buzzer_getVolume, BuzzerHandle(buzzer)) != volume);
         process.start(vornunit,
             {QStringLiteral("set"), QStringLiteral("Buzzer.volume"), QString::number(volume)});
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.waitForFinished(60'000));
         QCOMPARE(process.exitCode(), 0);
         QCOMPARE(read(Buzzer_getVolume, BuzzerHandle(buzzer)), uint16_t(volume));
     }

@@ -77,7 +77,7 @@ public:
         QProcess tool;
         tool.setProcessEnvironment(environment);
         tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {QStringLiteral("set"), name, value});
-        QVERIFY(tool.waitForFinished() && tool.exitCode() == 0);
+        QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
     }
 
     void type(const QString &text) const { server.tool({QStringLiteral("type"), text}); }
