@@ -1,5 +1,6 @@
 #include "pages/tabAdvancedDlg.h"
 
+#include "frame/reportError.h"
 #include "platform/platform.h"
 #include "report/factoryDefaults.h"
 
@@ -255,7 +256,7 @@ void tabAdvancedDlg::showJobFailed(FirmwareUpgradeStatus status)
     showBox(this, QMessageBox::Critical, "Update progress",
         QStringLiteral("Upgrade failed in state: %1 (%2%). \nError: %3")
             .arg(stateName(failureStates, status.state), QString::number(status.percent),
-                QString::fromLatin1(deviceErrorText(status.errorCode))));
+                deviceText(status.errorCode)));
 }
 
 void tabAdvancedDlg::showUpgradeSucceeded()

@@ -1,5 +1,6 @@
 #include "pages/tabTouchDlg.h"
 
+#include "frame/reportError.h"
 #include "platform/platform.h"
 
 #include <QCoreApplication>
@@ -155,8 +156,7 @@ void tabTouchDlg::buttonApplySettingClicked()
         return showMessage(latin1(parameter->tooHigh));
     const auto code = Touch_setAdvancedSetting(touch, index, value);
     if (code != DEVICE_OK)
-        showMessage(
-            QStringLiteral("Error setAdvancedSetting: %1\n").arg(latin1(deviceErrorText(code))));
+        showMessage(QStringLiteral("Error setAdvancedSetting: %1\n").arg(deviceText(code)));
     showParameters();
 }
 
@@ -187,8 +187,7 @@ void tabTouchDlg::showParameters()
         if (code == DEVICE_OK)
             text += QStringLiteral("%1\n").arg(value);
         else
-            text +=
-                QStringLiteral("Error getAdvancedSetting: %1\n").arg(latin1(deviceErrorText(code)));
+            text += QStringLiteral("Error getAdvancedSetting: %1\n").arg(deviceText(code));
     }
     ui->textEdit->setPlainText(text);
 }

@@ -1,4 +1,5 @@
 #include "frame/DeviceHandle.h"
+#include "frame/reportError.h"
 #include "report/formatters.h"
 #include "report/sections.h"
 
@@ -59,8 +60,7 @@ QString lineOf(std::span<const char *const> lines, std::int32_t value)
 QString failureLine(const char *what, DeviceCode code)
 {
     return QStringLiteral("Could not get %1. Error(%2) %3\n")
-        .arg(QString::fromLatin1(what), QString::number(code),
-            QString::fromLatin1(deviceErrorText(code)));
+        .arg(QString::fromLatin1(what), QString::number(code), deviceText(code));
 }
 
 QString errorStatusLine(BatteryHandle battery)

@@ -1,5 +1,7 @@
 #include "report/formatters.h"
 
+#include "frame/reportError.h"
+
 #include <array>
 #include <span>
 
@@ -99,7 +101,7 @@ constexpr ValueText buttonConfigs[] = {
 QString formatErrorLine(const QString &label, DeviceCode code)
 {
     return label + QStringLiteral(": Error(") + QString::number(code) + QStringLiteral(") ") +
-           text(deviceErrorText(code)) + QLatin1Char('\n');
+           deviceText(code) + QLatin1Char('\n');
 }
 
 QString formatValueLine(DeviceCode code, const char *name, const QString &value, const char *unit)

@@ -2,6 +2,7 @@
 
 #include "frame/DeviceHandle.h"
 #include "frame/qtVersions.h"
+#include "frame/version.h"
 #include "platform/platform.h"
 #include "report/formatters.h"
 #include "report/sections.h"
@@ -34,7 +35,7 @@ constexpr VersionRow versionRows[] = {
 QString versionLines()
 {
     const DeviceHandle<Versions_create, Versions_release> versions;
-    QString text = QStringLiteral("Vornsettings v" VORN_VERSION "\n");
+    QString text = QStringLiteral("Vornsettings v%1\n").arg(programVersion());
     for (const VersionRow &row : versionRows) {
         std::uint8_t major = 0;
         std::uint8_t minor = 0;
