@@ -17,21 +17,20 @@ bool keepsRunning()
            !QThread::currentThread()->isInterruptionRequested();
 }
 
-QString antennaText(TelematicsHandle telematics)
-{
-    std::int32_t status = 0;
-    if (Telematics_getGPSAntennaStatus(telematics, &status) != DEVICE_OK)
-        return QStringLiteral("GPS antenna status: Unknown");
-    return status == 1 ? QStringLiteral("GPS antenna status: OK")
-                       : QStringLiteral("GPS antenna status: Error: Open or short");
-}
-
 QString shown(std::string_view text)
 {
     return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
 }
 
 } // namespace
+
+QString antennaText(DeviceCode code, std::int32_t status)
+{
+    if (code != DEVICE_OK)
+        return QStringLiteral("GPS antenna status: Unknown");
+    return status == 1 ? QStringLiteral("GPS antenna status: OK")
+                       : QStringLiteral("GPS antenna status: Error: Open or short");
+}
 
 void MyGPSThread::run()
 {
@@ -40,7 +39,9 @@ void MyGPSThread::run()
     GpsFields fields;
     DeviceHandle<Telematics_create, Telematics_release> telematics;
     while (keepsRunning()) {
-        emit newLabel(antennaText(telematics));
+        std::int32_t antenna = 0;
+        const DeviceCode code = Telematics_getGPSAntennaStatus(telematics, &antenna);
+        emit newLabel(antennaText(code, antenna));
         std::array<char, 512> buffer{};
         // A result would say nothing that the buffer doesn't: what came in time is there.
         serialRead(gpsPort, buffer.data(), buffer.size());

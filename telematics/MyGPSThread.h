@@ -3,7 +3,15 @@
 #include <QString>
 #include <QThread>
 
+#include "frame/VornAux2.h"
 #include "telematics/gpsParser.h"
+
+#include <cstdint>
+
+/** What the page says of the antenna.
+ *  @param code of the asking
+ *  @param status as the device told it; counts only where the asking went well */
+QString antennaText(DeviceCode code, std::int32_t status);
 
 /**
  * Reads the GPS receiver's line (gpsPort) and the state of its antenna, and sends what there is to

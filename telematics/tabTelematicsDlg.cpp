@@ -184,7 +184,7 @@ void tabTelematicsDlg::showStartupPower(
 void tabTelematicsDlg::showGps()
 {
     if (!hasGps) {
-        ui->label_GPSantenna->setText(QStringLiteral("GPS antenna status: Unknown"));
+        ui->label_GPSantenna->setText(antennaText(DEVICE_NOT_SUPPORTED, 0));
         ui->checkBoxGPS->setChecked(false);
         return;
     }
@@ -192,12 +192,7 @@ void tabTelematicsDlg::showGps()
     std::int32_t status = 0;
     const DeviceCode code = Telematics_getGPSAntennaStatus(telematics, &status);
     reportError(code, "getGPSAntennaStatus");
-    if (code != DEVICE_OK)
-        ui->label_GPSantenna->setText(QStringLiteral("GPS antenna status: Unknown"));
-    else if (status == 1)
-        ui->label_GPSantenna->setText(QStringLiteral("GPS antenna status: OK"));
-    else
-        ui->label_GPSantenna->setText(QStringLiteral("GPS antenna status: Error: Open or short"));
+    ui->label_GPSantenna->setText(antennaText(code, status));
 }
 
 void tabTelematicsDlg::GPRSClicked(bool on)
@@ -265,14 +260,19 @@ void tabTelematicsDlg::setGpsMode(bool parsed)
     gpsDataMode = parsed;
 }
 
+// The box of a failure may let the user leave the tab and enter it again; a line that this opened
+// stays.
+
 void tabTelematicsDlg::openGpsPort()
 {
-    gpsPort = openPort(ui->lineEditGPSdev->text(), SERIAL_9600);
+    if (SerialPort *port = openPort(ui->lineEditGPSdev->text(), SERIAL_9600))
+        gpsPort = port;
 }
 
 void tabTelematicsDlg::openGsmPort()
 {
-    gsmPort = openPort(ui->lineEditGSMdev->text(), SERIAL_57600);
+    if (SerialPort *port = openPort(ui->lineEditGSMdev->text(), SERIAL_57600))
+        gsmPort = port;
 }
 
 SerialPort *tabTelematicsDlg::openPort(const QString &name, std::int32_t baudCode)
@@ -368,8 +368,10 @@ void tabTelematicsDlg::enterGpsTab()
 
 void tabTelematicsDlg::startGpsThread()
 {
-    if (gpsThread) // a dialog on the way let the tab be entered a second time
+    if (gpsThread) { // a dialog on the way let the tab be entered a second time
         giveUp(gpsThread);
+        gpsKeepRunning.store(0, std::memory_order_relaxed); // it is the new one's from here on
+    }
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost.
