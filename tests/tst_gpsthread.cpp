@@ -245,6 +245,71 @@ private slots:
         QVERIFY(reader.stop(line));
     }
 
+    /** What a shorter chunk doesn't reach of the buffer is none of its text. */
+    void chunksEndedBySilence()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        Reader reader;
+        reader.start();
+        const QByteArray first = QByteArray("$PFST,FOM,1*00\n").leftJustified(99, '-') + '\n';
+        const QByteArray second = "$PFST,FOM,2*00\n----\n";
+        QVERIFY(line.send(first));
+        QTRY_COMPARE_WITH_TIMEOUT(reader.raw, QStringList{QString::fromLatin1(first)}, patience);
+        QVERIFY(line.send(second));
+        const QStringList both{QString::fromLatin1(first), QString::fromLatin1(second)};
+        QTRY_COMPARE_WITH_TIMEOUT(reader.raw, both, patience);
+        // The silence behind them says nothing more.
+        QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 4, patience);
+        QCOMPARE(reader.raw, both);
+        QCOMPARE(reader.texts, (QStringList{QStringLiteral("newAcc \"1 meters\""),
+                                   QStringLiteral("newAcc \"2 meters\"")}));
+        QVERIFY(reader.stop(line));
+    }
+
+    void pauseBetweenChunks()
+    {
+        PseudoTerminal line;
+        gpsPort = configured(line);
+        constexpr int chunks = 11;
+        QVERIFY(line.send(QByteArray(chunks * 512, '\n'))); // they all wait
+        Reader reader;
+        std::vector<qint64> times; // the thread's, in its own hand
+        QElapsedTimer clock;
+        clock.start();
+        connect(
+            &reader.thread, &MyGPSThread::newText, &reader.thread,
+            [&] { times.push_back(clock.elapsed()); }, Qt::DirectConnection);
+        reader.start();
+        QTRY_COMPARE_WITH_TIMEOUT(reader.raw.size(), chunks, patience);
+        QVERIFY(reader.stop(line));
+        QVERIFY(times[chunks - 1] - times[0] >= (chunks - 1) * 10 - 1);
+    }
+
+    void noPauseWithoutChunks()
+    {
+        QVERIFY(gpsPort == nullptr);
+        Reader reader;
+        qint64 last = -1;
+        qint64 shortest = std::numeric_limits<qint64>::max(); // nanoseconds between two labels
+        QElapsedTimer clock;
+        clock.start();
+        connect(
+            &reader.thread, &MyGPSThread::newLabel, &reader.thread,
+            [&] {
+                const qint64 now = clock.nsecsElapsed();
+                if (last >= 0)
+                    shortest = std::min(shortest, now - last);
+                last = now;
+            },
+            Qt::DirectConnection);
+        reader.start();
+        QTRY_VERIFY(reader.labels.size() > 200);
+        QVERIFY(reader.stop());
+        // A busy machine makes some of them long, a pause all.
+        QVERIFY2(shortest < 5'000'000, qPrintable(QString::number(shortest)));
+    }
+
     void shortTimeDoesntEndTheReader()
     {
         PseudoTerminal line;

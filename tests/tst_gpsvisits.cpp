@@ -108,6 +108,7 @@ void GpsVisitsTest::manyVisits()
     };
     visit(firstVisits);
     const int handles = support::openHandles();
+    const int threads = support::threads();
     qint64 growth = std::numeric_limits<qint64>::max();
     for (int round = 0; round < rounds; ++round) {
         const qint64 memory = support::allocatedMemory();
@@ -115,6 +116,7 @@ void GpsVisitsTest::manyVisits()
         growth = std::min(growth, support::allocatedMemory() - memory);
     }
     QVERIFY(support::openHandles() < handles + 10); // the system may have opened some for itself
+    QVERIFY(support::threads() < threads + 10);
     // A queue may grow in one round, a leak does in all of them. The smallest object of a visit is
     // the thread, of some hundred bytes.
     QVERIFY2(growth < visits * 64, qPrintable(QString::number(growth)));

@@ -24,7 +24,13 @@ private slots:
     void init();
     void cleanup();
     void withoutLineEachActionEndsAtOnce();
+    void silentModem_data();
     void silentModem();
+    void silentModemDuringTheSms();
+    void replySizes_data();
+    void replySizes();
+    void repliesOfTheSms();
+    void statesOfTheLastReply();
     void smsDialogue();
     void smsTextLongerThanTheCommand();
     void overlongTextsAreCut();
@@ -54,6 +60,7 @@ private:
     {
         child<QLineEdit>(page.get(), edit)->setText(text);
     }
+    QString text(const char *edit) const { return child<QLineEdit>(page.get(), edit)->text(); }
     QString shown() const
     {
         return child<QPlainTextEdit>(page.get(), "textEditGSM")->toPlainText();
@@ -125,19 +132,110 @@ void GsmConsoleTest::withoutLineEachActionEndsAtOnce()
         QCOMPARE(shown(), "No data received"_s);
     }
     QVERIFY(clock.elapsed() < 3000);
-    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), "PIN code status: Unknown"_s);
-    QCOMPARE(
-        child<QLineEdit>(page.get(), "editNetworkStatus")->text(), "Network status: Unknown"_s);
+    QCOMPARE(text("editPinStatus"), "PIN code status: Unknown"_s);
+    QCOMPARE(text("editNetworkStatus"), "Network status: Unknown"_s);
+}
+
+void GsmConsoleTest::silentModem_data()
+{
+    QTest::addColumn<QByteArray>("slot");
+    for (const char *slot : {"HangUpClicked", "CustomExecClicked", "SetPinClicked",
+             "GetPinStatusClicked", "GetNetworkStatusClicked"})
+        QTest::newRow(slot) << QByteArray(slot);
 }
 
 void GsmConsoleTest::silentModem()
 {
+    QFETCH(QByteArray, slot);
+    type("editPin", "0000"_s);
     QElapsedTimer clock;
     clock.start();
-    press("pushButtonGetPIN");
+    QMetaObject::invokeMethod(page.get(), slot.constData());
     QVERIFY(clock.elapsed() >= 3000);
     QCOMPARE(shown(), "No data received"_s);
-    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), "PIN code status: Unknown"_s);
+    QCOMPARE(text("editPinStatus"), "PIN code status: Unknown"_s);
+    QCOMPARE(text("editNetworkStatus"), "Network status: Unknown"_s);
+}
+
+void GsmConsoleTest::silentModemDuringTheSms()
+{
+    type("editNumber", "123"_s);
+    QElapsedTimer clock;
+    clock.start();
+    press("pushButtonCall");
+    QVERIFY(clock.elapsed() >= 9300);
+    QCOMPARE(shown(), "No data received"_s);
+}
+
+void GsmConsoleTest::replySizes_data()
+{
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<int>("size");
+    QTest::newRow("hang up") << QByteArray("HangUpClicked") << 128;
+    QTest::newRow("set PIN") << QByteArray("SetPinClicked") << 128;
+    QTest::newRow("PIN state") << QByteArray("GetPinStatusClicked") << 128;
+    QTest::newRow("network state") << QByteArray("GetNetworkStatusClicked") << 128;
+    QTest::newRow("custom command") << QByteArray("CustomExecClicked") << 512;
+}
+
+/** What an action doesn't read waits for the next one. */
+void GsmConsoleTest::replySizes()
+{
+    QFETCH(QByteArray, slot);
+    QFETCH(int, size);
+    type("editPin", "0000"_s);
+    QVERIFY(modem->send(QByteArray(size + 10, 'y')));
+    QMetaObject::invokeMethod(page.get(), slot.constData());
+    QCOMPARE(shown(), QString(size, QLatin1Char('y')));
+    QVERIFY(modem->send(QByteArray(size - 10, 'z')));
+    QMetaObject::invokeMethod(page.get(), slot.constData());
+    QCOMPARE(shown(), QString(10, QLatin1Char('y')) + QString(size - 10, QLatin1Char('z')));
+}
+
+/** The replies to the three steps wait from the beginning, so that each read ends at once. */
+void GsmConsoleTest::repliesOfTheSms()
+{
+    type("editNumber", "123"_s);
+    type("editSMStext", "Hi"_s);
+    QVERIFY(modem->send(QByteArray(256, 'a') + QByteArray(256, 'b') + QByteArray(256, 'c')));
+    const QByteArrayList commands{"AT+CMGF=1\r\n", "AT+CMGS=123\r\n", "Hi\x1A"};
+    QByteArrayList written;
+    QStringList read;
+    {
+        const support::SkippedPauses pauses([&](int) {
+            written << modem->receive(int(commands.value(written.size()).size()));
+            read << shown();
+        });
+        press("pushButtonCall");
+    }
+    QCOMPARE(written, commands);
+    // The last command is out at its pause, and its reply isn't read yet.
+    const QString first(256, QLatin1Char('a'));
+    const QString second(256, QLatin1Char('b'));
+    QCOMPARE(read, QStringList({first, second, second}));
+    QCOMPARE(shown(), QString(256, QLatin1Char('c')));
+}
+
+void GsmConsoleTest::statesOfTheLastReply()
+{
+    const auto ask = [this](const char *button, const QByteArray &reply) {
+        talk([&] { press(button); }, {reply}, 128);
+    };
+    for (const bool silent : {false, true}) {
+        ask("pushButtonGetPIN", "+CPIN: READY");
+        QCOMPARE(text("editPinStatus"), "PIN code status: Ok"_s);
+        ask("pushButtonGetNetwork", "+CREG: 0,1");
+        QCOMPARE(text("editNetworkStatus"), "Network status: Ok, registered"_s);
+        if (silent) {
+            press("pushButtonGetPIN");
+            press("pushButtonGetNetwork");
+        } else {
+            ask("pushButtonGetPIN", "+CPIN: SIM PUK");
+            ask("pushButtonGetNetwork", "+CREG: 0,4");
+        }
+        QCOMPARE(text("editPinStatus"), "PIN code status: Unknown"_s);
+        QCOMPARE(text("editNetworkStatus"), "Network status: Unknown"_s);
+    }
 }
 
 void GsmConsoleTest::smsDialogue()
@@ -236,6 +334,8 @@ void GsmConsoleTest::pinStates_data()
     QTest::newRow("ready") << QByteArray("\r\n+CPIN: READY\r\n\r\nOK\r\n")
                            << "PIN code status: Ok"_s;
     QTest::newRow("lower case") << QByteArray("+cpin: sim pin") << "PIN code status: Enter PIN"_s;
+    QTest::newRow("both") << QByteArray("+CPIN: SIM PIN\r\n+CPIN: READY\r\n")
+                          << "PIN code status: Ok"_s; // the order of the rules decides
     QTest::newRow("PUK") << QByteArray("\r\n+CPIN: SIM PUK\r\n") << "PIN code status: Unknown"_s;
     QTest::newRow("cut by a zero byte")
         << QByteArray("+CPIN: RE\0ADY", 13) << "PIN code status: Ok"_s;
@@ -247,7 +347,7 @@ void GsmConsoleTest::pinStates()
     QFETCH(QString, state);
     const QByteArray sent = talk([&] { press("pushButtonGetPIN"); }, {reply}, 128);
     QCOMPARE(sent, QByteArray("AT+CPIN?\r\n\0", 11));
-    QCOMPARE(child<QLineEdit>(page.get(), "editPinStatus")->text(), state);
+    QCOMPARE(text("editPinStatus"), state);
 }
 
 void GsmConsoleTest::networkStates_data()
@@ -264,7 +364,12 @@ void GsmConsoleTest::networkStates_data()
     row("+CREG: 0,4", "Network status: Unknown");
     row("+CREG: 0,5", "Network status: Ok, Roaming");
     row("+CREG: 1,1", "Network status: Unknown");
-    row("0,5 and 0,1", "Network status: Ok, registered"); // the order of the rules decides
+    // The order of the rules decides.
+    row("0,5 and 0,1", "Network status: Ok, registered");
+    row("0,1 0,0", "Network status: Searching");
+    row("0,5 0,3", "Network status: Registration denied");
+    row("0,3 0,2", "Network status: Searching");
+    row("0,2 0,1", "Network status: Ok, registered");
 }
 
 void GsmConsoleTest::networkStates()
@@ -273,7 +378,7 @@ void GsmConsoleTest::networkStates()
     QFETCH(QString, state);
     const QByteArray sent = talk([&] { press("pushButtonGetNetwork"); }, {reply}, 128);
     QCOMPARE(sent, QByteArray("AT+CREG?\r\n\0", 11));
-    QCOMPARE(child<QLineEdit>(page.get(), "editNetworkStatus")->text(), state);
+    QCOMPARE(text("editNetworkStatus"), state);
 }
 
 void GsmConsoleTest::customCommand()

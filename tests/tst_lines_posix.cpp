@@ -35,6 +35,7 @@ public:
         , worker([this] {
             while (!ended) {
                 lines.serve(Lines::Clock::now());
+                ++passes;
                 std::this_thread::sleep_for(std::chrono::milliseconds(10));
             }
         })
@@ -48,6 +49,13 @@ public:
         qunsetenv("VORN_SERIAL_DIR");
     }
 
+    /** Until it has looked at all lines once more from now on. */
+    bool looksAgain() const
+    {
+        // A pass that runs at present may have been beyond the line.
+        return QTest::qWaitFor([this, before = passes.load()] { return passes >= before + 2; });
+    }
+
     QStringList names() const
     {
         return QDir(folder.path()).entryList(QDir::Files | QDir::System, QDir::Name);
@@ -59,6 +67,7 @@ private:
     QTemporaryDir folder;
     Lines lines;
     std::atomic<bool> ended{false};
+    std::atomic<int> passes{0};
     std::thread worker;
 };
 
@@ -95,6 +104,12 @@ public:
                 heard += byte;
         }
         return heard;
+    }
+    /** Bytes that can be read. */
+    int waiting() const
+    {
+        int count = 0;
+        return ::ioctl(port->handle, FIONREAD, &count) == 0 ? count : 0;
     }
     QByteArray ask(const QByteArray &command)
     {
@@ -305,9 +320,9 @@ private slots:
             NearEnd modem("COM3", baud57600);
             modem.ask("ATE0");
             modem.say("ATI\r");
-            QTest::qWait(200); // answered, and nobody reads it
+            QTRY_VERIFY(modem.waiting() > 0); // answered, and nobody reads it
         }
-        QTest::qWait(100);
+        QVERIFY(server.looksAgain());
         NearEnd modem("COM3", baud57600);
         QCOMPARE(modem.ask("AT"), QByteArray("\r\nOK\r\n"));
     }
@@ -320,7 +335,7 @@ private slots:
         int handle = ::open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
         QVERIFY(handle >= 0);
         QCOMPARE(::ioctl(handle, TIOCEXCL), 0);
-        QTest::qWait(100);
+        QVERIFY(server.looksAgain());
         ::close(handle);
         int exclusive = 1;
         const auto stillExclusive = [&] {

@@ -555,6 +555,33 @@ private slots:
         QCOMPARE(read(port, 4).bytes, QByteArray("kept"));
     }
 
+    void configuringAndClosingPurge()
+    {
+        const QByteArray much(6'000, 'm');
+        PseudoTerminal line;
+        Port port = configured(line);
+        QCOMPARE(write(port, much), 0);
+        QCOMPARE(serialConfigure(port.get(), 4, 3, 0, 0), 0);
+        QVERIFY(line.receiveAll().size() < much.size());
+        QCOMPARE(write(port, much), 0);
+        port.reset();
+        QVERIFY(line.receiveAll().size() < much.size());
+    }
+
+    /** What an earlier program left unsent. */
+    void openingPurges()
+    {
+        const QByteArray much(6'000, 'm');
+        PseudoTerminal line;
+        const int earlier = ::open(line.path().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        QVERIFY(earlier >= 0);
+        QCOMPARE(int(::write(earlier, much.constData(), std::size_t(much.size()))), 6'000);
+        ::close(earlier);
+        const Port port = opened(line);
+        QVERIFY(port);
+        QVERIFY(line.receiveAll().size() < much.size());
+    }
+
     void receivedBytesSurvive()
     {
         PseudoTerminal line;

@@ -1,5 +1,10 @@
 #include "telematics/tabTelematicsDlg.h"
 #include "telematics/telematicsState.h"
+#ifdef Q_OS_WIN
+#    include "telematics/serialPort_win32.h"
+#else
+#    include "telematics/serialPort_posix.h"
+#endif
 #include "tests/support/PageTest.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/SkippedPauses.h"
@@ -24,6 +29,7 @@ private slots:
     void init();
     void cleanup();
     void form();
+    void layout();
     void constructionAndDestruction();
     void storedNamesAreShownAndKept();
     void namesWithoutSetting_data();
@@ -33,6 +39,9 @@ private slots:
     void failedPresenceQueryMeansAbsent_data();
     void failedPresenceQueryMeansAbsent();
     void showReadsAllSwitches();
+    void everyShowReadsAnew();
+    void failureOfALaterShow_data();
+    void failureOfALaterShow();
     void failingStatus_data();
     void failingStatus();
     void antennaStates_data();
@@ -42,10 +51,15 @@ private slots:
     void failingSwitch_data();
     void failingSwitch();
     void viewsOfTheGpsData();
+    void gpsTabWithoutPower_data();
     void gpsTabWithoutPower();
     void gpsTabShowsLiveData();
+    void antennaOnTheGpsTab();
+    void gpsThreadGoesOnBehindAnotherPage();
     void rawViewIsKept();
     void gpsTabWithUnopenablePort();
+    void gpsTabEnteredAgainFromItsBox();
+    void stopRightAfterASecondEntry();
     void gpsPowerQueryFailureCountsAsOn();
     void pageGoesWhileTheThreadReads();
     void threadOutlivesThePatience();
@@ -53,15 +67,19 @@ private slots:
     void tabChangesInOrder();
     void gsmPowerQueryFailureCountsAsOn_data();
     void gsmPowerQueryFailureCountsAsOn();
+    void gsmTabWithoutPower_data();
     void gsmTabWithoutPower();
     void gsmTabOpensAndClosesTheLine();
     void longPortNamesAreCut();
     void gsmTabWithUnopenablePort();
+    void gsmTabEnteredAgainFromItsBox();
     void gsmTabInTheGpsTabsPlace_data();
     void gsmTabInTheGpsTabsPlace();
 
 private:
     void useLines();
+    static void addOffRows();
+    bool threadStarts();
     void leaveGpsTab(const QWidget &page);
     static QTabWidget *tabs(const QWidget &page) { return child<QTabWidget>(&page, "tabWidget"); }
     static QString text(const QWidget &page, const char *edit)
@@ -87,6 +105,12 @@ const char *const consoleButtons[] = {"pushButtonCall", "pushButtonCustomExec",
 constexpr int threadEnd = 20000; // milliseconds, generous
 
 constexpr char endOnGpsTab[] = "--end-on-gps-tab";
+
+/** Baud, data bits, parity, stop bits, as the line's record has them. */
+QList<int> format(const SerialPort *port)
+{
+    return {port->baudCode, port->dataBitsCode, port->parityCode, port->stopBitsCode};
+}
 
 /** Zero bytes, which end a chunk's text, fill up what the thread's read waits for. */
 QByteArray fullChunk(const QByteArray &text)
@@ -131,6 +155,21 @@ void TelematicsPageTest::useLines()
     gps->setName("COM4"_s);
 }
 
+/** Columns and rows for a power state that isn't on. */
+void TelematicsPageTest::addOffRows()
+{
+    QTest::addColumn<QString>("state");
+    QTest::newRow("off") << "0"_s;
+    QTest::newRow("another state") << "2"_s;
+}
+
+/** Whether a GPS thread has come to life since the page was made, or does so soon. */
+bool TelematicsPageTest::threadStarts()
+{
+    QTest::qWait(200);
+    return calls().count("Telematics_create()"_s) > 1;
+}
+
 /** Goes to the first tab, while the receiver says something that ends the thread's read. */
 void TelematicsPageTest::leaveGpsTab(const QWidget &page)
 {
@@ -155,47 +194,50 @@ void TelematicsPageTest::form()
     QCOMPARE(tabs(page)->tabText(1), "GPS"_s);
     QCOMPARE(tabs(page)->tabText(2), "GSM/GPRS"_s);
     QVERIFY(!tabs(page)->usesScrollButtons());
-    const struct {
-        const char *name;
-        const char *caption;
-        const char *toolTip;
-    } widgets[] = {{"checkBoxGPRS", "GSM/GPRS Enabled", ""},
-        {"checkBoxGPRS_Startup", "Enabled at start-up", ""}, {"checkBoxWLAN", "WLAN Enabled", ""},
-        {"checkBoxWLAN_Startup", "Enabled at start-up", ""},
-        {"checkBoxBT", "Bluetooth Enabled", ""}, {"checkBoxBT_Startup", "Enabled at start-up", ""},
-        {"checkBoxGPS", "GPS Enabled", ""}, {"checkBoxGPS_Startup", "Enabled at start-up", ""},
-        {"label_9", "GSM/GPRS device:", ""}, {"lineEditGSMdev", "COM3", ""},
-        {"label_8", "GPS device:", ""}, {"lineEditGPSdev", "COM4", ""},
-        {"lineEditAvailInterfaces", "Available interfaces: Bluetooth, WLAN, GSM/GPRS, GPS", ""},
-        {"label", "Date and time:  ", ""}, {"editGpsDate", "INVALID", ""},
-        {"label_3", "Position:", ""}, {"editGpsPos", "INVALID", ""},
-        {"label_4", "Satelites in fix:", ""}, {"editGpsSat", "INVALID", ""},
-        {"label_5", "Altitude:", ""}, {"editGpsAlt", "INVALID", ""}, {"label_6", "Speed:", ""},
-        {"editGpsSpeed", "INVALID", ""}, {"label_7", "Accuracy:", ""}, {"editGpsAcc", "", ""},
-        {"label_GPSantenna", "GPS antenna status: OK", ""}, {"buttonToggleData", "Serial data", ""},
-        {"editPinStatus", "PIN code status: Unknown", ""}, {"editTestCall", "Send SMS", ""},
-        {"editNumber", "", "Phone number to send to"},
-        {"editNetworkStatus", "Network status: Unknown", ""}, {"editPin", "", "Enter PIN code"},
-        {"pushButtonSetPin", " Set PIN ", ""}, {"pushButtonGetPIN", "Get PIN status", ""},
-        {"pushButtonGetNetwork", "Get network status", ""},
-        {"editTestCall_2", "Custom AT command:", ""},
-        {"editCustomAT", "", "Enter a custom AT command"}, {"pushButtonCustomExec", "", ""},
-        {"editSMStext", "SMS text", "Enter the text to send"}, {"pushButtonCall", "Send", ""}};
-    for (const auto &row : widgets) {
-        const auto *widget = child<QWidget>(&page, row.name);
-        QCOMPARE(widget->property("text").toString(), QString::fromLatin1(row.caption));
-        QCOMPARE(widget->toolTip(), QString::fromLatin1(row.toolTip));
-    }
-    QCOMPARE(child<QGroupBox>(&page, "groupBox_2")->title(), "GPS data"_s);
-    QVERIFY(!child<QPushButton>(&page, "pushButtonCustomExec")->icon().isNull());
+    QCOMPARE(support::widgets(&page),
+        QStringList({"tabWidget: QTabWidget"_s, "tabGsm: QWidget hidden"_s,
+            "editPinStatus: QLineEdit \"PIN code status: Unknown\" read-only"_s,
+            "editPin: QLineEdit \"\" tip \"Enter PIN code\""_s,
+            "pushButtonSetPin: QPushButton \" Set PIN \""_s,
+            "pushButtonGetPIN: QPushButton \"Get PIN status\""_s,
+            "editNetworkStatus: QLineEdit \"Network status: Unknown\" read-only"_s,
+            "pushButtonGetNetwork: QPushButton \"Get network status\""_s,
+            "editTestCall: QLineEdit \"Send SMS\" read-only"_s,
+            "editNumber: QLineEdit \"\" tip \"Phone number to send to\""_s,
+            "editSMStext: QLineEdit \"SMS text\" tip \"Enter the text to send\""_s,
+            "pushButtonCall: QPushButton \"Send\""_s,
+            "editTestCall_2: QLineEdit \"Custom AT command:\" read-only"_s,
+            "editCustomAT: QLineEdit \"\" tip \"Enter a custom AT command\""_s,
+            "pushButtonCustomExec: QPushButton \"\""_s,
+            "textEditGSM: QPlainTextEdit \"\" read-only"_s, "tabGps: QWidget hidden"_s,
+            "groupBox_2: QGroupBox \"GPS data\""_s, "label: QLabel \"Date and time:  \""_s,
+            "editGpsDate: QLineEdit \"INVALID\" read-only"_s, "label_3: QLabel \"Position:\""_s,
+            "editGpsPos: QLineEdit \"INVALID\" read-only"_s,
+            "label_4: QLabel \"Satelites in fix:\""_s,
+            "editGpsSat: QLineEdit \"INVALID\" read-only"_s, "label_5: QLabel \"Altitude:\""_s,
+            "editGpsAlt: QLineEdit \"INVALID\" read-only"_s, "label_6: QLabel \"Speed:\""_s,
+            "editGpsSpeed: QLineEdit \"INVALID\" read-only"_s, "label_7: QLabel \"Accuracy:\""_s,
+            "editGpsAcc: QLineEdit \"\" read-only"_s,
+            "textEdit: QPlainTextEdit \"\" read-only hidden"_s,
+            "label_GPSantenna: QLabel \"GPS antenna status: OK\""_s,
+            "buttonToggleData: QPushButton \"Serial data\" hidden"_s, "tabSettings: QWidget"_s,
+            "checkBoxGPRS: QCheckBox \"GSM/GPRS Enabled\""_s,
+            "checkBoxGPRS_Startup: QCheckBox \"Enabled at start-up\""_s,
+            "checkBoxWLAN: QCheckBox \"WLAN Enabled\""_s,
+            "checkBoxWLAN_Startup: QCheckBox \"Enabled at start-up\""_s,
+            "checkBoxBT: QCheckBox \"Bluetooth Enabled\""_s,
+            "checkBoxBT_Startup: QCheckBox \"Enabled at start-up\""_s,
+            "checkBoxGPS: QCheckBox \"GPS Enabled\""_s,
+            "checkBoxGPS_Startup: QCheckBox \"Enabled at start-up\""_s,
+            "label_9: QLabel \"GSM/GPRS device:\""_s, "lineEditGSMdev: QLineEdit \"COM3\""_s,
+            "label_8: QLabel \"GPS device:\""_s, "lineEditGPSdev: QLineEdit \"COM4\""_s,
+            "lineEditAvailInterfaces: QLineEdit \"Available interfaces: "
+            "Bluetooth, WLAN, GSM/GPRS, GPS\""_s,
+            "icon: QLabel Globe.png"_s}));
     QVERIFY(child<QLabel>(&page, "icon")->hasScaledContents());
-    for (const char *edit :
-        {"editGpsDate", "editGpsPos", "editGpsSat", "editGpsAlt", "editGpsSpeed", "editGpsAcc",
-            "editPinStatus", "editTestCall", "editNetworkStatus", "editTestCall_2"})
-        QVERIFY2(child<QLineEdit>(&page, edit)->isReadOnly(), edit);
-    for (const char *edit : {"lineEditGSMdev", "lineEditGPSdev", "editNumber", "editPin",
-             "editCustomAT", "editSMStext"})
-        QVERIFY2(!child<QLineEdit>(&page, edit)->isReadOnly(), edit);
+    const QSize size(32, 32);
+    QCOMPARE(child<QPushButton>(&page, "pushButtonCustomExec")->icon().pixmap(size).toImage(),
+        QIcon(":/VornSettings/Resources/ok.png"_s).pixmap(size).toImage());
     const auto *raw = child<QPlainTextEdit>(&page, "textEdit");
     QVERIFY(raw->isReadOnly());
     QCOMPARE(raw->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
@@ -207,6 +249,17 @@ void TelematicsPageTest::form()
     QCOMPARE(modem->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     QCOMPARE(modem->lineWrapMode(), QPlainTextEdit::WidgetWidth);
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isHidden());
+}
+
+void TelematicsPageTest::layout()
+{
+    tabTelematicsDlg page;
+    QStringList views; // that lie over one another and take turns
+    for (const char *name :
+        {"label", "editGpsDate", "label_3", "editGpsPos", "label_4", "editGpsSat", "label_5",
+            "editGpsAlt", "label_6", "editGpsSpeed", "label_7", "editGpsAcc"})
+        views << QString::fromLatin1(name) + ": lies over textEdit"_s;
+    QCOMPARE(support::layoutFaults(&page), views);
 }
 
 void TelematicsPageTest::constructionAndDestruction()
@@ -371,6 +424,72 @@ void TelematicsPageTest::showReadsAllSwitches()
         QCOMPARE(child<QCheckBox>(&page, name)->isChecked(), checked);
 }
 
+void TelematicsPageTest::everyShowReadsAnew()
+{
+    const char *const states[] = {"gprsPowerStatus", "wlanPowerStatus", "btPowerStatus",
+        "gpsPowerStatus", "gprsStartUpPowerStatus", "wlanStartUpPowerStatus",
+        "gpsStartUpPowerStatus", "btStartUpPowerStatus"};
+    tabTelematicsDlg page;
+    const auto showWith = [&](const char *value) {
+        for (const char *state : states)
+            setUnit("Telematics."_s + QString::fromLatin1(state), QString::fromLatin1(value));
+        page.hide();
+        page.show();
+        dialogs.take(); // of an antenna without power
+    };
+    for (const char *off : {"0", "2"}) { // every value but 1
+        showWith("1");
+        for (const auto *box : page.findChildren<QCheckBox *>())
+            QVERIFY2(box->isChecked(), qPrintable(box->objectName()));
+        showWith(off);
+        for (const auto *box : page.findChildren<QCheckBox *>())
+            QVERIFY2(!box->isChecked(), qPrintable(box->objectName()));
+    }
+}
+
+void TelematicsPageTest::failureOfALaterShow_data()
+{
+    QTest::addColumn<QByteArray>("box");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<int>("code");
+    const char *const rows[][3] = {
+        {"checkBoxGPRS", "getGPRSPowerStatus", "Telematics.gprsPowerStatus"},
+        {"checkBoxWLAN", "getWLANPowerStatus", "Telematics.wlanPowerStatus"},
+        {"checkBoxBT", "getBTPowerStatus", "Telematics.btPowerStatus"},
+        {"checkBoxGPS", "getGPSPowerStatus", "Telematics.gpsPowerStatus"},
+        {"checkBoxGPRS_Startup", "getGPRSStartUpPowerStatus", "Telematics.gprsStartUpPowerStatus"},
+        {"checkBoxWLAN_Startup", "getWLANStartUpPowerStatus", "Telematics.wlanStartUpPowerStatus"},
+        {"checkBoxGPS_Startup", "getGPSStartUpPowerStatus", "Telematics.gpsStartUpPowerStatus"},
+        {"checkBoxBT_Startup", "getBTStartUpPowerStatus", "Telematics.btStartUpPowerStatus"}};
+    for (const auto &row : rows) {
+        for (const int code : failureCodes)
+            QTest::addRow("%s %d", row[1], code)
+                << QByteArray(row[0]) << QString::fromLatin1(row[1]) << QString::fromLatin1(row[2])
+                << code;
+    }
+}
+
+/** A power switch keeps the state that it knew, a start-up switch doesn't. */
+void TelematicsPageTest::failureOfALaterShow()
+{
+    QFETCH(QByteArray, box);
+    QFETCH(QString, operation);
+    QFETCH(QString, property);
+    QFETCH(int, code);
+    setUnit(property, "1"_s);
+    tabTelematicsDlg page;
+    page.show();
+    QVERIFY(child<QCheckBox>(&page, box.constData())->isChecked());
+    fault("Telematics_"_s + operation, code);
+    page.hide();
+    page.show();
+    const bool startup = operation.contains("StartUp"_s);
+    QCOMPARE(child<QCheckBox>(&page, box.constData())->isChecked(), !startup);
+    QCOMPARE(boxes(&page),
+        startup || code == 2 ? QStringList() : QStringList({errorBox(code, operation)}));
+}
+
 void TelematicsPageTest::failingStatus_data()
 {
     addFailureRows({"Telematics_getGPRSPowerStatus"_s, "Telematics_getWLANPowerStatus"_s,
@@ -518,10 +637,16 @@ void TelematicsPageTest::viewsOfTheGpsData()
     check(true);
 }
 
+void TelematicsPageTest::gpsTabWithoutPower_data()
+{
+    addOffRows();
+}
+
 void TelematicsPageTest::gpsTabWithoutPower()
 {
+    QFETCH(QString, state);
     useLines();
-    setUnit("Telematics.gpsPowerStatus"_s, "0"_s);
+    setUnit("Telematics.gpsPowerStatus"_s, state);
     setUnit("Telematics.gpsAntennaStatus"_s, "1"_s);
     tabTelematicsDlg page;
     page.show();
@@ -532,6 +657,7 @@ void TelematicsPageTest::gpsTabWithoutPower()
     QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isEnabled());
     QVERIFY(!gpsPort.load());
+    QVERIFY(!threadStarts());
 }
 
 void TelematicsPageTest::gpsTabShowsLiveData()
@@ -543,6 +669,9 @@ void TelematicsPageTest::gpsTabShowsLiveData()
     QCOMPARE(text(page, "editGpsDate"), "INVALID"_s);
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isEnabled());
+    QCOMPARE(gps->speed(), 9600);
+    QCOMPARE(format(gpsPort),
+        (QList<int>{SERIAL_9600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     QVERIFY(gps->send(fullChunk(fix)));
     QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
     QCOMPARE(text(page, "editGpsDate"), "2024-03-23 - 12:35:19"_s);
@@ -565,6 +694,37 @@ void TelematicsPageTest::gpsTabShowsLiveData()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEdit")->toPlainText(), QString());
     QVERIFY(!child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(!gpsPort.load());
+}
+
+void TelematicsPageTest::antennaOnTheGpsTab()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    const auto *antenna = child<QLabel>(&page, "label_GPSantenna");
+    QTRY_COMPARE(antenna->text(), "GPS antenna status: OK"_s);
+    setUnit("Telematics.gpsAntennaStatus"_s, "0"_s);
+    QVERIFY(gps->send(fullChunk(fix)));
+    QTRY_COMPARE(antenna->text(), "GPS antenna status: Error: Open or short"_s);
+    leaveGpsTab(page);
+}
+
+void TelematicsPageTest::gpsThreadGoesOnBehindAnotherPage()
+{
+    useLines();
+    tabTelematicsDlg page;
+    page.show();
+    tabs(page)->setCurrentIndex(1);
+    page.hide();
+    QVERIFY(gps->send(fullChunk(fix)));
+    QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
+    calls();
+    page.show();
+    QVERIFY(gps->send(fullChunk("$PFST,FOM,7*00\r\n")));
+    QTRY_COMPARE(text(page, "editGpsAcc"), "7 meters"_s);
+    QVERIFY2(!calls().contains("Telematics_create()"_s), "one thread is enough");
+    leaveGpsTab(page);
 }
 
 void TelematicsPageTest::rawViewIsKept()
@@ -604,6 +764,58 @@ void TelematicsPageTest::gpsTabWithUnopenablePort()
     clock.start();
     tabs(page)->setCurrentIndex(0);
     QVERIFY(clock.elapsed() < 5000);
+}
+
+/** Leaves the tab and comes back while the box of the first entry is open. */
+void TelematicsPageTest::gpsTabEnteredAgainFromItsBox()
+{
+    tabTelematicsDlg page;
+    page.show();
+    dialogs.plan([&](QDialog *box) {
+        useLines();
+        tabs(page)->setCurrentIndex(0);
+        tabs(page)->setCurrentIndex(1);
+        box->accept();
+    });
+    tabs(page)->setCurrentIndex(1);
+    QCOMPARE(dialogs.takeTexts(), QStringList{"Could not open serial port: COM4"_s});
+    QVERIFY2(gpsPort.load(), "the line of the second entry stays");
+    // The thread of the second entry has gone, or takes its share of these.
+    QElapsedTimer clock;
+    clock.start();
+    while (text(page, "editGpsSat") != "08"_s && !clock.hasExpired(threadEnd)) {
+        QVERIFY(gps->send(fix + QByteArray(512, '\n')));
+        QTest::qWait(20);
+    }
+    QCOMPARE(text(page, "editGpsSat"), "08"_s);
+    leaveGpsTab(page);
+    QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
+    tabs(page)->setCurrentIndex(1);
+    QVERIFY2(gpsPort.load(), "nobody else holds it");
+    leaveGpsTab(page);
+}
+
+void TelematicsPageTest::stopRightAfterASecondEntry()
+{
+    tabTelematicsDlg page;
+    page.show();
+    calls();
+    const support::SkippedPauses pauses;
+    int ended = 0;
+    for (int round = 1; round <= 20; ++round) {
+        dialogs.plan([&](QDialog *box) {
+            tabs(page)->setCurrentIndex(0);
+            tabs(page)->setCurrentIndex(1);
+            box->accept();
+        });
+        tabs(page)->setCurrentIndex(1);
+        gpsKeepRunning = 0;
+        // A thread that were still to set its flag wouldn't hear of this.
+        QTRY_COMPARE((ended += int(calls().count("Telematics_release()"_s))), 2 * round);
+        QCOMPARE(int(gpsKeepRunning.load()), 0);
+        tabs(page)->setCurrentIndex(0);
+        dialogs.take();
+    }
 }
 
 void TelematicsPageTest::gpsPowerQueryFailureCountsAsOn()
@@ -763,10 +975,16 @@ void TelematicsPageTest::gsmPowerQueryFailureCountsAsOn()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), QString());
 }
 
+void TelematicsPageTest::gsmTabWithoutPower_data()
+{
+    addOffRows();
+}
+
 void TelematicsPageTest::gsmTabWithoutPower()
 {
+    QFETCH(QString, state);
     useLines();
-    setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
+    setUnit("Telematics.gprsPowerStatus"_s, state);
     tabTelematicsDlg page;
     page.show();
     tabs(page)->setCurrentIndex(2);
@@ -786,6 +1004,7 @@ void TelematicsPageTest::gsmTabWithoutPower()
         QVERIFY(child<QPushButton>(&page, name)->isEnabled());
         QCOMPARE(child<QPushButton>(&page, name)->toolTip(), QString());
     }
+    QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), QString());
     QVERIFY(gsmPort);
 }
 
@@ -798,6 +1017,8 @@ void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
     QCOMPARE(gsm->speed(), 57600);
+    QCOMPARE(format(gsmPort),
+        (QList<int>{SERIAL_57600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     page.hide();
     QVERIFY2(gsmPort, "leaving the page keeps the line");
     page.show();
@@ -849,6 +1070,25 @@ void TelematicsPageTest::gsmTabWithUnopenablePort()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
+void TelematicsPageTest::gsmTabEnteredAgainFromItsBox()
+{
+    tabTelematicsDlg page;
+    page.show();
+    dialogs.plan([&](QDialog *box) {
+        useLines();
+        tabs(page)->setCurrentIndex(0);
+        tabs(page)->setCurrentIndex(2);
+        box->accept();
+    });
+    tabs(page)->setCurrentIndex(2);
+    QCOMPARE(dialogs.takeTexts(), QStringList{"Could not open serial port: COM3"_s});
+    QVERIFY2(gsmPort, "the line of the second entry stays");
+    tabs(page)->setCurrentIndex(0);
+    QVERIFY(!gsmPort);
+    tabs(page)->setCurrentIndex(2);
+    QVERIFY2(gsmPort, "nobody else holds it");
+}
+
 void TelematicsPageTest::gsmTabInTheGpsTabsPlace_data()
 {
     QTest::addColumn<QString>("gpsPower");
@@ -879,6 +1119,7 @@ void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
     QVERIFY(!gpsPort.load());
     QCOMPARE(text(page, "editGpsDate"), date);
     QVERIFY(!child<QPushButton>(&page, "buttonToggleData")->isEnabled());
+    QVERIFY(!threadStarts());
     QVERIFY(child<QPushButton>(&page, "pushButtonGetPIN")->isEnabled());
     support::click(&page, "pushButtonGetPIN");
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);

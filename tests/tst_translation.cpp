@@ -2,6 +2,7 @@
 #include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
 #include "report/systemReport.h"
+#include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"
 #include "virtualunit/VirtualUnit.h"
 
@@ -218,6 +219,30 @@ private slots:
         VornSettings window;
         QCOMPARE(support::child<QPushButton>(&window, "pushButtonTelematics")->toolTip(),
             QStringLiteral("Telematics module is not available"));
+    }
+
+    void emptiedGpsFieldsAre()
+    {
+        const PseudoLocale locale;
+        tabTelematicsDlg page;
+        auto *tabs = support::child<QTabWidget>(&page, "tabWidget");
+        const QString translated = mark + QStringLiteral("INVALID");
+        const QList<QLineEdit *> fields{support::child<QLineEdit>(&page, "editGpsDate"),
+            support::child<QLineEdit>(&page, "editGpsPos"),
+            support::child<QLineEdit>(&page, "editGpsSat"),
+            support::child<QLineEdit>(&page, "editGpsAlt"),
+            support::child<QLineEdit>(&page, "editGpsSpeed")};
+        for (QLineEdit *field : fields)
+            field->setText(QStringLiteral("old"));
+        tabs->setCurrentIndex(2);
+        for (const QLineEdit *field : fields)
+            QCOMPARE(field->text(), translated);
+        tabs->setCurrentIndex(1);
+        QCOMPARE(fields[0]->text(), QStringLiteral("INVALID"));
+        for (const QLineEdit *field : fields.mid(1))
+            QCOMPARE(field->text(), translated);
+        tabs->setCurrentIndex(0);
+        dialogs.take();
     }
 
     void messagesAreNot()

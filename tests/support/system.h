@@ -15,6 +15,9 @@ QString programFile(const QString &name);
 /** Things of the system that this process holds open: files, threads, ... */
 int openHandles();
 
+/** Threads of this process. */
+int threads();
+
 /** Memory of this process at present and at most so far, in bytes. */
 qint64 residentMemory();
 qint64 peakMemory();

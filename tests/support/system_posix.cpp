@@ -37,6 +37,12 @@ int openHandles()
     return int(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size());
 }
 
+int threads()
+{
+    const QDir tasks(QStringLiteral("/proc/self/task"));
+    return int(tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+}
+
 qint64 residentMemory()
 {
     return statusLine("VmRSS:");

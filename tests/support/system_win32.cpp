@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <psapi.h>
+#include <tlhelp32.h>
 
 namespace support {
 
@@ -104,6 +105,18 @@ int openHandles()
     const auto *first = reinterpret_cast<const Handle *>(table + 1);
     return int(std::count_if(first, first + table->count,
         [](const Handle &handle) { return handle.processId == GetCurrentProcessId(); }));
+}
+
+int threads()
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    int count = 0;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    CloseHandle(snapshot);
+    return count;
 }
 
 qint64 residentMemory()
