@@ -1,8 +1,32 @@
+#include "platform/platform.h"
 #include "report/BoardType.h"
+#include "report/sections.h"
 #include "tests/support/BiosData.h"
 #include "tests/support/ProgramTree.h"
 
 #include <QtTest>
+
+// The linker leads all calls of platform::DynamicLibrary::procedure() here; CMakeLists.txt tells it
+// to.
+extern "C" {
+platform::DynamicLibrary::Procedure libraryProcedure(const platform::DynamicLibrary *library,
+    const char *name) __asm__("__real__ZNK8platform14DynamicLibrary9procedureEPKc");
+platform::DynamicLibrary::Procedure notedProcedure(const platform::DynamicLibrary *library,
+    const char *name) __asm__("__wrap__ZNK8platform14DynamicLibrary9procedureEPKc");
+}
+
+namespace {
+
+QByteArrayList lookedUp; // procedures, in order
+
+} // namespace
+
+platform::DynamicLibrary::Procedure notedProcedure(
+    const platform::DynamicLibrary *library, const char *name)
+{
+    lookedUp << name;
+    return libraryProcedure(library, name);
+}
 
 using support::ProgramTree;
 using support::Run;
@@ -42,6 +66,8 @@ private slots:
     void boardType();
     void library_data();
     void library();
+    void proceduresInOrder_data();
+    void proceduresInOrder();
 };
 
 void tst_cpuboard::boardType_data()
@@ -172,6 +198,32 @@ void tst_cpuboard::library()
     QCOMPARE(support::section(tree.read(QStringLiteral("report.txt")), "CPU board data"), section);
     const QByteArray lines = calls.isEmpty() ? QByteArray() : calls.join('\n') + '\n';
     QCOMPARE(tree.read(QStringLiteral("calls")), lines);
+}
+
+void tst_cpuboard::proceduresInOrder_data()
+{
+    QTest::addColumn<QByteArray>("product");
+    QTest::addColumn<QByteArrayList>("names");
+    const QByteArrayList jida{"JidaDllInitialize", "JidaDllUninitialize", "JidaBoardOpenByNameW",
+        "JidaBoardOpenW", "JidaBoardClose", "JidaBoardGetInfoW"};
+    const QByteArrayList cgos{"CgosLibInitialize", "CgosLibUninitialize", "CgosBoardOpenByNameW",
+        "CgosBoardClose", "CgosBoardGetInfoW", "CgosBoardOpen"};
+    QTest::newRow("unknown") << QByteArray("unknown") << jida;
+    QTest::newRow("COMe-bIP6") << QByteArray("COMe-bIP6") << jida;
+    QTest::newRow("TS77") << QByteArray("TS77") << cgos;
+    QTest::newRow("TCA3") << QByteArray("TCA3") << cgos;
+}
+
+/** In this process, with the libraries of the virtual unit. */
+void tst_cpuboard::proceduresInOrder()
+{
+    QFETCH(QByteArray, product);
+    QFETCH(QByteArrayList, names);
+    support::BiosData biosData;
+    biosData.setBoard(product);
+    lookedUp.clear();
+    QVERIFY(!cpuBoardDataText().isEmpty());
+    QCOMPARE(lookedUp, names);
 }
 
 QTEST_GUILESS_MAIN(tst_cpuboard)
