@@ -273,10 +273,10 @@ private slots:
         gpsPort = configured(line);
         constexpr int chunks = 11;
         QVERIFY(line.send(QByteArray(chunks * 512, '\n'))); // they all wait
-        Reader reader;
-        std::vector<qint64> times; // the thread's, in its own hand
+        std::vector<qint64> times;                          // the thread's, in its own hand
         QElapsedTimer clock;
         clock.start();
+        Reader reader;
         connect(
             &reader.thread, &MyGPSThread::newText, &reader.thread,
             [&] { times.push_back(clock.elapsed()); }, Qt::DirectConnection);
@@ -289,11 +289,11 @@ private slots:
     void noPauseWithoutChunks()
     {
         QVERIFY(gpsPort == nullptr);
-        Reader reader;
         qint64 last = -1;
         qint64 shortest = std::numeric_limits<qint64>::max(); // nanoseconds between two labels
         QElapsedTimer clock;
         clock.start();
+        Reader reader;
         connect(
             &reader.thread, &MyGPSThread::newLabel, &reader.thread,
             [&] {
