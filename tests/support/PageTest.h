@@ -90,8 +90,8 @@ protected:
      *  texts: boxes() compares those. */
     QStringList calls();
 
-    /** Such calls without the asking for error texts. Each text must have been asked for once, right
-     *  after the call that returned its code; any other asking fails the test function. */
+    /** Such calls without the asking for error texts. Each text must have been asked for once,
+     * right after the call that returned its code; any other asking fails the test function. */
     static QStringList withoutErrorTexts(const QStringList &calls);
 
     /** Text of the error box for that failure. */
