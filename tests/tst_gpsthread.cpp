@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <memory>
 #include <thread>
@@ -38,6 +39,23 @@ QByteArray contents(const QString &path)
         qFatal("no file %s", qPrintable(path));
     return file.readAll();
 }
+
+/** The thread, and how it hands over what it did: the thread sanitizer doesn't see Qt's own way. */
+class WatchedThread : public MyGPSThread
+{
+public:
+    bool waitForEnd() { return wait(patience) && ended; }
+
+protected:
+    void run() override
+    {
+        MyGPSThread::run();
+        ended = true;
+    }
+
+private:
+    std::atomic<bool> ended{false};
+};
 
 /** Collects what a thread sends, and stops the thread when the test ends. */
 class Reader : public QObject
@@ -72,21 +90,21 @@ public:
     bool stop()
     {
         gpsKeepRunning = 0;
-        return thread.wait(patience);
+        return thread.waitForEnd();
     }
     /** Ends the read by filling its buffer. */
     bool stop(PseudoTerminal &line)
     {
         gpsKeepRunning = 0;
-        return line.send(QByteArray(512, '\n')) && thread.wait(patience);
+        return line.send(QByteArray(512, '\n')) && thread.waitForEnd();
     }
 
 private:
     // On the heap: the sanitizer takes what becomes of a stack behind a thread for a race.
-    std::unique_ptr<MyGPSThread> owned = std::make_unique<MyGPSThread>();
+    std::unique_ptr<WatchedThread> owned = std::make_unique<WatchedThread>();
 
 public:
-    MyGPSThread &thread = *owned;
+    WatchedThread &thread = *owned;
     QStringList texts;
     QStringList raw;
     QStringList labels;
@@ -363,7 +381,7 @@ private slots:
             Qt::DirectConnection);
         reader.start();
         QVERIFY(line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
-        QVERIFY(reader.thread.wait(patience));
+        QVERIFY(reader.thread.waitForEnd());
         QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1 meters\"")});
         QTest::qWait(0);
         QCOMPARE(reader.texts.size(), 1);
