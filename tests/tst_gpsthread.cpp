@@ -2,6 +2,7 @@
 #include "telematics/telematicsState.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/SerialLine.h"
 #include "tests/support/system.h"
 
 #include <QElapsedTimer>
@@ -24,12 +25,10 @@ constexpr int patience = 20'000; // milliseconds that a slow machine may take
 
 constexpr char rmc[] = "$GPRMC,123519.000,A,4807.038,N,01131.000,E,022.4,084.4,230324,,,A*00\r\n";
 
-SerialPort *configured(const PseudoTerminal &line)
+/** For a thread, which closes it. */
+SerialPort *openLine(const PseudoTerminal &line)
 {
-    SerialPort *port = serialOpen(line.path().constData());
-    if (!port || serialConfigure(port, 4, 3, 0, 0) != 0)
-        qFatal("line refused");
-    return port;
+    return support::configured(line).release();
 }
 
 QByteArray contents(const QString &path)
@@ -135,7 +134,7 @@ private slots:
     void silentLine()
     {
         const PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         calls();
         QElapsedTimer timer;
@@ -153,7 +152,7 @@ private slots:
                               QStringLiteral("Telematics_getGPSAntennaStatus() = 0 [1]"),
                               QStringLiteral("Telematics_release()")}));
         QVERIFY(gpsPort == nullptr);
-        SerialPort *again = configured(line); // closed it is as well
+        SerialPort *again = openLine(line); // closed it is as well
         serialClose(again);
     }
 
@@ -230,7 +229,7 @@ private slots:
     {
         QFETCH(QString, path);
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         const QByteArray recorded = contents(path);
         const QByteArray expected =
             contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expected"));
@@ -250,7 +249,7 @@ private slots:
     void zeroBytes()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         QVERIFY(line.send((QByteArray(1, '\0') + rmc).leftJustified(512, '\n')));
@@ -267,7 +266,7 @@ private slots:
     void chunksEndedBySilence()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         const QByteArray first = QByteArray("$PFST,FOM,1*00\n").leftJustified(99, '-') + '\n';
@@ -288,7 +287,7 @@ private slots:
     void pauseBetweenChunks()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         constexpr int chunks = 11;
         QVERIFY(line.send(QByteArray(chunks * 512, '\n'))); // they all wait
         std::vector<qint64> times;                          // the thread's, in its own hand
@@ -331,7 +330,7 @@ private slots:
     void shortTimeDoesntEndTheReader()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         QByteArray chunk = "$GPRMC,12,A,1.0,N,2.0,E,3,4,230324,$PFST,FOM,1\n$PFST,FOM,2*00\n";
@@ -344,7 +343,7 @@ private slots:
     void chunkWithoutALineFeed()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         const QByteArray value(498, '1');
@@ -373,7 +372,7 @@ private slots:
     void stopBetweenLines()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         // Said by the thread itself, so in the midst of the chunk.
         connect(
@@ -400,7 +399,7 @@ private slots:
     void vanishingLine()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         line.hangUp();
@@ -413,7 +412,7 @@ private slots:
     void lastThreadClosesTheLine()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader givenUp;
         givenUp.start();
         Reader next;
@@ -444,7 +443,7 @@ private slots:
         for (auto &thread : threads)
             thread.join();
         const PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         {
             const GpsLineShare first;
             {
@@ -458,12 +457,12 @@ private slots:
     void leavesNothingBehind()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         serialClose(gpsPort);
         gpsPort = nullptr;
         const auto before = support::openHandles();
         for (int round = 0; round < 100; ++round) {
-            gpsPort = configured(line);
+            gpsPort = openLine(line);
             Reader reader;
             reader.start();
             QVERIFY(
@@ -477,7 +476,7 @@ private slots:
     void memoryDoesntGrow()
     {
         PseudoTerminal line;
-        gpsPort = configured(line);
+        gpsPort = openLine(line);
         Reader reader;
         reader.start();
         // What the test itself would collect is no growth of the thread's.

@@ -1,12 +1,8 @@
 #include "telematics/tabTelematicsDlg.h"
 #include "telematics/telematicsState.h"
-#ifdef Q_OS_WIN
-#    include "telematics/serialPort_win32.h"
-#else
-#    include "telematics/serialPort_posix.h"
-#endif
 #include "tests/support/PageTest.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/support/SerialLine.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/system.h"
 
@@ -105,12 +101,6 @@ const char *const consoleButtons[] = {"pushButtonCall", "pushButtonCustomExec",
 constexpr int threadEnd = 20000; // milliseconds, generous
 
 constexpr char endOnGpsTab[] = "--end-on-gps-tab";
-
-/** Baud, data bits, parity, stop bits, as the line's record has them. */
-QList<int> format(const SerialPort *port)
-{
-    return {port->baudCode, port->dataBitsCode, port->parityCode, port->stopBitsCode};
-}
 
 /** Zero bytes, which end a chunk's text, fill up what the thread's read waits for. */
 QByteArray fullChunk(const QByteArray &text)
@@ -670,7 +660,7 @@ void TelematicsPageTest::gpsTabShowsLiveData()
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isEnabled());
     QCOMPARE(gps->speed(), 9600);
-    QCOMPARE(format(gpsPort),
+    QCOMPARE(support::formatOf(gpsPort),
         (QList<int>{SERIAL_9600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     QVERIFY(gps->send(fullChunk(fix)));
     QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
@@ -1017,7 +1007,7 @@ void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
     QCOMPARE(gsm->speed(), 57600);
-    QCOMPARE(format(gsmPort),
+    QCOMPARE(support::formatOf(gsmPort),
         (QList<int>{SERIAL_57600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     page.hide();
     QVERIFY2(gsmPort, "leaving the page keeps the line");

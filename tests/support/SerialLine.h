@@ -4,6 +4,7 @@
 #include "tests/support/PseudoTerminal.h"
 
 #include <QByteArray>
+#include <QList>
 
 #include <memory>
 
@@ -27,5 +28,9 @@ struct Reading {
 
 Reading read(const Port &port, int count);
 int write(const Port &port, const QByteArray &bytes);
+
+/** Codes of baud, data bits, parity and stop bits, as the record of the line has them: the kernel's
+ *  pseudo-terminals keep no data bits and no parity. */
+QList<int> formatOf(const SerialPort *port);
 
 } // namespace support
