@@ -1,5 +1,7 @@
 #include "pages/tabBacklightDlg.h"
 
+#include "frame/deviceStatus.h"
+
 namespace {
 
 constexpr int refreshInterval = 500; // milliseconds
@@ -154,8 +156,7 @@ void tabBacklightDlg::applyAutomaticSettings()
 
 void tabBacklightDlg::ledDimClicked(bool checked)
 {
-    reportError(
-        Backlight_setLedDimming(backlight, checked ? STATUS_ON : STATUS_OFF), "setLedDimming");
+    reportError(Backlight_setLedDimming(backlight, statusOf(checked)), "setLedDimming");
 }
 
 void tabBacklightDlg::enableAutomaticSettings(bool enable)

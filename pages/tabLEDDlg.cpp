@@ -1,5 +1,7 @@
 #include "pages/tabLEDDlg.h"
 
+#include "frame/deviceStatus.h"
+
 #include <QColorDialog>
 
 #include <algorithm>
@@ -221,7 +223,7 @@ void tabLEDDlg::checkEnableLedOnStart(bool enable)
 {
     if (!loaded)
         return;
-    const auto code = FrontLED_setEnabledDuringStartup(frontLED, enable ? STATUS_ON : STATUS_OFF);
+    const auto code = FrontLED_setEnabledDuringStartup(frontLED, statusOf(enable));
     if (code == DEVICE_OK)
         return;
     reportError(code, "setEnabledDuringStartup");

@@ -1,5 +1,6 @@
 #include "pages/tabOnOffDlg.h"
 
+#include "frame/deviceStatus.h"
 #include "frame/reportError.h"
 
 namespace {
@@ -156,7 +157,6 @@ void tabOnOffDlg::ApplyClicked()
     reportError(Config_setFrontBtnTrigTime(config, std::uint16_t(milliseconds)),
         "setFrontBtnShutDownTrigTime");
     reportError(Config_setExtOnOffSigTrigTime(config, seconds), "setExtOnOffSigTrigTime");
-    reportError(Config_setPowerOnStartup(
-                    config, ui->checkBoxPowerOnStartup->isChecked() ? STATUS_ON : STATUS_OFF),
+    reportError(Config_setPowerOnStartup(config, statusOf(ui->checkBoxPowerOnStartup->isChecked())),
         "setPowerOnStartup");
 }

@@ -1,5 +1,6 @@
 #include "pages/tabPowerDlg.h"
 
+#include "frame/deviceStatus.h"
 #include "frame/endWithApplication.h"
 #include "frame/reportError.h"
 #include "pages/MyThread.h"
@@ -161,19 +162,19 @@ void tabPowerDlg::showAnswer(
 // No control is connected to this slot at present; units may switch the backlight by it.
 void tabPowerDlg::BacklightClicked(bool on)
 {
-    reportError(Power_setBLPowerStatus(power, on ? STATUS_ON : STATUS_OFF), "setBLPowerStatus");
+    reportError(Power_setBLPowerStatus(power, statusOf(on)), "setBLPowerStatus");
 }
 
 void tabPowerDlg::CANClicked(bool on)
 {
-    write(Config_setCanStartupPowerConfig, Power_setCanPowerStatus, on ? STATUS_ON : STATUS_OFF,
+    write(Config_setCanStartupPowerConfig, Power_setCanPowerStatus, statusOf(on),
         "setCanPowerStatus");
 }
 
 void tabPowerDlg::ExtFanClicked(bool on)
 {
-    write(Config_setExtFanStartupPowerConfig, Power_setExtFanPowerStatus,
-        on ? STATUS_ON : STATUS_OFF, "setExtFanPowerStatus");
+    write(Config_setExtFanStartupPowerConfig, Power_setExtFanPowerStatus, statusOf(on),
+        "setExtFanPowerStatus");
 }
 
 void tabPowerDlg::VideoClicked()

@@ -1,5 +1,6 @@
 #include "telematics/tabTelematicsDlg.h"
 
+#include "frame/deviceStatus.h"
 #include "frame/endWithApplication.h"
 #include "platform/platform.h"
 #include "telematics/telematicsState.h"
@@ -21,11 +22,6 @@ constexpr int gsmTab = 2;
 constexpr unsigned long longestThreadEnd = 10000; // milliseconds
 constexpr int lineSettling = 50;                  // milliseconds after opening
 constexpr std::size_t longestPortName = 255;      // bytes
-
-std::int32_t statusOf(bool on)
-{
-    return on ? STATUS_ON : STATUS_OFF;
-}
 
 QString portName(SettingsHandle settings, const char *key, const char *usual)
 {
