@@ -132,7 +132,6 @@ QMap<int, QStringList> BatteryThreadTest::threadCalls()
 // own, and beside it that of a page.
 void BatteryThreadTest::followsTheBatteryAndThePageStopsIt()
 {
-    deviceErrorText(DEVICE_OK); // the test's thread is the journal's first
     setUnit("Battery.voltageLevel"_s, "63"_s);
     const auto thread = std::make_unique<MyThread>();
     const Received received(*thread);
@@ -181,7 +180,6 @@ void BatteryThreadTest::followsTheBatteryAndThePageStopsIt()
 
 void BatteryThreadTest::pageWaitsForNoThread()
 {
-    deviceErrorText(DEVICE_OK);
     QCOMPARE(virtualunit::setDelay("Battery_isAvailable", 3000), std::string());
     auto page = std::make_unique<tabPowerDlg>();
     QElapsedTimer clock;
@@ -198,7 +196,6 @@ void BatteryThreadTest::pageWaitsForNoThread()
 /** One flag serves all pages that there will be. */
 void BatteryThreadTest::nextPageDoesntReviveTheThread()
 {
-    deviceErrorText(DEVICE_OK);
     auto page = std::make_unique<tabPowerDlg>();
     page.reset();
     batteryKeepRunning.store(1);
@@ -213,7 +210,6 @@ void BatteryThreadTest::nextPageDoesntReviveTheThread()
 
 void BatteryThreadTest::onePassWaitsBetweenItsCalls()
 {
-    deviceErrorText(DEVICE_OK);
     const auto thread = std::make_unique<HurriedThread>();
     const Received received(*thread);
     thread->runUntil(&MyThread::newLevel);
@@ -233,7 +229,6 @@ void BatteryThreadTest::failuresAreTexts()
 {
     QFETCH(QString, operation);
     QFETCH(int, code);
-    deviceErrorText(DEVICE_OK);
     setUnit("Battery.chargingStatus"_s, "2"_s);
     setUnit("Battery.powerSource"_s, "0"_s);
     setUnit("Battery.voltageLevel"_s, "88"_s);
@@ -267,7 +262,6 @@ void BatteryThreadTest::stopInTheMiddleFinishesThePass()
 {
     QFETCH(bool, afterSource);
     QFETCH(int, pauses);
-    deviceErrorText(DEVICE_OK);
     const auto thread = std::make_unique<HurriedThread>();
     const Received received(*thread);
     thread->runUntil(afterSource ? &MyThread::newLabel : &MyThread::newCharge);
@@ -278,7 +272,6 @@ void BatteryThreadTest::stopInTheMiddleFinishesThePass()
 
 void BatteryThreadTest::passesGoOn()
 {
-    deviceErrorText(DEVICE_OK);
     const auto thread = std::make_unique<HurriedThread>();
     thread->runUntil(&MyThread::newCharge, 3);
     QCOMPARE(threadCalls().value(2).filter("_get"_s).size(), 9);
@@ -296,7 +289,6 @@ void BatteryThreadTest::endsAtOnceWithoutBattery_data()
 void BatteryThreadTest::endsAtOnceWithoutBattery()
 {
     QFETCH(int, code);
-    deviceErrorText(DEVICE_OK);
     setUnit("Battery.available"_s, "false"_s);
     fault("Battery_isAvailable"_s, code);
     const auto thread = std::make_unique<MyThread>();
@@ -311,7 +303,6 @@ void BatteryThreadTest::endsAtOnceWithoutBattery()
 
 void BatteryThreadTest::stopsWithinOneStep()
 {
-    deviceErrorText(DEVICE_OK);
     const auto thread = std::make_unique<MyThread>();
     thread->start();
     QTRY_COMPARE(int(batteryKeepRunning.load()), 1);

@@ -47,7 +47,7 @@ private:
     {
         return child<QCheckBox>(&page, box)->isChecked();
     }
-    /** The calls of the main thread alone, which runs first. */
+    /** The calls of the main thread alone. */
     QStringList pageCalls();
 };
 
@@ -65,10 +65,6 @@ const QStringList startupReads{"Config_getCanStartupPowerConfig() = 0 [0]"_s,
 void PowerPageTest::init()
 {
     PageTest::init();
-    // The journal numbers threads as they come; a battery thread of the row before may still be
-    // about to end.
-    deviceErrorText(DEVICE_OK);
-    journal();
     setUnit("Power.canPowerStatus"_s, "1"_s);
     setUnit("Power.extFanPowerStatus"_s, "0"_s);
     setUnit("Power.videoPowerStatus"_s, "5"_s);
@@ -79,10 +75,7 @@ void PowerPageTest::init()
 
 QStringList PowerPageTest::pageCalls()
 {
-    QStringList own;
-    for (const QString &call : journal().filter(QRegularExpression(QStringLiteral("^T1 "))))
-        own << call.mid(3).remove(QRegularExpression(QStringLiteral("#\\d+(, )?| = #\\d+")));
-    return withoutErrorTexts(own);
+    return withoutErrorTexts(mainThreadCalls());
 }
 
 void PowerPageTest::form()

@@ -62,6 +62,31 @@ std::string bytes(const QString &text)
     return text.toStdString();
 }
 
+QString withoutHandle(const virtualunit::Call &call)
+{
+    QString line =
+        text(call.operation) + QLatin1Char('(') + text(call.arguments) + QLatin1Char(')');
+    const QString result = text(call.result);
+    if (!result.isEmpty() && !result.startsWith(QLatin1Char('#')))
+        line += QLatin1String(" = ") + result;
+    if (!call.outs.empty())
+        line += QLatin1String(" [") + text(call.outs) + QLatin1Char(']');
+    return line;
+}
+
+/** The number of the calling thread, which the journal gives in the order of first calls: a page's
+ *  thread that is about to end may have been before us. */
+unsigned ownNumber()
+{
+    constexpr DeviceCode unique = 4711;
+    deviceErrorText(unique);
+    for (const virtualunit::Call &call : virtualunit::takeJournal()) {
+        if (call.operation == "deviceErrorText" && call.arguments == std::to_string(unique))
+            return call.thread;
+    }
+    qFatal("the journal has no call of ours");
+}
+
 void require(const virtualunit::Error &error)
 {
     if (!error.empty())
@@ -201,15 +226,17 @@ void DeviceTest::clearFaults()
 QStringList DeviceTest::calls()
 {
     QStringList lines;
+    for (const virtualunit::Call &call : virtualunit::takeJournal())
+        lines << withoutHandle(call);
+    return lines;
+}
+
+QStringList DeviceTest::mainThreadCalls()
+{
+    QStringList lines;
     for (const virtualunit::Call &call : virtualunit::takeJournal()) {
-        QString line =
-            text(call.operation) + QLatin1Char('(') + text(call.arguments) + QLatin1Char(')');
-        const QString result = text(call.result);
-        if (!result.isEmpty() && !result.startsWith(QLatin1Char('#')))
-            line += QLatin1String(" = ") + result;
-        if (!call.outs.empty())
-            line += QLatin1String(" [") + text(call.outs) + QLatin1Char(']');
-        lines << line;
+        if (call.thread == mainThread)
+            lines << withoutHandle(call);
     }
     return lines;
 }
@@ -235,6 +262,7 @@ void DeviceTest::init()
     require(virtualunit::open(":memory:"));
     useProfile(QStringLiteral("full"));
     virtualunit::startJournal();
+    mainThread = ownNumber();
 }
 
 void DeviceTest::cleanup()

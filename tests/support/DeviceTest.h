@@ -102,7 +102,9 @@ protected:
     /** The calls since the last time, without handles and threads: "Buzzer_create()",
      *  "Buzzer_getVolume() = 0 [25]", "Buzzer_setVolume(30) = 0". */
     QStringList calls();
-    /** The same with thread and handle numbers, as the journal's file has them. */
+    /** Those of them that this thread made. */
+    QStringList mainThreadCalls();
+    /** All with thread and handle numbers, as the journal's file has them. */
     QStringList journal();
     /** Qt's warnings since the last time. */
     static QStringList takeWarnings();
@@ -110,6 +112,9 @@ protected:
 protected slots:
     void init();
     void cleanup();
+
+private:
+    unsigned mainThread = 0; // its number in the journal
 };
 
 #define VORN_TEST_MAIN(Test)                    \
