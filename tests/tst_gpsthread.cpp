@@ -502,7 +502,7 @@ private slots:
         // A queue may grow in one round, a leak does in all of them. One stream for each chunk
         // would be at least its 512 bytes.
         QVERIFY2(growth < 100 * 256, qPrintable(QString::number(growth)));
-        QVERIFY(reader.stop(line));
+        QVERIFY(reader.stop()); // the line may still be full
     }
 };
 
