@@ -9,6 +9,7 @@
 namespace {
 
 constexpr unsigned long pauseBetweenChunks = 10; // milliseconds
+constexpr int mostLabelsUnderWay = 500;
 
 /** A thread that its page gave up ends by itself, though the next one has set the flag again. */
 bool keepsRunning()
@@ -32,6 +33,12 @@ QString antennaText(DeviceCode code, std::int32_t status)
                        : QStringLiteral("GPS antenna status: Error: Open or short");
 }
 
+MyGPSThread::MyGPSThread()
+{
+    // Queued like the page's slots, so it tells how far the window has come.
+    connect(this, &MyGPSThread::newLabel, this, [this] { --labelsUnderWay; });
+}
+
 void MyGPSThread::run()
 {
     GpsLineShare line;
@@ -41,7 +48,7 @@ void MyGPSThread::run()
     while (keepsRunning()) {
         std::int32_t antenna = 0;
         const DeviceCode code = Telematics_getGPSAntennaStatus(telematics, &antenna);
-        emit newLabel(antennaText(code, antenna));
+        showAntenna(antennaText(code, antenna));
         std::array<char, 512> buffer{};
         // A result would say nothing that the buffer doesn't: what came in time is there.
         serialRead(gpsPort, buffer.data(), buffer.size());
@@ -54,6 +61,16 @@ void MyGPSThread::run()
     }
     telematics.release();
     line.giveBack();
+}
+
+/** Without a line the labels come faster than a busy window takes them, and would fill the memory.
+ */
+void MyGPSThread::showAntenna(const QString &text)
+{
+    if (labelsUnderWay >= mostLabelsUnderWay)
+        return;
+    ++labelsUnderWay;
+    emit newLabel(text);
 }
 
 /** Sentences are not put together across chunks: each piece of a cut one is looked at by itself. */

@@ -6,6 +6,7 @@
 #include "frame/VornAux2.h"
 #include "telematics/gpsParser.h"
 
+#include <atomic>
 #include <cstdint>
 
 /** What the page says of the antenna.
@@ -18,14 +19,15 @@ QString antennaText(DeviceCode code, std::int32_t status);
  * show. The line is opened and configured before the thread starts; the thread closes it and
  * clears gpsPort when it ends. It ends after gpsKeepRunning was set to 0 or its interruption was
  * requested, within one read, and has a device handle of its own. Without a usable line it goes on
- * asking for the antenna, without pause.
+ * asking for the antenna, without pause; while this object's own thread, the window's, is some
+ * hundred labels behind, no further one is sent.
  */
 class MyGPSThread : public QThread
 {
     Q_OBJECT
 
 public:
-    using QThread::QThread;
+    MyGPSThread();
 
 signals:
     void newText(const QString &text);  ///< a chunk as read, line ends included
@@ -41,6 +43,9 @@ protected:
     void run() override;
 
 private:
+    void showAntenna(const QString &text);
     void showLines(std::string_view chunk, GpsFields &fields);
     void show(const GpsTexts &texts);
+
+    std::atomic<int> labelsUnderWay{0};
 };

@@ -205,6 +205,21 @@ private slots:
         QCOMPARE(reader.raw, QStringList());
     }
 
+    void labelsWaitForTheWindow()
+    {
+        std::atomic<int> sent{0};
+        Reader reader;
+        connect(
+            &reader.thread, &MyGPSThread::newLabel, &reader.thread, [&sent] { ++sent; },
+            Qt::DirectConnection);
+        reader.start();
+        const int before = sent;
+        QThread::msleep(1000); // a busy window
+        QVERIFY2(sent - before <= 500, qPrintable(QString::number(sent - before)));
+        QTRY_VERIFY(sent - before > 1500);
+        QVERIFY(reader.stop());
+    }
+
     void unconfiguredLine()
     {
         PseudoTerminal line;
