@@ -1,5 +1,7 @@
 #include "platform/platform.h"
 
+#include "platform/calendarLine.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QMessageBox>
@@ -133,8 +135,7 @@ std::string timeStampLine(std::int64_t secondsSince1970)
     const auto time = static_cast<std::time_t>(secondsSince1970);
     std::tm local{};
     tzset();
-    const char *line = localtime_r(&time, &local) ? std::asctime(&local) : nullptr;
-    return line ? line : "\n";
+    return localtime_r(&time, &local) ? calendarLine(local) : "\n";
 }
 
 std::filesystem::path hardwareErrorLog()

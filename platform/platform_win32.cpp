@@ -1,7 +1,8 @@
 #include "platform/platform.h"
 
+#include "platform/calendarLine.h"
+
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -173,17 +174,7 @@ std::string timeStampLine(std::int64_t secondsSince1970)
 {
     const __time64_t time = secondsSince1970;
     const std::tm *local = _localtime64(&time);
-    if (!local)
-        return "\n";
-    // The system's own asctime() writes the first of a month as 01, and no other system does.
-    constexpr const char *days[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr const char *months[] = {
-        "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    std::array<char, 64> line{};
-    std::snprintf(line.data(), line.size(), "%s %s%3d %02d:%02d:%02d %d\n", days[local->tm_wday],
-        months[local->tm_mon], local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec,
-        local->tm_year + 1900);
-    return line.data();
+    return local ? calendarLine(*local) : "\n";
 }
 
 std::filesystem::path hardwareErrorLog()

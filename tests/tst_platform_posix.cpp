@@ -146,6 +146,9 @@ void PlatformPosixTest::timeStampLine_data()
     row("UTC", -1, "Wed Dec 31 23:59:59 1969\n");
     row("UTC", 4102444800, "Fri Jan  1 00:00:00 2100\n");
     row("<+01>-1", 0, "Thu Jan  1 01:00:00 1970\n");
+    row("UTC", 253402300799, "Fri Dec 31 23:59:59 9999\n");
+    row("UTC", 253402300800, "Sat Jan  1 00:00:00 10000\n");
+    row("UTC", -62167219201, "Fri Dec 31 23:59:59 -1\n");
     row("UTC", std::numeric_limits<qint64>::max(), "\n");
     row("UTC", std::numeric_limits<qint64>::min(), "\n");
 }
