@@ -37,7 +37,7 @@ public slots:
     void exit();
     /** Shows that page instead of the present one; does nothing if there is none, index 0 to 15. */
     void showTab(int index);
-    /** Shows the menu; if it shows already, closes the window. */
+    /** Shows the menu. */
     void menuClicked();
 
 protected:
