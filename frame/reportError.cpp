@@ -32,6 +32,7 @@ void reportError(std::int32_t code, const char *operation)
     }
     QMessageBox box;
     box.setWindowTitle(QStringLiteral("Vornsettings"));
+    box.setTextFormat(Qt::PlainText); // a device's text may look like markup
     box.setText(text);
     box.setIcon(QMessageBox::Critical);
     box.exec();

@@ -30,6 +30,7 @@ void tabDlg::showMessage(const QString &text)
 {
     QMessageBox box(this);
     box.setWindowTitle(title);
+    box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setIcon(QMessageBox::Critical);
     box.exec();

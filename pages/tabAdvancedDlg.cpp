@@ -54,6 +54,7 @@ QMessageBox::StandardButton showBox(QWidget *page, QMessageBox::Icon icon, const
     const QString &text, QMessageBox::StandardButtons buttons = QMessageBox::Ok)
 {
     QMessageBox box(icon, QString::fromLatin1(title), text, buttons, page);
+    box.setTextFormat(Qt::PlainText);
     return QMessageBox::StandardButton(box.exec());
 }
 

@@ -37,6 +37,7 @@ private:
         QCOMPARE(box.className, QStringLiteral("QMessageBox"));
         QCOMPARE(box.title, QStringLiteral("Vornsettings"));
         QCOMPARE(box.text, text);
+        QCOMPARE(box.format, Qt::PlainText);
         QCOMPARE(box.icon, QMessageBox::Critical);
         QCOMPARE(box.buttons, QStringList(QStringLiteral("OK")));
         QCOMPARE(box.parent, parent);

@@ -20,6 +20,7 @@ struct Dialog {
     QString title;
     QString text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
+    Qt::TextFormat format = Qt::AutoText; ///< of a message box's text
     QStringList buttons; ///< captions of a message box's buttons: "Yes", "No", "OK"
     QWidget *parent = nullptr;
     bool modal = false;

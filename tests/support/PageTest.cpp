@@ -226,6 +226,8 @@ QString difference(const support::Dialog &box, const QWidget *page)
         odd << box.className;
     if (box.title != QLatin1String("Vornsettings"))
         odd << QLatin1String("title ") + box.title;
+    if (box.format != Qt::PlainText)
+        odd << QStringLiteral("format %1").arg(box.format);
     if (box.icon != QMessageBox::Critical)
         odd << QStringLiteral("icon %1").arg(box.icon);
     if (box.buttons != QStringList{QStringLiteral("OK")})
