@@ -2,6 +2,8 @@
 
 #include "frame/deviceStatus.h"
 
+#include <QScopedValueRollback>
+
 namespace {
 
 constexpr int refreshInterval = 500; // milliseconds
@@ -95,8 +97,10 @@ void tabBacklightDlg::refreshIntensity()
     std::uint8_t intensity = 0;
     const auto code = Backlight_getIntensity(backlight, &intensity);
     if (code == DEVICE_OK) {
-        if (intensity == lastIntensity)
+        // Behind the box of a refused echo the rounds go on, but pile up no more boxes on it.
+        if (intensity == lastIntensity || takesOver)
             return;
+        const QScopedValueRollback<bool> taking(takesOver, true);
         ui->sliderBacklightLevel->setValue(intensity);
         ui->labelBLLevel->setText(QString::number(intensity));
         lastIntensity = intensity;

@@ -39,6 +39,7 @@ private slots:
     void refreshItselfSetsTheLabel();
     void echoFailure_data();
     void echoFailure();
+    void refusedEchoesDontPileUp();
     void intensityFailure_data();
     void intensityFailure();
     void timerStandsBeforeTheBoxOpens();
@@ -258,7 +259,8 @@ void DisplayPageTest::ledDimmingIsOnForOneOnly_data()
     QTest::newRow("0") << "0"_s << false;
     QTest::newRow("1") << "1"_s << true;
     QTest::newRow("2") << "2"_s << false;
-    QTest::newRow("255") << "255"_s << false;
+    QTest::newRow("257") << "257"_s << false;
+    QTest::newRow("-1") << "-1"_s << false;
 }
 
 void DisplayPageTest::ledDimmingIsOnForOneOnly()
@@ -280,6 +282,9 @@ void DisplayPageTest::sensitivityStaysInRange_data()
     QTest::newRow("2") << "2"_s << 2;
     QTest::newRow("17") << "17"_s << 17;
     QTest::newRow("200") << "200"_s << 17;
+    QTest::newRow("greatest of 31 bits") << "2147483647"_s << 17;
+    QTest::newRow("negative in 32 bits") << "2147483648"_s << 2;
+    QTest::newRow("greatest") << "4294967295"_s << 2;
 }
 
 void DisplayPageTest::sensitivityStaysInRange()
@@ -417,6 +422,31 @@ void DisplayPageTest::echoFailure()
     QCOMPARE(calls(), (QStringList{read, health}));
     QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
     QVERIFY(timer.isActive());
+}
+
+void DisplayPageTest::refusedEchoesDontPileUp()
+{
+    tabBacklightDlg page;
+    HeldTimer timer(&page);
+    page.show();
+    fault("Backlight_setIntensity"_s, 5);
+    QStringList behindTheBox;
+    dialogs.plan([&](QDialog *box) {
+        setUnit("Backlight.intensity"_s, "90"_s);
+        calls();
+        QVERIFY(timer.fire());
+        behindTheBox = calls();
+        box->accept();
+    });
+    QVERIFY(timer.fire());
+    const auto box = errorBox(5, "setIntensity"_s);
+    QCOMPARE(boxes(&page), QStringList{box});
+    QCOMPARE(behindTheBox, (QStringList{"Backlight_getIntensity() = 0 [90]"_s,
+                               "Backlight_getHealthStatus() = 0 [true]"_s}));
+    QVERIFY(timer.fire());
+    QCOMPARE(boxes(&page), QStringList{box});
+    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 90);
+    QCOMPARE(text(page, "labelBLLevel"), "90"_s);
 }
 
 void DisplayPageTest::intensityFailure_data()
