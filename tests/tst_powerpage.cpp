@@ -96,6 +96,8 @@ void PowerPageTest::form()
             "checkBoxVideo_2: QCheckBox \"Video Ch 2\""_s,
             "checkBoxVideo_3: QCheckBox \"Video Ch 3\" checked"_s,
             "checkBoxVideo_4: QCheckBox \"Video Ch 4\""_s, "icon: QLabel energy.png centred"_s}));
+    for (const char *label : {"label", "label_2", "label_3"})
+        QCOMPARE(child<QLabel>(&page, label)->textFormat(), Qt::PlainText);
     const auto *level = child<QProgressBar>(&page, "progressBar");
     QCOMPARE(level->value(), 24);
     QCOMPARE(level->minimum(), 0);
@@ -238,11 +240,13 @@ void PowerPageTest::failingReadsFromTheStart()
 
 void PowerPageTest::onlyOneCountsAsOn()
 {
-    setUnit("Power.canPowerStatus"_s, "2"_s);
+    setUnit("Power.canPowerStatus"_s, "257"_s);
+    setUnit("Power.extFanPowerStatus"_s, "-1"_s);
     setUnit("Power.videoPowerStatus"_s, "250"_s);
     tabPowerDlg page;
     page.show();
     QVERIFY(!checked(page, "checkBoxCAN"));
+    QVERIFY(!checked(page, "checkBoxExtFan"));
     QVERIFY(!checked(page, "checkBoxVideo_1"));
     QVERIFY(checked(page, "checkBoxVideo_2"));
     QVERIFY(!checked(page, "checkBoxVideo_3"));
