@@ -1,8 +1,13 @@
 #include "frame/graphicalMode.h"
+#include "pages/tabAdvancedDlg.h"
 #include "report/factoryDefaults.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/WindowSweep.h"
 #include "tests/tinyunit/foreignunit.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
 
 /**
  * The whole program on a device library that is not ours and answers anything: values out of every
@@ -18,6 +23,8 @@ class ForeignUnitTest : public WindowSweep
 private slots:
     void window_data() { seeds(); }
     void window();
+    void jobs_data() { seeds(); }
+    void jobs();
     void reset_data() { seeds(); }
     void reset();
 
@@ -49,6 +56,37 @@ void ForeignUnitTest::window()
     // The LED page hands on whatever colour the device has; only Qt's style sheets mind.
     for (const QString &warning : takeWarnings())
         QCOMPARE(warning, QStringLiteral("QColor::fromRgb: RGB parameters out of range"));
+}
+
+void ForeignUnitTest::jobs()
+{
+    QFETCH(int, seed);
+    seedForeignUnit(std::uint64_t(seed));
+    const support::SkippedPauses pauses;
+    int jobsDone = 0;
+    dialogs.setDefaultAnswer([&jobsDone](QDialog *dialog) {
+        auto *box = qobject_cast<QMessageBox *>(dialog);
+        if (box && box->button(QMessageBox::Yes))
+            return box->button(QMessageBox::Yes)->click();
+        jobsDone += box && (box->text().contains(QLatin1String("succeeded!")) ||
+                               box->text().contains(QLatin1String("failed in state")));
+        dialog->accept();
+    });
+    tabAdvancedDlg page;
+    page.show();
+    auto *path = support::child<QLineEdit>(&page, "editFileName");
+    for (const QString &suffix : {QStringLiteral(".mcs"), QStringLiteral(".hex")}) {
+        path->setText(QLatin1Char('a') + suffix);
+        for (const bool verifies : {false, true}) {
+            support::child<QCheckBox>(&page, "checkBox")->setChecked(verifies);
+            for (QPushButton *button : page.findChildren<QPushButton *>()) {
+                if (isWorthPressing(button))
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+    }
+    dialogs.take();
+    QVERIFY(jobsDone > 0);
 }
 
 void ForeignUnitTest::reset()

@@ -7,7 +7,8 @@
 
 /**
  * Base of tests in which nothing may come to harm, whatever the unit answers: the window is opened,
- * each of its pages shown, each control pressed once, each dialog answered, the window closed.
+ * each of its pages shown, each control pressed once, each timer fired, each dialog answered, the
+ * window closed.
  * There are no serial lines, and the program's pauses are skipped.
  */
 class WindowSweep : public DeviceTest

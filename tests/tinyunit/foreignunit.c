@@ -37,7 +37,7 @@ void fill(void *value, size_t size)
         __builtin_inf(), -__builtin_inf(), __builtin_nan("")};
     unsigned char *bytes = value;
     const uint64_t drawn = draw();
-    switch (drawn % 8) {
+    switch (drawn % 10) {
     case 0: /* as it was */
         break;
     case 1:
@@ -51,11 +51,16 @@ void fill(void *value, size_t size)
         bytes[size - 1] ^= 0x80;
         break;
     case 4:
-    case 5: /* small; a text of one letter */
+    case 5:
+    case 6: /* yes, on, or one of them */
+        memset(value, 0, size);
+        bytes[0] = 1;
+        break;
+    case 7: /* a number; a text of one letter */
         memset(value, 0, size);
         bytes[0] = (unsigned char)(drawn >> 8) % 130;
         break;
-    case 6:
+    case 8:
         if (size == sizeof *doubles) {
             memcpy(value, &doubles[(drawn >> 8) % (sizeof doubles / sizeof *doubles)], size);
             break;
