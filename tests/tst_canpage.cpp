@@ -257,7 +257,8 @@ void CanPageTest::frameType_data()
     QTest::newRow("extended") << QStringLiteral("1") << 1;
     QTest::newRow("both") << QStringLiteral("2") << 2;
     QTest::newRow("unknown") << QStringLiteral("3") << 0;
-    QTest::newRow("far off") << QStringLiteral("200") << 0;
+    QTest::newRow("far off") << QStringLiteral("257") << 0;
+    QTest::newRow("negative") << QStringLiteral("-1") << 0;
 }
 
 void CanPageTest::frameType()

@@ -16,6 +16,7 @@
 namespace {
 
 std::uint8_t dutyCycleBesideFailure = 0;
+std::optional<double> frequency;           // instead of the library's own
 std::optional<std::int32_t> standardColor; // instead of the library's own
 
 } // namespace
@@ -30,6 +31,8 @@ DeviceCode FrontLED_getSignal(FrontLEDHandle handle, double *hertz, std::uint8_t
     const DeviceCode code = library(handle, hertz, dutyCycle);
     if (code != DEVICE_OK)
         *dutyCycle = dutyCycleBesideFailure;
+    if (frequency)
+        *hertz = *frequency;
     return code;
 }
 
@@ -72,6 +75,9 @@ private slots:
     void unknownStandardColorIsCustom_data();
     void unknownStandardColorIsCustom();
     void showsColor();
+    void frequencyStaysInRange_data();
+    void frequencyStaysInRange();
+    void colorsBeyondTheDevices();
     void valuesBeyondTheWidgets();
     void startupIsOnForOneOnly_data();
     void startupIsOnForOneOnly();
@@ -183,6 +189,7 @@ void LEDPageTest::init()
     PageTest::init();
     dutyCycleBesideFailure = 0;
     standardColor.reset();
+    frequency.reset();
     setUnit("FrontLED.frequency"_s, "2"_s);
     setUnit("FrontLED.dutyCycle"_s, "50"_s);
     setUnit("FrontLED.idleTime"_s, "10"_s);
@@ -394,6 +401,42 @@ void LEDPageTest::showsColor()
     page.show();
     QCOMPARE(text(page, "label_customcolor"), "R:14 G:1 B:7"_s);
     QCOMPARE(swatch(page), "* { background-color: rgb(238,17,119) }"_s);
+}
+
+void LEDPageTest::frequencyStaysInRange_data()
+{
+    QTest::addColumn<double>("hertz");
+    QTest::addColumn<int>("shown");
+    const double infinite = std::numeric_limits<double>::infinity();
+    QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 2;
+    QTest::newRow("infinite") << infinite << 300;
+    QTest::newRow("huge") << 1e300 << 300;
+    QTest::newRow("negative") << -1.0 << 2;
+    QTest::newRow("negative and huge") << -1e300 << 2;
+    QTest::newRow("negative and infinite") << -infinite << 2;
+}
+
+void LEDPageTest::frequencyStaysInRange()
+{
+    QFETCH(double, hertz);
+    QFETCH(int, shown);
+    frequency = hertz;
+    tabLEDDlg page;
+    page.show();
+    QCOMPARE(child<QSlider>(&page, "sliderFreq")->value(), shown);
+    QCOMPARE(text(page, "labelFreq"), shown == 2 ? "Freq\n 0.2 Hz"_s : "Freq\n 30 Hz"_s);
+}
+
+void LEDPageTest::colorsBeyondTheDevices()
+{
+    setUnit("FrontLED.red"_s, "16"_s);
+    setUnit("FrontLED.green"_s, "200"_s);
+    setUnit("FrontLED.blue"_s, "255"_s);
+    tabLEDDlg page;
+    page.show();
+    QCOMPARE(text(page, "label_customcolor"), "R:16 G:200 B:255"_s);
+    QCOMPARE(swatch(page), "* { background-color: rgb(272,3400,4335) }"_s);
+    takeWarnings(); // Qt minds such a colour
 }
 
 // The page shows its limits then, but the duty cycle in full beside its slider.

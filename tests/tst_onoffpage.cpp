@@ -254,6 +254,8 @@ void OnOffPageTest::actionsSelectTheirItems_data()
     QTest::newRow("suspend") << true << 1 << 1 << true;
     QTest::newRow("shut down") << true << 2 << 2 << true;
     QTest::newRow("unknown") << true << 3 << -1 << false;
+    QTest::newRow("far off") << true << 257 << -1 << false;
+    QTest::newRow("negative") << true << -1 << -1 << false;
     QTest::newRow("none, without suspend") << false << 0 << 0 << true;
     QTest::newRow("suspend, without suspend") << false << 1 << -1 << true;
     QTest::newRow("shut down, without suspend") << false << 2 << 1 << true;
@@ -293,6 +295,8 @@ void OnOffPageTest::triggersSelectTheirItems_data()
     QTest::newRow("both") << 3 << 2;
     QTest::newRow("0") << 0 << -1;
     QTest::newRow("4") << 4 << -1;
+    QTest::newRow("far off") << 257 << -1;
+    QTest::newRow("negative") << -1 << -1;
 }
 
 void OnOffPageTest::triggersSelectTheirItems()

@@ -358,6 +358,8 @@ void TouchPageTest::mode_data()
     QTest::newRow("mouse") << QStringLiteral("2") << true;
     QTest::newRow("touch") << QStringLiteral("3") << false;
     QTest::newRow("unknown") << QStringLiteral("4") << false;
+    QTest::newRow("far off") << QStringLiteral("258") << false;
+    QTest::newRow("negative") << QStringLiteral("-1") << false;
 }
 
 void TouchPageTest::mode()

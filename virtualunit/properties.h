@@ -22,7 +22,8 @@ constexpr Spec integer(std::string_view name, double low, double high, double va
 constexpr Spec choice(std::string_view name, double low, double high, double value,
     std::string_view measure, std::string_view description)
 {
-    return {name, Kind::Integer, {0, 255}, {low, high}, value, {}, measure, description};
+    return {
+        name, Kind::Integer, {INT32_MIN, INT32_MAX}, {low, high}, value, {}, measure, description};
 }
 
 constexpr Spec onOff(std::string_view name, bool value, std::string_view description)

@@ -11,13 +11,13 @@ QString latin1(const char *text)
     return QString::fromLatin1(text);
 }
 
-constexpr int failureCodes[] = {2, 18, 20, 5, -1};
-
 /** Read before any test, since each call on the library goes to the journal. */
 QMap<int, QString> readErrorTexts()
 {
     QMap<int, QString> texts;
     for (int code = -1; code <= 40; ++code)
+        texts[code] = latin1(deviceErrorText(code));
+    for (const int code : support::failureCodes)
         texts[code] = latin1(deviceErrorText(code));
     return texts;
 }

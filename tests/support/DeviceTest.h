@@ -65,6 +65,10 @@ private:
     QList<QPointer<QDialog>> open;
 };
 
+/** The codes that every operation is tried with: the device's special ones and faults, the last of
+ *  which looks like "not supported" in 8 and in 16 bits. */
+inline constexpr int failureCodes[] = {2, 18, 20, 5, -1, 65538};
+
 /** The widget of that kind and name below the page; ends the test program if there is none. */
 template <typename Widget>
 Widget *child(const QWidget *page, const char *name)

@@ -76,8 +76,7 @@ class PageTest : public DeviceTest
     Q_OBJECT
 
 protected:
-    /** The codes that every operation is tried with: the device's special ones and two faults. */
-    static constexpr int failureCodes[] = {2, 18, 20, 5, -1};
+    static constexpr auto &failureCodes = support::failureCodes;
 
     /** A row "operation = code" for each of these operations and each of those codes. Columns:
      *  operation, code. */
