@@ -16,7 +16,7 @@
 namespace {
 
 std::uint8_t dutyCycleBesideFailure = 0;
-std::optional<double> frequency;           // instead of the library's own
+std::optional<double> deviceFrequency;     // instead of the library's own
 std::optional<std::int32_t> standardColor; // instead of the library's own
 
 } // namespace
@@ -31,8 +31,8 @@ DeviceCode FrontLED_getSignal(FrontLEDHandle handle, double *hertz, std::uint8_t
     const DeviceCode code = library(handle, hertz, dutyCycle);
     if (code != DEVICE_OK)
         *dutyCycle = dutyCycleBesideFailure;
-    if (frequency)
-        *hertz = *frequency;
+    if (deviceFrequency)
+        *hertz = *deviceFrequency;
     return code;
 }
 
@@ -189,7 +189,7 @@ void LEDPageTest::init()
     PageTest::init();
     dutyCycleBesideFailure = 0;
     standardColor.reset();
-    frequency.reset();
+    deviceFrequency.reset();
     setUnit("FrontLED.frequency"_s, "2"_s);
     setUnit("FrontLED.dutyCycle"_s, "50"_s);
     setUnit("FrontLED.idleTime"_s, "10"_s);
@@ -420,7 +420,7 @@ void LEDPageTest::frequencyStaysInRange()
 {
     QFETCH(double, hertz);
     QFETCH(int, shown);
-    frequency = hertz;
+    deviceFrequency = hertz;
     tabLEDDlg page;
     page.show();
     QCOMPARE(child<QSlider>(&page, "sliderFreq")->value(), shown);
