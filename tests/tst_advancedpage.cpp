@@ -32,7 +32,8 @@ namespace {
 struct Questions {
     std::function<void(int)> asked; ///< at each question, with its number from 0
     QQueue<FirmwareUpgradeStatus>
-        answers; ///< given instead of the library's own, as long as it lasts
+        answers;                 ///< given instead of the library's own, as long as it lasts
+    DeviceCode code = DEVICE_OK; ///< beside these answers
     int count = 0;
     FirmwareUpgradeStatus last = {};
     bool alwaysWaits = true;
@@ -55,10 +56,12 @@ DeviceCode Firmware_getUpgradeStatus(
     ++questions.count;
     questions.alwaysWaits = questions.alwaysWaits && wait;
     DeviceCode code = DEVICE_OK;
-    if (questions.answers.isEmpty())
+    if (questions.answers.isEmpty()) {
         code = library(handle, status, wait);
-    else
+    } else {
         *status = questions.answers.dequeue();
+        code = questions.code;
+    }
     questions.last = *status;
     return code;
 }
@@ -261,6 +264,8 @@ private slots:
     void states();
     void failingQueryIsNotDetected_data();
     void failingQueryIsNotDetected();
+    void recordOfFailingQueryCounts_data();
+    void recordOfFailingQueryCounts();
     void closedDuringJob();
     void closedDuringFailingJob();
     void umlautsInPath();
@@ -1008,6 +1013,29 @@ void AdvancedPageTest::failingQueryIsNotDetected()
         QStringList({QStringLiteral("Fetching data..."), QStringLiteral("Initiating"),
             QStringLiteral("Initiating"), QStringLiteral("Initiating")}));
     QCOMPARE(describe(dialogs.take()), QStringList({upgradeQuestion(), upgraded()}));
+}
+
+// What a record says counts, whatever the query returned beside it.
+void AdvancedPageTest::recordOfFailingQueryCounts_data()
+{
+    addFailureRows({"Firmware_getUpgradeStatus"_s});
+}
+
+void AdvancedPageTest::recordOfFailingQueryCounts()
+{
+    QFETCH(int, code);
+    Page page;
+    questions.code = code;
+    QStringList labels;
+    questions.asked = [&](int) { labels << page.progress()->labelText(); };
+
+    prepare(page, jobs[4], QStringLiteral("/tmp/a.hex"));
+    questions.answers.append({FIRMWARE_FLASHING, 40, 0});
+    questions.answers.append({FIRMWARE_DONE, 100, 0});
+    click(page.front);
+    QCOMPARE(labels.value(1), QStringLiteral("Flashing"));
+    QCOMPARE(page.progress()->labelText(), QStringLiteral("Done"));
+    QCOMPARE(describe(dialogs.take()), QStringList(verified()));
 }
 
 void AdvancedPageTest::closedDuringJob()

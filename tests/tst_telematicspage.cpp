@@ -274,11 +274,11 @@ void TelematicsPageTest::storedNamesAreShownAndKept()
 {
     {
         const tabTelematicsDlg page;
-        child<QLineEdit>(&page, "lineEditGSMdev")->setText("ttyUSB2"_s);
+        child<QLineEdit>(&page, "lineEditGSMdev")->setText(QString::fromUtf8("tty\u00c9\u20ac"));
         child<QLineEdit>(&page, "lineEditGPSdev")->setText("/dev/ttyS7"_s);
     }
     const tabTelematicsDlg page;
-    QCOMPARE(text(page, "lineEditGSMdev"), "ttyUSB2"_s);
+    QCOMPARE(text(page, "lineEditGSMdev"), QString::fromUtf8("tty\u00c9\u20ac"));
     QCOMPARE(text(page, "lineEditGPSdev"), "/dev/ttyS7"_s);
 }
 
