@@ -116,7 +116,13 @@ int endWhileReading(int argc, char *argv[])
     tabTelematicsDlg page;
     page.show();
     child<QTabWidget>(&page, "tabWidget")->setCurrentIndex(1);
-    return gpsPort.load() ? 0 : 1;
+    // The thread asks for the antenna, and then nothing keeps it from reading.
+    const auto reads = [] {
+        QFile journal(qEnvironmentVariable("VORN_JOURNAL"));
+        return journal.open(QIODevice::ReadOnly) &&
+               journal.readAll().contains("T2 Telematics_getGPSAntennaStatus(");
+    };
+    return QTest::qWaitFor(reads, threadEnd) && gpsPort.load() ? 0 : 1;
 }
 
 } // namespace
