@@ -272,7 +272,7 @@ void DeviceTest::cleanup()
     qInstallMessageHandler(testlibHandler);
     QCOMPARE(dialogs.takeTexts(), QStringList());
     const QStringList said = takeWarnings();
-    QVERIFY2(said.isEmpty(), qPrintable(said.join(QLatin1Char(0x0A))));
+    QVERIFY2(said.isEmpty(), qPrintable(said.join(QLatin1Char('\n'))));
     for (const QWidget *window : QApplication::topLevelWidgets())
         QVERIFY2(
             !window->isVisible(), qPrintable(QLatin1String("left open: ") + window->objectName()));

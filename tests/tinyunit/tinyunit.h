@@ -4,6 +4,9 @@
 
 #include <stddef.h>
 
+/* What the generated operations are made of, as the tiny unit has it. The foreign unit has its own
+ * of each, which answer anything. */
+
 /** What every operation answers: the number in TINYUNIT_CODE, 18 without it. */
 DeviceCode answer(void);
 
