@@ -1,7 +1,7 @@
 #include "bench/firstpaint.h"
-#include "frame/TabIndex.h"
-#include "frame/VornSettings.h"
-#include "frame/graphicalMode.h"
+#include "frame/window/TabIndex.h"
+#include "frame/window/VornSettings.h"
+#include "frame/window/graphicalMode.h"
 
 #include <QApplication>
 

@@ -1,5 +1,5 @@
 #include "bench/firstpaint.h"
-#include "frame/graphicalMode.h"
+#include "frame/window/graphicalMode.h"
 
 #include <QCoreApplication>
 

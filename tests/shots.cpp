@@ -1,10 +1,10 @@
 /* Pictures of the real window on the virtual unit, for the documents and for whoever changes the
  * look: vornshots DIR. Each run gives the same pictures, on any desktop and without one. */
 
-#include "frame/TabIndex.h"
-#include "frame/VornSettings.h"
-#include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
+#include "frame/window/TabIndex.h"
+#include "frame/window/VornSettings.h"
+#include "frame/window/graphicalMode.h"
 #include "tests/support/DeviceTest.h"
 #include "virtualunit/VirtualUnit.h"
 

@@ -1,7 +1,7 @@
 #include "tests/support/DeviceTest.h"
 
 #include "frame/VornAux2.h"
-#include "virtualunit/codes.h"
+#include "virtualunit/state/codes.h"
 
 #include <QSet>
 

@@ -4,7 +4,7 @@
 
 #include "frame/DeviceHandle.h"
 #include "virtualunit/VirtualUnit.h"
-#include "virtualunit/codes.h"
+#include "virtualunit/state/codes.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "frame/graphicalMode.h"
+#include "frame/window/graphicalMode.h"
 #include "pages/tabAdvancedDlg.h"
 #include "report/factoryDefaults.h"
 #include "tests/support/SkippedPauses.h"

@@ -1,7 +1,7 @@
-#include "frame/graphicalMode.h"
+#include "frame/window/graphicalMode.h"
 
-#include "frame/VornSettings.h"
-#include "frame/tabMenuDlg.h"
+#include "frame/window/VornSettings.h"
+#include "frame/window/tabMenuDlg.h"
 #include "tests/support/unit.h"
 
 #include <QApplication>

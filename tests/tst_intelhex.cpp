@@ -1,7 +1,7 @@
-#include "virtualunit/IntelHex.h"
+#include "virtualunit/firmware/IntelHex.h"
 
 #include "tests/support/hexFile.h"
-#include "virtualunit/codes.h"
+#include "virtualunit/state/codes.h"
 
 #include <QtTest>
 

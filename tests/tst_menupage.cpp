@@ -1,4 +1,4 @@
-#include "frame/tabMenuDlg.h"
+#include "frame/window/tabMenuDlg.h"
 #include "tests/support/DeviceTest.h"
 
 #include <QAccessible>

@@ -1,6 +1,6 @@
-#include "frame/TabIndex.h"
-#include "frame/VornSettings.h"
 #include "frame/tabDlg.h"
+#include "frame/window/TabIndex.h"
+#include "frame/window/VornSettings.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/system.h"

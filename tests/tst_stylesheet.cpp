@@ -1,6 +1,6 @@
-#include "frame/VornSettings.h"
-#include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
+#include "frame/window/VornSettings.h"
+#include "frame/window/graphicalMode.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/SkippedPauses.h"
 

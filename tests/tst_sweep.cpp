@@ -1,4 +1,4 @@
-#include "frame/graphicalMode.h"
+#include "frame/window/graphicalMode.h"
 #include "tests/support/WindowSweep.h"
 #include "virtualunit/VirtualUnit.h"
 

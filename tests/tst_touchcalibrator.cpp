@@ -1,4 +1,4 @@
-#include "virtualunit/touchcalibrator/CalibrationWindow.h"
+#include "touchcalibrator/CalibrationWindow.h"
 
 #include "tests/support/DeviceTest.h"
 

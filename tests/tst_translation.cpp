@@ -1,6 +1,6 @@
-#include "frame/VornSettings.h"
-#include "frame/graphicalMode.h"
 #include "frame/tabDlg.h"
+#include "frame/window/VornSettings.h"
+#include "frame/window/graphicalMode.h"
 #include "report/systemReport.h"
 #include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"

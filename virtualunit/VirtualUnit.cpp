@@ -1,8 +1,8 @@
 #include "virtualunit/VirtualUnit.h"
 
-#include "virtualunit/Operation.h"
-#include "virtualunit/Profile.h"
-#include "virtualunit/assign.h"
+#include "virtualunit/calls/Operation.h"
+#include "virtualunit/state/Profile.h"
+#include "virtualunit/state/assign.h"
 
 namespace virtualunit {
 

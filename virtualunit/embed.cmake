@@ -1,5 +1,5 @@
 # Writes OUTPUT, a C++ file with the texts of PROFILES and the names of HEADER's operations.
-set(text "#include \"virtualunit/Profile.h\"\n\nnamespace virtualunit {\n\n")
+set(text "#include \"virtualunit/state/Profile.h\"\n\nnamespace virtualunit {\n\n")
 string(APPEND text "extern const EmbeddedProfile embeddedProfiles[];\n")
 string(APPEND text "const EmbeddedProfile embeddedProfiles[] = {\n")
 foreach(profile IN LISTS PROFILES)

@@ -1,6 +1,6 @@
 #include "tests/support/PageTest.h"
 
-#include "frame/graphicalMode.h"
+#include "frame/window/graphicalMode.h"
 #include "tests/support/Boxes.h"
 
 #include <QAbstractButton>

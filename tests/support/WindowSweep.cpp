@@ -1,8 +1,8 @@
 #include "tests/support/WindowSweep.h"
 
-#include "frame/TabIndex.h"
-#include "frame/VornSettings.h"
 #include "frame/tabDlg.h"
+#include "frame/window/TabIndex.h"
+#include "frame/window/VornSettings.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/SkippedPauses.h"
 

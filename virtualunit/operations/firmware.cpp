@@ -1,5 +1,5 @@
-#include "virtualunit/FirmwareJob.h"
-#include "virtualunit/Operation.h"
+#include "virtualunit/calls/Operation.h"
+#include "virtualunit/firmware/FirmwareJob.h"
 
 #include <chrono>
 

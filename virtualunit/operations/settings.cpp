@@ -1,5 +1,5 @@
-#include "virtualunit/Operation.h"
-#include "virtualunit/assign.h"
+#include "virtualunit/calls/Operation.h"
+#include "virtualunit/state/assign.h"
 
 using namespace virtualunit;
 

@@ -1,4 +1,4 @@
-#include "virtualunit/Operation.h"
+#include "virtualunit/calls/Operation.h"
 
 using namespace virtualunit;
 

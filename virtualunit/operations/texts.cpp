@@ -1,6 +1,6 @@
-#include "virtualunit/texts.h"
+#include "virtualunit/state/texts.h"
 
-#include "virtualunit/Operation.h"
+#include "virtualunit/calls/Operation.h"
 
 const char *deviceErrorText(int32_t code)
 {

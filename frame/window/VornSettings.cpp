@@ -1,0 +1,221 @@
+#include "frame/window/VornSettings.h"
+
+#include "frame/window/tabMenuDlg.h"
+#include "pages/tabAdvancedDlg.h"
+#include "pages/tabBacklightDlg.h"
+#include "pages/tabBuzzerDlg.h"
+#include "pages/tabCanDlg.h"
+#include "pages/tabDigIODlg.h"
+#include "pages/tabLEDDlg.h"
+#include "pages/tabLightSensorDlg.h"
+#include "pages/tabOnOffDlg.h"
+#include "pages/tabPowerDlg.h"
+#include "pages/tabSysConfDlg.h"
+#include "pages/tabTempDlg.h"
+#include "pages/tabTouchDlg.h"
+#include "pages/tabVersionDlg.h"
+#include "report/tabAboutDlg.h"
+#include "telematics/tabTelematicsDlg.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QGraphicsOpacityEffect>
+#include <QIcon>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr double dimmedOpacity = 0.5;
+constexpr QSize menuIconSize(60, 60);
+// Pages are as wide as the page area, and leave its rounded bottom edge free.
+constexpr QMargins pageMargins(0, 0, 0, 10);
+
+// Pages show the picture of their menu entry, by tab index.
+constexpr std::array<const char *, tabCount> pagePictures = {nullptr, "hwinfo.png",
+    "thermometer.png", "background.png", "energy.png", "heater.png", "kblackbox.png", "ksame.png",
+    "arts.png", "input_device.png", "chip.png", "package_settings.png", "Full.png", "tablet.png",
+    "exit.png", "Globe.png"};
+
+QString resource(const char *name)
+{
+    return QStringLiteral(":/VornSettings/Resources/") + QLatin1String(name);
+}
+
+QString globalStyleSheet()
+{
+    QFile file(resource("style.qss"));
+    const bool opened = file.open(QIODevice::ReadOnly);
+    Q_ASSERT(opened); // it is part of the executable
+    return opened ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// Forms load the plain picture alone; an icon knows its sharper variant too.
+void sharpen(QLabel *label, const char *picture)
+{
+    label->setPixmap(QIcon(resource(picture)).pixmap(label->pixmap(Qt::ReturnByValue).size()));
+}
+
+void dimByOpacity(QWidget *widget)
+{
+    auto *effect = new QGraphicsOpacityEffect;
+    effect->setOpacity(dimmedOpacity);
+    widget->setGraphicsEffect(effect);
+}
+
+} // namespace
+
+VornSettings::VornSettings(QWidget *parent, Qt::WindowFlags flags)
+    : QMainWindow(parent, flags)
+    , layout(new QVBoxLayout)
+{
+    setStyleSheet(globalStyleSheet());
+    layout->setContentsMargins(pageMargins);
+    layout->setSpacing(0);
+    buildPages(askFeatures());
+    ui->tabWidget->setLayout(layout);
+    connect(static_cast<tabMenuDlg *>(tabs[menuTab]), &tabMenuDlg::tabSelectionChanged, this,
+        &VornSettings::showTab);
+    if (qApp->devicePixelRatio() > 1)
+        sharpenPictures();
+    showTab(menuTab);
+}
+
+void VornSettings::sharpenPictures()
+{
+    sharpen(ui->label, "logo.png");
+    for (size_t index = versionTab; index < tabs.size(); ++index) {
+        auto *icon =
+            tabs[index] ? tabs[index]->findChild<QLabel *>(QStringLiteral("icon")) : nullptr;
+        if (icon)
+            sharpen(icon, pagePictures[index]);
+    }
+}
+
+VornSettings::Features VornSettings::askFeatures()
+{
+    Features has;
+    DeviceBool answer = 0;
+    uint8_t count = 0;
+    // The pages don't depend on the modem; units see the question at every start all the same.
+    static_cast<void>(Hardware_hasGsm(hardware, &answer));
+    if (Hardware_getCanCount(hardware, &count) == DEVICE_OK)
+        has.can = count != 0;
+    if (Hardware_getDigitalInputCount(hardware, &count) == DEVICE_OK)
+        has.digitalIO = count != 0;
+    if (Hardware_hasDisplay(hardware, &answer) == DEVICE_OK)
+        has.display = answer != 0;
+    has.touch = has.display;
+    if (has.display && Hardware_hasTouchscreen(hardware, &answer) == DEVICE_OK)
+        has.touch = answer != 0;
+
+    const DeviceHandle<Config_create, Config_release> config;
+    int16_t celsius = 0;
+    has.heater = Config_getHeatingTempLimit(config, &celsius) != DEVICE_NOT_SUPPORTED;
+    return has;
+}
+
+bool VornSettings::hasTelematics()
+{
+    const DeviceHandle<Telematics_create, Telematics_release> telematics;
+    int32_t available = 0;
+    return Telematics_getAvailable(telematics, &available) == DEVICE_OK && available == 1;
+}
+
+void VornSettings::buildPages(const Features &has)
+{
+    auto *menuPage = new tabMenuDlg(this);
+    const auto &menu = menuPage->ui;
+
+    addTab(menuPage, menuTab);
+    addTab(new tabVersionDlg, versionTab);
+    addTab(new tabTempDlg(this), temperatureTab);
+    addTabIf<tabBacklightDlg>(has.display, displayTab,
+        {menu->pushButtonDisplay, menu->label_3, "Display is not available", "backgroundGrey.png"});
+    addTab(new tabPowerDlg, powerTab);
+    addTabIf<tabSysConfDlg>(has.heater, heaterTab,
+        {menu->pushButtonSysConfig, menu->label_5, "Heater is not available", "heaterGrey.png"});
+    addTab(new tabAdvancedDlg, advancedTab);
+    addTab(new tabLEDDlg, ledTab);
+    // Without a display the buzzer has no tab of its own: its stand-in is the display's second.
+    addTabIf<tabBuzzerDlg>(has.display, has.display ? buzzerTab : displayTab,
+        {menu->pushButtonBuzzer, menu->label_8, "Buzzer is not available", nullptr});
+    addTab(new tabAboutDlg, aboutTab);
+    addTabIf<tabCanDlg>(
+        has.can, canTab, {menu->pushButtonCAN, menu->label_10, "Can is not available", nullptr});
+    addTabIf<tabDigIODlg>(has.digitalIO, digitalIOTab,
+        {menu->pushButtonDigIO, menu->label_11, "Digital Input is not available", nullptr});
+    addTabIf<tabLightSensorDlg>(has.display, lightSensorTab,
+        {menu->pushButton, menu->label_12, "Light sensor is not available", "FullGrey.png"});
+    addTabIf<tabTouchDlg>(has.touch, touchTab,
+        {menu->pushButtonTouch, menu->label_13, "Touch Screen is not available", "tabletGrey.png"});
+    addTab(new tabOnOffDlg, onOffTab);
+    addTabIf<tabTelematicsDlg>(hasTelematics(), telematicsTab,
+        {menu->pushButtonTelematics, menu->label_15, "Telematics module is not available",
+            "GlobeGrey.png"});
+}
+
+template <typename Page>
+void VornSettings::addTabIf(bool present, int index, const MenuEntry &entry)
+{
+    if (present)
+        return addTab(new Page, index);
+    addTab(new tabDlg, index);
+    dim(entry);
+}
+
+void VornSettings::dim(const MenuEntry &entry)
+{
+    if (entry.greyPicture) {
+        QIcon icon;
+        icon.addFile(resource(entry.greyPicture), QSize(), QIcon::Normal, QIcon::Off);
+        entry.button->setIcon(icon);
+    }
+    entry.button->setIconSize(menuIconSize);
+    entry.button->setToolTip(QLatin1String(entry.toolTip));
+    entry.button->setEnabled(false);
+    dimByOpacity(entry.button);
+    dimByOpacity(entry.label);
+}
+
+void VornSettings::addTab(tabDlg *page, int index)
+{
+    page->hide();
+    layout->addWidget(page);
+    tabs.at(size_t(index)) = page;
+}
+
+void VornSettings::showTab(int index)
+{
+    tabDlg *page = index >= 0 && index < tabCount ? tabs[size_t(index)] : nullptr;
+    if (!page)
+        return;
+    if (tabDlg *former = tabs.at(size_t(currentTab)))
+        former->hide();
+    page->show();
+    ui->tabTitle->setText(page->windowTitle());
+    currentTab = index;
+}
+
+void VornSettings::exit()
+{
+    close();
+}
+
+void VornSettings::menuClicked()
+{
+    showTab(menuTab);
+}
+
+void VornSettings::keyReleaseEvent(QKeyEvent *event)
+{
+    // Where a held key repeats with releases, one long press would both leave a page and close.
+    if (event->key() != Qt::Key_Escape || event->isAutoRepeat())
+        return event->ignore();
+    event->accept();
+    if (currentTab != menuTab)
+        showTab(menuTab);
+    else
+        close();
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "frame/DeviceHandle.h"
+#include "frame/Form.h"
+#include "frame/window/TabIndex.h"
+#include "ui_VornSettings.h"
+
+#include <QMainWindow>
+
+#include <array>
+
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+class tabDlg;
+
+/**
+ * The one window: title strip, page area, and the buttons "Menu" and "Exit". It owns all pages,
+ * which live as long as it does and of which one shows at a time, and it carries the style sheet
+ * that they inherit. Main thread only.
+ */
+class VornSettings : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /** Asks the unit what exists, builds all pages and shows the menu. Says nothing of failed
+     *  queries: what can't be asked counts as present, but for the telematics board. */
+    explicit VornSettings(QWidget *parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
+
+    /** Hides the page and takes it over under that index, 0 to 15. A former page of the index stays
+     *  alive in the page area, out of reach. */
+    void addTab(tabDlg *page, int index);
+
+public slots:
+    /** Closes the window, which ends the program. */
+    void exit();
+    /** Shows that page instead of the present one; does nothing if there is none, index 0 to 15. */
+    void showTab(int index);
+    /** Shows the menu. */
+    void menuClicked();
+
+protected:
+    void keyReleaseEvent(QKeyEvent *event) override;
+
+private:
+    /** What the unit has of that which not every unit has. */
+    struct Features {
+        bool can = true;
+        bool digitalIO = true;
+        bool display = true;
+        bool touch = true;
+        bool heater = true;
+    };
+    /** The two widgets of a menu entry, and what a unit without its feature shows there. */
+    struct MenuEntry {
+        QPushButton *button;
+        QLabel *label;
+        const char *toolTip;
+        const char *greyPicture; ///< file name among the resources, null to keep the icon
+    };
+
+    Features askFeatures();
+    static bool hasTelematics();
+    void buildPages(const Features &has);
+    template <typename Page>
+    void addTabIf(bool present, int index, const MenuEntry &entry);
+    void sharpenPictures();
+    static void dim(const MenuEntry &entry);
+
+    Form<Ui::VornSettingsClass> ui{this};
+    std::array<tabDlg *, tabCount> tabs{};
+    QVBoxLayout *layout; // of ui->tabWidget, from the end of the constructor on
+    int currentTab = menuTab;
+    DeviceHandle<Hardware_create, Hardware_release> hardware;
+};

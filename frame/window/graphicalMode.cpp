@@ -1,0 +1,61 @@
+#include "frame/window/graphicalMode.h"
+
+#include "frame/qtVersions.h"
+#include "frame/window/VornSettings.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QPalette>
+
+namespace {
+
+constexpr int textPixels = 13;
+
+// Every role, so that nothing of a desktop's theme remains.
+QPalette lightPalette()
+{
+    const QColor face(208, 208, 208);
+    const QColor amber(255, 194, 66);
+    const QColor faint(110, 110, 110);
+    QPalette palette(face, face);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+             QPalette::HighlightedText, QPalette::ToolTipText}) {
+        palette.setColor(role, Qt::black);
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(240, 240, 240));
+    palette.setColor(QPalette::Highlight, amber);
+    palette.setColor(QPalette::ToolTipBase, amber);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Link, QColor(0, 60, 160));
+    palette.setColor(QPalette::LinkVisited, QColor(90, 40, 120));
+    palette.setColor(QPalette::BrightText, Qt::white);
+    return palette;
+}
+
+} // namespace
+
+void setApplicationLook()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(lightPalette());
+    QFont font(QStringLiteral("Arial"));
+    font.setPixelSize(textPixels);
+    QApplication::setFont(font);
+}
+
+int runGraphicalMode(int &argc, char **argv)
+{
+    qtVersions::scaleWithScreen();
+    QApplication application(argc, argv);
+    setApplicationLook();
+    VornSettings window(nullptr, Qt::WindowFlags());
+    // No window system knows the window yet, so its flags can just be put down; setWindowFlags()
+    // would work the style sheet out for all widgets once more, half of the whole start.
+    window.overrideWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                               Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                               Qt::MSWindowsFixedSizeDialogHint);
+    window.show();
+    return application.exec();
+}
