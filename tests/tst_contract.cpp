@@ -1,4 +1,4 @@
-#include "tests/support/operations.h"
+#include "devicetools/contract.h"
 
 #include <QtTest>
 
@@ -286,15 +286,14 @@ QStringList symbols(const char *which, const QString &file)
     return names;
 }
 
-QStringList contract()
+QStringList contractNames()
 {
-    QStringList names{QStringLiteral("deviceErrorText"),
-        QStringLiteral("Diagnostics_startupReasonText"), QStringLiteral("Diagnostics_hwErrorText")};
-    for (const auto &family : support::allFamilies) {
-        names << QLatin1String(family.name) + QStringLiteral("_create")
-              << QLatin1String(family.name) + QStringLiteral("_release");
-    }
-    for (const auto &operation : support::allOperations)
+    QStringList names;
+    for (const auto &text : contract::texts)
+        names << QLatin1String(text.name);
+    for (const auto &family : contract::families)
+        names << QLatin1String(family.createName) << QLatin1String(family.releaseName);
+    for (const auto &operation : contract::operations)
         names << QLatin1String(operation.name);
     names.sort();
     return names;
@@ -321,10 +320,10 @@ private slots:
                 found << name;
         }
         found.sort();
-        QCOMPARE(found, contract());
+        QCOMPARE(found, contractNames());
     }
 
-    void numberOfOperations() { QCOMPARE(contract().size(), 213); }
+    void numberOfOperations() { QCOMPARE(contractNames().size(), 213); }
 };
 
 QTEST_GUILESS_MAIN(TestContract)

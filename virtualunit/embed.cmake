@@ -1,4 +1,4 @@
-# Writes OUTPUT, a C++ file with the texts of PROFILES and the names of HEADER's operations.
+# Writes OUTPUT, a C++ file with the texts of PROFILES.
 set(text "#include \"virtualunit/state/Profile.h\"\n\nnamespace virtualunit {\n\n")
 string(APPEND text "extern const EmbeddedProfile embeddedProfiles[];\n")
 string(APPEND text "const EmbeddedProfile embeddedProfiles[] = {\n")
@@ -7,14 +7,5 @@ foreach(profile IN LISTS PROFILES)
     file(READ ${profile} json)
     string(APPEND text "{\"${name}\", R\"json(${json})json\"},\n")
 endforeach()
-string(APPEND text "{nullptr, nullptr}};\n\n")
-
-string(APPEND text "extern const char *const embeddedOperations[];\n")
-string(APPEND text "const char *const embeddedOperations[] = {\n")
-file(STRINGS ${HEADER} operations REGEX "^VORNAUX2_API DeviceCode ")
-foreach(line IN LISTS operations)
-    string(REGEX MATCH "DeviceCode ([A-Za-z0-9_]+)" ignored "${line}")
-    string(APPEND text "\"${CMAKE_MATCH_1}\",\n")
-endforeach()
-string(APPEND text "nullptr};\n\n} // namespace virtualunit\n")
+string(APPEND text "{nullptr, nullptr}};\n\n} // namespace virtualunit\n")
 file(WRITE ${OUTPUT} "${text}")

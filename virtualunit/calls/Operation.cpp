@@ -1,5 +1,6 @@
 #include "virtualunit/calls/Operation.h"
 
+#include "devicetools/contract.h"
 #include "virtualunit/calls/Journal.h"
 
 #include <algorithm>
@@ -7,8 +8,6 @@
 #include <thread>
 
 namespace virtualunit {
-
-extern const char *const embeddedOperations[]; ///< generated; ends with a null name
 
 namespace {
 
@@ -227,8 +226,8 @@ const std::vector<std::string> &operationNames()
 {
     static const auto *const names = [] {
         auto *all = new std::vector<std::string>;
-        for (auto name = embeddedOperations; *name; ++name)
-            all->emplace_back(*name);
+        for (const auto &operation : contract::operations)
+            all->emplace_back(operation.name);
         return all;
     }();
     return *names;
