@@ -82,7 +82,7 @@ public:
     /// The display page with the error box that a failing slider brings up.
     void takeError(VornSettings &window, support::Dialogs &dialogs)
     {
-        require(virtualunit::addFault("Backlight_setIntensity", deviceFault));
+        require(virtualunit::setFault("Backlight_setIntensity", deviceFault));
         window.showTab(displayTab);
         auto *level = visiblePage(window)->findChild<QSlider *>();
         dialogs.plan([&](QDialog *box) {

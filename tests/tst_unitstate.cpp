@@ -113,9 +113,9 @@ void UnitStateTest::profilesRoundTrip()
     put("Backlight.intensity", "12");
     put("Battery.voltageLevel", "live 40");
     put("Settings.another", "\"\u00fc\"");
-    require(virtualunit::addFault("Buzzer_getTrigger", -5, 3, 2));
+    require(virtualunit::setFault("Buzzer_getTrigger", -5, 3, 2));
     require(virtualunit::setDelay("Buzzer_setTrigger", 1));
-    std::vector<virtualunit::Property> before;
+    std::vector<virtualunit::Value> before;
     require(virtualunit::list(before));
     std::string written;
     require(virtualunit::profileText(written));
@@ -128,7 +128,7 @@ void UnitStateTest::profilesRoundTrip()
     require(virtualunit::loadProfile("basic"));
     require(virtualunit::loadProfile(file.fileName().toStdString()));
 
-    std::vector<virtualunit::Property> after;
+    std::vector<virtualunit::Value> after;
     require(virtualunit::list(after));
     QCOMPARE(after.size(), before.size());
     for (std::size_t i = 0; i < before.size(); ++i) {
@@ -263,7 +263,7 @@ void UnitStateTest::antennaWithoutPower()
 
 void UnitStateTest::propertiesRoundTrip()
 {
-    std::vector<virtualunit::Property> properties;
+    std::vector<virtualunit::Value> properties;
     require(virtualunit::list(properties));
     QVERIFY(properties.size() > 150);
     for (const auto &property : properties) {
@@ -348,7 +348,7 @@ void UnitStateTest::persists()
     QCOMPARE(Buzzer_setVolume(Buzzer(), 47), DEVICE_OK);
     QCOMPARE(Settings_setString(Settings(), "key", "text"), DEVICE_OK);
     put("Versions.fpga", "9.8.7.6");
-    require(virtualunit::addFault("Buzzer_getFrequency", 27, 3, 1));
+    require(virtualunit::setFault("Buzzer_getFrequency", 27, 3, 1));
     uint16_t hertz = 0;
     QCOMPARE(Buzzer_getFrequency(Buzzer(), &hertz), DEVICE_OK);
     const auto minutes = value("Diagnostics.totalRunTime").toLongLong();

@@ -133,21 +133,21 @@ void VirtualUnitTest::faultsCount()
         }
         return list;
     };
-    require(virtualunit::addFault("Buzzer_getVolume", 5, 2, 1));
+    require(virtualunit::setFault("Buzzer_getVolume", 5, 2, 1));
     QCOMPARE(codes(5), QList<int>({0, 5, 5, 0, 0}));
-    require(virtualunit::addFault("Buzzer_getVolume", -1, 0, 2));
+    require(virtualunit::setFault("Buzzer_getVolume", -1, 0, 2));
     QCOMPARE(codes(6), QList<int>({0, 0, -1, -1, -1, -1}));
-    require(virtualunit::addFault("Buzzer_getVolume", 0));
+    require(virtualunit::setFault("Buzzer_getVolume", 0));
     QCOMPARE(codes(2), QList<int>({0, 0}));
-    require(virtualunit::addFault("Buzzer_getVolume", 18));
+    require(virtualunit::setFault("Buzzer_getVolume", 18));
     QCOMPARE(codes(2), QList<int>({18, 18}));
     require(virtualunit::clearFaults());
     QCOMPARE(codes(2), QList<int>({0, 0}));
-    QVERIFY(!virtualunit::addFault("Buzzer_getLoudness", 5).empty());
-    QVERIFY(!virtualunit::addFault("Buzzer_create", 5).empty());
+    QVERIFY(!virtualunit::setFault("Buzzer_getLoudness", 5).empty());
+    QVERIFY(!virtualunit::setFault("Buzzer_create", 5).empty());
 
     // A call that meets a fault does nothing, and one on a wrong handle meets none.
-    require(virtualunit::addFault("Buzzer_setVolume", 5, 1));
+    require(virtualunit::setFault("Buzzer_setVolume", 5, 1));
     put("Buzzer.volume", "7");
     QCOMPARE(Buzzer_setVolume(nullptr, 9), invalidHandle);
     QCOMPARE(Buzzer_setVolume(buzzer, 9), 5);
@@ -166,7 +166,7 @@ void VirtualUnitTest::faultsOnEveryOperation()
     const auto &operation = support::allOperations[std::size_t(index)];
     const void *handle = handleFor(operation.name);
     for (const int code : {2, 18, 20, 5, -1, INT32_MAX}) {
-        require(virtualunit::addFault(operation.name, code));
+        require(virtualunit::setFault(operation.name, code));
         support::Arguments arguments;
         arguments.out.fill(0xA5);
         const auto untouched = arguments.out;

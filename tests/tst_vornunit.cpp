@@ -179,7 +179,7 @@ void VornunitTest::refusesUnknownProfiles()
 
 void VornunitTest::listsAllValues()
 {
-    std::vector<virtualunit::Property> properties;
+    std::vector<virtualunit::Value> properties;
     QCOMPARE(virtualunit::list(properties), std::string());
     QVERIFY(properties.size() > 100);
     const auto outcome = run("list");

@@ -1,8 +1,9 @@
 #include "virtualunit/VirtualUnit.h"
 
-#include "virtualunit/calls/Operation.h"
+#include "virtualunit/state/Assignment.h"
 #include "virtualunit/state/Profile.h"
-#include "virtualunit/state/assign.h"
+#include "virtualunit/state/Unit.h"
+#include "virtualunit/state/operationNames.h"
 
 namespace virtualunit {
 
@@ -43,11 +44,11 @@ Error changing(const Function &function)
 
 std::string valueText(const Unit &unit, Key key)
 {
-    const auto &spec = key.spec();
-    return spec.isText() ? unit.text(key) : formatNumber(spec, unit.number(key));
+    const auto &property = key.property();
+    return property.isText() ? unit.text(key) : formatNumber(property, unit.number(key));
 }
 
-Property stringProperty(const std::string &key, const std::string &value)
+Value stringValue(const std::string &key, const std::string &value)
 {
     return {std::string(stringPrefix) + key, value,
         "at most " + std::to_string(longestString) + " characters", "stored string"};
@@ -56,13 +57,13 @@ Property stringProperty(const std::string &key, const std::string &value)
 void apply(Unit &unit, const Assignment &wanted)
 {
     if (!wanted.string.empty())
-        unit.writeString(wanted.string, wanted.text);
-    else if (wanted.key.spec().isText())
-        unit.write(wanted.key, wanted.text);
+        unit.setString(wanted.string, wanted.text);
+    else if (wanted.key.property().isText())
+        unit.set(wanted.key, wanted.text);
     else if (wanted.live)
-        unit.release(wanted.key, wanted.from ? std::optional(wanted.number) : std::nullopt);
+        unit.setLiving(wanted.key, wanted.from ? std::optional(wanted.number) : std::nullopt);
     else
-        unit.write(wanted.key, wanted.number);
+        unit.set(wanted.key, wanted.number);
 }
 
 } // namespace
@@ -91,17 +92,17 @@ Error profileText(std::string &text)
     return reading([&](Unit &unit) { text = writeProfile(unit.snapshot(), unit.now()); });
 }
 
-Error list(std::vector<Property> &properties)
+Error list(std::vector<Value> &values)
 {
     return reading([&](Unit &unit) {
-        properties.clear();
-        for (std::size_t index = 0; index < specCount; ++index) {
-            const auto &spec = specs[index];
-            properties.push_back({std::string(spec.name), valueText(unit, Key(index)),
-                rangeText(spec), std::string(spec.description)});
+        values.clear();
+        for (std::size_t index = 0; index < propertyCount; ++index) {
+            const auto &property = properties[index];
+            values.push_back({std::string(property.name), valueText(unit, Key(index)),
+                rangeText(property), std::string(property.description)});
         }
         for (const auto &[key, value] : unit.snapshot().strings)
-            properties.push_back(stringProperty(key, value));
+            values.push_back(stringValue(key, value));
     });
 }
 
@@ -110,7 +111,7 @@ Error get(const std::string &name, std::string &value)
     return reading([&](Unit &unit) {
         const auto &strings = unit.snapshot().strings;
         const auto index = findProperty(name);
-        if (index != specCount) {
+        if (index != propertyCount) {
             value = valueText(unit, Key(index));
             return;
         }
@@ -128,11 +129,11 @@ Error set(const std::string &name, const std::string &value)
     return changing([&](Unit &unit) { apply(unit, readAssignment(name, value)); });
 }
 
-Error addFault(
+Error setFault(
     const std::string &operation, std::int32_t code, std::uint32_t times, std::uint32_t after)
 {
     return changing([&](Unit &unit) {
-        unit.writeFault(checkedOperation(operation), {code, times, after, 0});
+        unit.setFault(checkedOperation(operation), {code, times, after, 0});
     });
 }
 
@@ -143,18 +144,17 @@ Error clearFaults()
 
 Error setDelay(const std::string &operation, std::uint32_t milliseconds)
 {
-    return changing(
-        [&](Unit &unit) { unit.writeDelay(checkedOperation(operation), milliseconds); });
+    return changing([&](Unit &unit) { unit.setDelay(checkedOperation(operation), milliseconds); });
 }
 
 Error addShortMessage(const std::string &number, const std::string &text)
 {
-    return changing([&](Unit &unit) { unit.addMessage({unit.now(), number, text}); });
+    return changing([&](Unit &unit) { unit.addShortMessage({unit.now(), number, text}); });
 }
 
 Error shortMessages(std::vector<ShortMessage> &messages)
 {
-    return reading([&](Unit &unit) { messages = unit.messages(); });
+    return reading([&](Unit &unit) { messages = unit.shortMessages(); });
 }
 
 std::vector<std::string> operations()
@@ -167,19 +167,19 @@ Error setClock(std::int64_t milliseconds)
     return changing([&](Unit &unit) {
         // Time passes only from one standing clock to a later one.
         const auto &clock = unit.snapshot().clock;
-        unit.moveClock(milliseconds, clock && milliseconds >= *clock);
+        unit.setClock(milliseconds, clock && milliseconds >= *clock);
     });
 }
 
 Error advanceClock(std::int64_t milliseconds)
 {
     return changing(
-        [&](Unit &unit) { unit.moveClock(unit.now() + milliseconds, milliseconds >= 0); });
+        [&](Unit &unit) { unit.setClock(unit.now() + milliseconds, milliseconds >= 0); });
 }
 
 Error releaseClock()
 {
-    return changing([](Unit &unit) { unit.moveClock(std::nullopt, false); });
+    return changing([](Unit &unit) { unit.setClock(std::nullopt, false); });
 }
 
 } // namespace virtualunit

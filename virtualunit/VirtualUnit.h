@@ -22,7 +22,7 @@ namespace virtualunit {
 using Error = std::string;
 
 /** One named value of the unit, such as "Backlight.intensity". */
-struct Property {
+struct Value {
     std::string name;        ///< "Family.value"
     std::string value;       ///< as set() takes it
     std::string range;       ///< what set() takes, with the unit of measure, for people
@@ -44,7 +44,7 @@ VIRTUALUNIT_API std::vector<std::string> profiles();
 VIRTUALUNIT_API Error profileText(std::string &text);
 
 /** All values by name. */
-VIRTUALUNIT_API Error list(std::vector<Property> &properties);
+VIRTUALUNIT_API Error list(std::vector<Value> &values);
 VIRTUALUNIT_API Error get(const std::string &name, std::string &value);
 /** Refuses unknown names and values out of range, and changes nothing then. */
 VIRTUALUNIT_API Error set(const std::string &name, const std::string &value);
@@ -52,7 +52,7 @@ VIRTUALUNIT_API Error set(const std::string &name, const std::string &value);
 /** From the call after the next `after` calls on, `times` calls (0: all) of that operation, named
  *  as in the contract ("Buzzer_getVolume"), return the code and do nothing else. Code 0 takes the
  *  operation's fault away. */
-VIRTUALUNIT_API Error addFault(const std::string &operation, std::int32_t code,
+VIRTUALUNIT_API Error setFault(const std::string &operation, std::int32_t code,
     std::uint32_t times = 0, std::uint32_t after = 0);
 VIRTUALUNIT_API Error clearFaults();
 /** Each call of that operation takes so much longer; 0 takes the delay away. */

@@ -216,7 +216,7 @@ QString DeviceTest::unit(const QString &name)
 
 void DeviceTest::fault(const QString &operation, int code, unsigned times, unsigned after)
 {
-    require(virtualunit::addFault(bytes(operation), code, times, after));
+    require(virtualunit::setFault(bytes(operation), code, times, after));
 }
 
 void DeviceTest::clearFaults()

@@ -1,6 +1,6 @@
 #include "virtualunit/calls/Journal.h"
 
-#include "virtualunit/state/Property.h"
+#include "virtualunit/state/latin1.h"
 #include "virtualunit/system/system.h"
 
 #include <atomic>

@@ -3,68 +3,18 @@
 #include "frame/VornAux2.h"
 
 #include <memory>
+#include <typeindex>
 
 namespace virtualunit {
 
-enum class Family {
-    Hardware,
-    Adc,
-    Versions,
-    Backlight,
-    Buzzer,
-    Can,
-    Config,
-    Power,
-    Diagnostics,
-    Smart,
-    DigIO,
-    Firmware,
-    FrontLED,
-    LightSensor,
-    Telematics,
-    Touch,
-    Battery,
-    Settings
-};
+/** What tells the families apart: the type of their handles. */
+using Family = std::type_index;
 
 template <typename Device>
-inline constexpr Family familyOf = Device::unknown;
-template <>
-inline constexpr Family familyOf<HardwareDevice> = Family::Hardware;
-template <>
-inline constexpr Family familyOf<AdcDevice> = Family::Adc;
-template <>
-inline constexpr Family familyOf<VersionsDevice> = Family::Versions;
-template <>
-inline constexpr Family familyOf<BacklightDevice> = Family::Backlight;
-template <>
-inline constexpr Family familyOf<BuzzerDevice> = Family::Buzzer;
-template <>
-inline constexpr Family familyOf<CanDevice> = Family::Can;
-template <>
-inline constexpr Family familyOf<ConfigDevice> = Family::Config;
-template <>
-inline constexpr Family familyOf<PowerDevice> = Family::Power;
-template <>
-inline constexpr Family familyOf<DiagnosticsDevice> = Family::Diagnostics;
-template <>
-inline constexpr Family familyOf<SmartDevice> = Family::Smart;
-template <>
-inline constexpr Family familyOf<DigIODevice> = Family::DigIO;
-template <>
-inline constexpr Family familyOf<FirmwareDevice> = Family::Firmware;
-template <>
-inline constexpr Family familyOf<FrontLEDDevice> = Family::FrontLED;
-template <>
-inline constexpr Family familyOf<LightSensorDevice> = Family::LightSensor;
-template <>
-inline constexpr Family familyOf<TelematicsDevice> = Family::Telematics;
-template <>
-inline constexpr Family familyOf<TouchDevice> = Family::Touch;
-template <>
-inline constexpr Family familyOf<BatteryDevice> = Family::Battery;
-template <>
-inline constexpr Family familyOf<SettingsDevice> = Family::Settings;
+Family familyOf()
+{
+    return typeid(Device *);
+}
 
 /** A new handle. Its address is never given out again, so that a released one is known for good.
  *  Null only when there is no memory. */

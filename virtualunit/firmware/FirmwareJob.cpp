@@ -1,9 +1,6 @@
 #include "virtualunit/firmware/FirmwareJob.h"
 
-#include "virtualunit/state/codes.h"
-
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <utility>
 
@@ -19,23 +16,6 @@ constexpr std::size_t textPerByte = 8;
 constexpr std::uint8_t upgradeEnds[] = {2, 10, 18, 25, 80, 99};
 constexpr std::uint8_t verificationEnds[] = {4, 20, 40, 55, 55, 99};
 
-/// The operating system's form of a Latin-1 path. Linux file names are UTF-8 by convention, so a
-/// name with an umlaut is only found when its one Latin-1 byte becomes the two of UTF-8.
-std::filesystem::path fromLatin1(const std::string &latin1)
-{
-    std::u8string utf8;
-    for (const char character : latin1) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x80) {
-            utf8 += static_cast<char8_t>(byte);
-        } else {
-            utf8 += static_cast<char8_t>(0xC0 | byte >> 6);
-            utf8 += static_cast<char8_t>(0x80 | (byte & 0x3F));
-        }
-    }
-    return std::filesystem::path(utf8);
-}
-
 bool isFinal(std::int32_t state)
 {
     return state == FIRMWARE_DONE || state == FIRMWARE_FAILED;
@@ -48,10 +28,10 @@ std::size_t memorySize(Controller controller)
     return controller == Controller::Fpga ? 16 * mebibyte : mebibyte;
 }
 
-FirmwareJob::FirmwareJob(Controller target, Kind what, std::string latin1Path, std::int64_t now)
+FirmwareJob::FirmwareJob(Controller target, Kind what, std::filesystem::path file, std::int64_t now)
     : controller(target)
     , kind(what)
-    , path(std::move(latin1Path))
+    , path(std::move(file))
     , lastAsked(now)
 {}
 
@@ -92,7 +72,7 @@ FirmwareUpgradeStatus FirmwareJob::advance(
     return status;
 }
 
-std::int32_t FirmwareJob::finishStage(ControllerMemory &memory)
+Code FirmwareJob::finishStage(ControllerMemory &memory)
 {
     switch (status.state) {
     case FIRMWARE_READING:
@@ -109,30 +89,29 @@ std::int32_t FirmwareJob::finishStage(ControllerMemory &memory)
     }
 }
 
-std::int32_t FirmwareJob::readFile()
+Code FirmwareJob::readFile()
 {
-    const auto file = fromLatin1(path);
     std::error_code error;
-    const auto found = std::filesystem::status(file, error);
+    const auto found = std::filesystem::status(path, error);
     if (found.type() == std::filesystem::file_type::not_found)
         return FileNotFound;
     // Anything but a plain file could keep the reader waiting for ever.
     if (found.type() != std::filesystem::file_type::regular)
         return FileUnreadable;
     const auto limit = memorySize(controller) * textPerByte;
-    const auto size = std::filesystem::file_size(file, error);
+    const auto size = std::filesystem::file_size(path, error);
     if (error)
         return FileUnreadable;
     if (size > limit)
         return FileTooLarge;
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(path, std::ios::binary);
     text.resize(static_cast<std::size_t>(size));
     if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))
         return FileUnreadable;
     return Ok;
 }
 
-std::int32_t FirmwareJob::convertFile()
+Code FirmwareJob::convertFile()
 {
     auto result = readIntelHex(text, memorySize(controller));
     std::string().swap(text);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace virtualunit {
@@ -21,10 +22,10 @@ class ControllerMemory
 public:
     virtual ~ControllerMemory() = default;
     /** Makes the image the one that the controller holds: wholly, or not at all on failure.
-     *  Returns 0 or a Code. */
-    virtual std::int32_t store(Controller controller, const FirmwareImage &image) = 0;
-    /** Whether it holds exactly this image: 0, VerificationFailed, or another Code. */
-    virtual std::int32_t compare(Controller controller, const FirmwareImage &image) = 0;
+     */
+    virtual Code store(Controller controller, const FirmwareImage &image) = 0;
+    /** Whether it holds exactly this image: Ok, VerificationFailed, or another code. */
+    virtual Code compare(Controller controller, const FirmwareImage &image) = 0;
 };
 
 /**
@@ -38,9 +39,8 @@ class FirmwareJob
 public:
     enum class Kind { Upgrade, Verification };
 
-    /** @param path Latin-1, as the contract has it.
-     *  @param now the unit's time in milliseconds. */
-    FirmwareJob(Controller controller, Kind kind, std::string path, std::int64_t now);
+    /** @param now the unit's time in milliseconds. */
+    FirmwareJob(Controller controller, Kind kind, std::filesystem::path path, std::int64_t now);
 
     /** Goes on and tells how far it is.
      *  @param now the unit's time; when the unit's clock was put back, no time has passed.
@@ -52,13 +52,13 @@ public:
     bool isRunning() const;
 
 private:
-    std::int32_t finishStage(ControllerMemory &memory);
-    std::int32_t readFile();
-    std::int32_t convertFile();
+    Code finishStage(ControllerMemory &memory);
+    Code readFile();
+    Code convertFile();
 
     Controller controller;
     Kind kind;
-    std::string path;
+    std::filesystem::path path;
     std::int64_t lastAsked; ///< the unit's time at the last question
     std::int64_t elapsed = 0;
     bool reported = false;

@@ -17,7 +17,7 @@ constexpr std::uint64_t addressRange = 0x100000000;
 
 /// What is wrong with one line.
 struct Fault {
-    std::int32_t code;
+    Code code;
     const char *reason;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "virtualunit/state/codes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -20,10 +22,10 @@ struct FirmwareImage {
 
 /** The image of a text in Intel HEX, or what is wrong with it. */
 struct IntelHexResult {
-    std::int32_t code = 0; ///< 0, else one of the File codes of Code
-    std::size_t line = 0;  ///< number of the offending line, from 1; 0 if none is to blame
-    std::string reason;    ///< what is wrong, one phrase; empty on success
-    FirmwareImage image;   ///< empty on failure
+    Code code = Ok;       ///< Ok, else one of the File codes
+    std::size_t line = 0; ///< number of the offending line, from 1; 0 if none is to blame
+    std::string reason;   ///< what is wrong, one phrase; empty on success
+    FirmwareImage image;  ///< empty on failure
 };
 
 /**

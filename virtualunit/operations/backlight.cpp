@@ -40,8 +40,8 @@ DeviceCode Backlight_startAutomaticBL(BacklightHandle handle)
             code = unit.missing("LightSensor.averaging");
         if (code == Ok) {
             // The control takes the light sensor for itself.
-            unit.write("LightSensor.averaging", 0);
-            unit.write("Backlight.automaticBLStatus", 1);
+            unit.set("LightSensor.averaging", 0);
+            unit.set("Backlight.automaticBLStatus", 1);
         }
         return code;
     });

@@ -33,7 +33,7 @@ Code write(Unit &unit, Key first, uint8_t channel, double value)
 {
     Key row = first;
     const Code code = find(unit, first, channel, row);
-    return code == Ok ? unit.store(row, value) : code;
+    return code == Ok ? unit.setChecked(row, value) : code;
 }
 
 } // namespace

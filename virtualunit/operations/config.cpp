@@ -13,7 +13,7 @@ DeviceCode setAction(const char *operation, ConfigHandle handle, Key key, int32_
             return code;
         if (action == ACTION_SUSPEND && !unit.on("Feature.suspend"))
             return ValueOutOfRange;
-        return unit.store(key, action);
+        return unit.setChecked(key, action);
     });
 }
 

@@ -29,6 +29,6 @@ DeviceCode DigIO_setDigIO(DigIOHandle handle, uint8_t mask)
         constexpr unsigned driven = 0x0F;
         if (((mask ^ present) & ~driven) != 0)
             return ValueOutOfRange;
-        return unit.store("DigIO.digIO", mask);
+        return unit.setChecked("DigIO.digIO", mask);
     });
 }

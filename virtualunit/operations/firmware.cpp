@@ -1,5 +1,7 @@
 #include "virtualunit/calls/Operation.h"
 #include "virtualunit/firmware/FirmwareJob.h"
+#include "virtualunit/state/latin1.h"
+#include "virtualunit/system/system.h"
 
 #include <chrono>
 
@@ -61,19 +63,19 @@ public:
         : unit(held)
     {}
 
-    std::int32_t store(Controller controller, const FirmwareImage &image) override
+    Code store(Controller controller, const FirmwareImage &image) override
     try {
         const auto place = placeOf(controller);
         Change change(unit);
-        unit.writeImage(place.image, stored(image));
-        unit.write(place.version, versionOf(image));
+        unit.setImage(place.image, stored(image));
+        unit.set(place.version, versionOf(image));
         change.commit();
         return Ok;
     } catch (const Failure &failure) {
         return failure.code;
     }
 
-    std::int32_t compare(Controller controller, const FirmwareImage &image) override
+    Code compare(Controller controller, const FirmwareImage &image) override
     try {
         const auto held = unit.image(placeOf(controller).image);
         if (!held)
@@ -110,7 +112,7 @@ struct Run {
 
 std::shared_ptr<Run> runOf(FirmwareHandle handle)
 {
-    return std::static_pointer_cast<Run>(kept(Family::Firmware, handle));
+    return std::static_pointer_cast<Run>(kept(familyOf<FirmwareDevice>(), handle));
 }
 
 DeviceCode start(const char *operation, FirmwareHandle handle, const char *path, bool reserved,
@@ -120,8 +122,10 @@ DeviceCode start(const char *operation, FirmwareHandle handle, const char *path,
         const auto former = runOf(handle);
         if (former && former->job.isRunning())
             return JobRunning;
-        keep(Family::Firmware, handle,
-            std::make_shared<Run>(Run{FirmwareJob(controller, kind, path, unit.now())}));
+        // Linux file names are UTF-8 by convention: an umlaut is found by its two bytes alone.
+        const auto file = system::pathOf(fromLatin1(path));
+        keep(familyOf<FirmwareDevice>(), handle,
+            std::make_shared<Run>(Run{FirmwareJob(controller, kind, file, unit.now())}));
         return Ok;
     });
 }
@@ -201,7 +205,7 @@ DeviceCode Firmware_shutDown(FirmwareHandle handle)
 {
     // The unit counts as off from now on; the machine that it runs on is none of its business.
     return perform(__func__, handle, {}, Does::Write, [&](Unit &unit) {
-        unit.write("Unit.running", 0);
+        unit.set("Unit.running", 0);
         return Ok;
     });
 }

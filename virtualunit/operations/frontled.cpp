@@ -123,9 +123,9 @@ DeviceCode FrontLED_setStandardColor(FrontLEDHandle handle, int32_t color)
         if (color < 0 || static_cast<std::size_t>(color) >= std::size(standardColors))
             return ValueOutOfRange;
         const auto &[red, green, blue] = standardColors[color];
-        unit.write("FrontLED.red", red);
-        unit.write("FrontLED.green", green);
-        unit.write("FrontLED.blue", blue);
+        unit.set("FrontLED.red", red);
+        unit.set("FrontLED.green", green);
+        unit.set("FrontLED.blue", blue);
         return Ok;
     });
 }

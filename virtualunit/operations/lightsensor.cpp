@@ -60,7 +60,7 @@ DeviceCode LightSensor_startAverageCalc(LightSensorHandle handle, uint32_t avera
                 code = AutomaticBacklight;
             const auto store = [&](Key key, double number) {
                 if (code == Ok)
-                    code = unit.store(key, number);
+                    code = unit.setChecked(key, number);
             };
             store("LightSensor.averageWindowSize", averageWindowSize);
             store("LightSensor.rejectWindowSize", rejectWindowSize);

@@ -1,5 +1,6 @@
 #include "virtualunit/calls/Operation.h"
-#include "virtualunit/state/assign.h"
+#include "virtualunit/state/Assignment.h"
+#include "virtualunit/state/latin1.h"
 
 using namespace virtualunit;
 
@@ -30,7 +31,7 @@ DeviceCode Settings_setString(SettingsHandle handle, const char *key, const char
     return perform(__func__, handle, {key, value}, Does::Write, [&](Unit &unit) {
         if (*key == '\0')
             return ValueOutOfRange;
-        unit.writeString(checkedString(fromLatin1(key)), checkedString(fromLatin1(value)));
+        unit.setString(checkedString(fromLatin1(key)), checkedString(fromLatin1(value)));
         return Ok;
     });
 }

@@ -24,7 +24,7 @@ Code restoreDefaults(Unit &unit, uint16_t confirmation)
     if (confirmation != 1)
         return ValueOutOfRange;
     for (std::size_t number = 0; number < std::size(defaults); ++number)
-        unit.write(firstSetting + number, defaults[number]);
+        unit.set(firstSetting + number, defaults[number]);
     return Ok;
 }
 
@@ -50,9 +50,9 @@ DeviceCode Touch_setMode(TouchHandle handle, int32_t mode)
     return perform(__func__, handle, {mode}, Does::Write, [&](Unit &unit) {
         Code code = unit.missing("Touch.mode");
         if (code == Ok)
-            code = unit.store("Touch.mode", mode);
+            code = unit.setChecked("Touch.mode", mode);
         if (code == Ok)
-            unit.write("Touch.nextBootMode", isMouse(mode) ? TOUCH_MOUSE : TOUCH_TOUCH);
+            unit.set("Touch.nextBootMode", isMouse(mode) ? TOUCH_MOUSE : TOUCH_TOUCH);
         return code;
     });
 }
@@ -90,6 +90,6 @@ DeviceCode Touch_setAdvancedSetting(TouchHandle handle, int32_t number, uint16_t
             return restoreDefaults(unit, value);
         if (number < 0 || number > TOUCH_RESTORE_DEFAULTS)
             return NoSuchChannel;
-        return unit.store(setting(number), value);
+        return unit.setChecked(setting(number), value);
     });
 }

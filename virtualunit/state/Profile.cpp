@@ -1,7 +1,9 @@
 #include "virtualunit/state/Profile.h"
 
-#include "virtualunit/calls/Operation.h"
-#include "virtualunit/state/assign.h"
+#include "virtualunit/state/Assignment.h"
+#include "virtualunit/state/codes.h"
+#include "virtualunit/state/life.h"
+#include "virtualunit/state/operationNames.h"
 #include "virtualunit/system/system.h"
 
 #include <nlohmann/json.hpp>
@@ -84,13 +86,13 @@ void readProfile(const Json &json, Snapshot &unit)
     }
 }
 
-Json writeValue(const Spec &spec, const Cell &cell, double number)
+Json writeValue(const Property &property, const Cell &cell, double number)
 {
-    if (spec.isText())
+    if (property.isText())
         return cell.text;
-    if (spec.living != Living::No && spec.living != Living::Ramp && !cell.pinned)
+    if (property.canBePinned() && !cell.pinned)
         return "live " + formatReal(std::round(number * 100) / 100);
-    return Json::parse(formatNumber(spec, number));
+    return Json::parse(formatNumber(property, number));
 }
 
 Json writeFault(const Fault &fault)
@@ -133,14 +135,14 @@ Snapshot profileSnapshot(const std::string &nameOrPath, std::int64_t epoch)
 std::string writeProfile(const Snapshot &unit, std::int64_t now)
 {
     Json values = Json::object();
-    for (std::size_t index = 0; index < specCount; ++index) {
-        const auto &spec = specs[index];
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        const auto &property = properties[index];
         const auto &cell = unit.cells[index];
-        const double number = life::accumulates(spec) && !cell.pinned
+        const double number = life::accumulates(property) && !cell.pinned
                                   ? life::settledAt(unit, Key(index), now)
                                   : cell.number;
-        if (number != spec.number || cell.text != spec.text || cell.pinned)
-            values[std::string(spec.name)] = writeValue(spec, cell, number);
+        if (number != property.number || cell.text != property.text || cell.pinned)
+            values[std::string(property.name)] = writeValue(property, cell, number);
     }
     for (const auto &[key, value] : unit.strings)
         values["Settings." + key] = value;

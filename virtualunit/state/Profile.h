@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtualunit/state/State.h"
+#include "virtualunit/state/Snapshot.h"
 
 /** Profile files: JSON with what differs from the table of properties, and faults and delays. */
 namespace virtualunit {

@@ -36,7 +36,7 @@ struct Span {
 };
 
 /** One value of the unit: what it may be, what it is on a fresh unit, and what it needs. */
-struct Spec {
+struct Property {
     std::string_view name;
     Kind kind = Kind::Integer;
     Span reports{};             ///< what the unit may hold
@@ -51,45 +51,48 @@ struct Spec {
     Living living = Living::No;
     bool driving = false; ///< the living values move differently after a change of this one
 
-    constexpr Spec &&needing(std::string_view feature) &&
+    constexpr Property &&needing(std::string_view feature) &&
     {
         (need.empty() ? need : alsoNeed) = feature;
         return std::move(*this);
     }
-    constexpr Spec &&availableWith(std::string_view property) &&
+    constexpr Property &&availableWith(std::string_view property) &&
     {
         whenever = property;
         return std::move(*this);
     }
-    constexpr Spec &&alive(Living how) &&
+    constexpr Property &&alive(Living how) &&
     {
         living = how;
         return std::move(*this);
     }
-    constexpr Spec &&drives() &&
+    constexpr Property &&drives() &&
     {
         driving = true;
         return std::move(*this);
     }
-    constexpr Spec &&reporting(double low, double high) &&
+    constexpr Property &&reporting(double low, double high) &&
     {
         reports = {low, high};
         return std::move(*this);
     }
 
+    /** Whether a number that is set stays until the value is let live again. What has a ramp lives
+     *  on from any number. */
+    constexpr bool canBePinned() const { return living != Living::No && living != Living::Ramp; }
     constexpr bool isText() const { return kind == Kind::Text || kind == Kind::Version; }
 };
 
 /** The shortest text that reads back as this number. */
 std::string formatReal(double number);
 /** The value as set() takes it. */
-std::string formatNumber(const Spec &spec, double number);
+std::string formatNumber(const Property &property, double number);
 /** "0 to 255 Hz", for people. */
-std::string rangeText(const Spec &spec);
+std::string rangeText(const Property &property);
 /** Reads what formatNumber() writes, and some words for truth values. Throws a Failure. */
-double parseNumber(const Spec &spec, std::string_view text);
+double parseNumber(const Property &property, std::string_view text);
 /** Returns the text if the property can hold it. Throws a Failure. */
-std::string checkedText(const Spec &spec, std::string_view text);
+std::string checkedText(const Property &property, std::string_view text);
 /** False too for what is no number. */
 constexpr bool within(const Span &span, double number)
 {
@@ -97,10 +100,5 @@ constexpr bool within(const Span &span, double number)
 }
 /** The four numbers of a version; false if the text is none. */
 bool parseVersion(std::string_view text, double high, std::array<unsigned, 4> &numbers);
-
-/** Texts cross the contract in Latin-1 and are UTF-8 everywhere else. */
-std::string fromLatin1(std::string_view text);
-/** Characters that Latin-1 lacks throw a Failure. */
-std::string toLatin1(std::string_view text);
 
 } // namespace virtualunit

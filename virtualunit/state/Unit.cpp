@@ -98,53 +98,53 @@ Code Unit::missing(Key key) const
 {
     const auto &dependence = dependences[key.index];
     for (const auto need : dependence.needs) {
-        if (need != specCount && !on(Key(need)))
+        if (need != propertyCount && !on(Key(need)))
             return NotSupported;
     }
-    if (dependence.whenever != specCount && !on(Key(dependence.whenever)))
+    if (dependence.whenever != propertyCount && !on(Key(dependence.whenever)))
         return NotAvailable;
     return Ok;
 }
 
-Code Unit::store(Key key, double number)
+Code Unit::setChecked(Key key, double number)
 {
-    if (!within(key.spec().writes, number))
+    if (!within(key.property().writes, number))
         return ValueOutOfRange;
-    write(key, number);
+    set(key, number);
     return Ok;
 }
 
 void Unit::save(Key key)
 {
-    file->saveCell(key, state[key]);
+    file->setCell(key, state[key]);
 }
 
 void Unit::settle()
 {
     std::vector<Cell> settled;
-    for (std::size_t index = 0; index < specCount; ++index) {
-        if (life::accumulates(specs[index]) && !state.cells[index].pinned)
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        if (life::accumulates(properties[index]) && !state.cells[index].pinned)
             settled.push_back({life::settledAt(state, Key(index), time), {}, time, false});
     }
     auto next = settled.begin();
-    for (std::size_t index = 0; index < specCount; ++index) {
-        if (life::accumulates(specs[index]) && !state.cells[index].pinned) {
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        if (life::accumulates(properties[index]) && !state.cells[index].pinned) {
             state.cells[index] = *next++;
             save(Key(index));
         }
     }
 }
 
-void Unit::write(Key key, double number)
+void Unit::set(Key key, double number)
 {
-    const auto &spec = key.spec();
-    if (spec.driving)
+    const auto &property = key.property();
+    if (property.driving)
         settle();
     const bool starting = key.index == Key("Unit.running").index && number != 0 && !on(key);
     auto &cell = state.cells[key.index];
     cell.number = number;
     cell.since = time;
-    cell.pinned = spec.living != Living::No && spec.living != Living::Ramp;
+    cell.pinned = property.canBePinned();
     save(key);
     if (starting)
         startUp();
@@ -168,16 +168,16 @@ void Unit::startUp()
         {"Touch.mode", "Touch.nextBootMode"},
     };
     for (const auto &pair : pairs)
-        write(pair.present, number(pair.stored));
+        set(pair.present, number(pair.stored));
     const Key cycles = "Diagnostics.powerCycles";
-    write(cycles, std::min(number(cycles) + 1, cycles.spec().reports.high));
-    write("Backlight.automaticBLStatus", 0);
-    write("LightSensor.averaging", 0);
-    write("Power.blPowerStatus", 1);
-    write("Buzzer.trigger", 0);
+    set(cycles, std::min(number(cycles) + 1, cycles.property().reports.high));
+    set("Backlight.automaticBLStatus", 0);
+    set("LightSensor.averaging", 0);
+    set("Power.blPowerStatus", 1);
+    set("Buzzer.trigger", 0);
 }
 
-void Unit::write(Key key, const std::string &utf8)
+void Unit::set(Key key, const std::string &utf8)
 {
     auto &cell = state.cells[key.index];
     cell.text = utf8;
@@ -185,57 +185,57 @@ void Unit::write(Key key, const std::string &utf8)
     save(key);
 }
 
-void Unit::release(Key key, std::optional<double> from)
+void Unit::setLiving(Key key, std::optional<double> from)
 {
     // What doesn't accumulate lives around its nominal value.
-    const double present = life::accumulates(key.spec()) ? number(key) : key.spec().number;
+    const double present = life::accumulates(key.property()) ? number(key) : key.property().number;
     const double start = from.value_or(present);
     settle();
     state.cells[key.index] = {start, {}, time, false};
     save(key);
 }
 
-void Unit::writeString(const std::string &key, const std::string &value)
+void Unit::setString(const std::string &key, const std::string &value)
 {
     state.strings[key] = value;
-    file->saveString(key, value);
+    file->setString(key, value);
 }
 
-void Unit::writeFault(const std::string &operation, const Fault &fault)
+void Unit::setFault(const std::string &operation, const Fault &fault)
 {
     if (fault.code == 0)
         state.faults.erase(operation);
     else
         state.faults[operation] = fault;
-    file->saveFault(operation, fault);
+    file->setFault(operation, fault);
 }
 
 void Unit::clearFaults()
 {
     state.faults.clear();
-    file->removeFaults();
+    file->clearFaults();
 }
 
-void Unit::writeDelay(const std::string &operation, std::uint32_t milliseconds)
+void Unit::setDelay(const std::string &operation, std::uint32_t milliseconds)
 {
     if (milliseconds == 0)
         state.delays.erase(operation);
     else
         state.delays[operation] = milliseconds;
-    file->saveDelay(operation, milliseconds);
+    file->setDelay(operation, milliseconds);
 }
 
-void Unit::moveClock(std::optional<std::int64_t> standing, bool ages)
+void Unit::setClock(std::optional<std::int64_t> standing, bool ages)
 {
     if (!ages)
         settle();
     state.clock = standing;
-    file->saveClock(standing);
+    file->setClock(standing);
     time = standing ? *standing : machineTime();
     if (ages)
         return;
-    for (std::size_t index = 0; index < specCount; ++index) {
-        if (life::accumulates(specs[index])) {
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        if (life::accumulates(properties[index])) {
             state.cells[index].since = time;
             save(Key(index));
         }
@@ -248,9 +248,9 @@ void Unit::replace(const Snapshot &snapshot)
     state = snapshot;
 }
 
-void Unit::writeImage(std::string_view controller, std::string_view bytes)
+void Unit::setImage(std::string_view controller, std::string_view bytes)
 {
-    file->saveImage(controller, bytes);
+    file->setImage(controller, bytes);
 }
 
 std::optional<std::string> Unit::image(std::string_view controller)
@@ -258,14 +258,14 @@ std::optional<std::string> Unit::image(std::string_view controller)
     return file->image(controller);
 }
 
-void Unit::addMessage(const ShortMessage &message)
+void Unit::addShortMessage(const ShortMessage &message)
 {
-    file->addMessage(message);
+    file->addShortMessage(message);
 }
 
-std::vector<ShortMessage> Unit::messages()
+std::vector<ShortMessage> Unit::shortMessages()
 {
-    return file->messages();
+    return file->shortMessages();
 }
 
 void Unit::pause(std::chrono::milliseconds duration)

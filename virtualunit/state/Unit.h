@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtualunit/state/State.h"
+#include "virtualunit/state/StateFile.h"
 #include "virtualunit/state/life.h"
 
 #include <chrono>
@@ -32,26 +32,26 @@ public:
     // Writing, in a Change only.
 
     /** What an operation stores: checked against the range that operations may write. */
-    Code store(Key key, double number);
+    Code setChecked(Key key, double number);
     /** What is so from now on, whatever the range; pins a living value. */
-    void write(Key key, double number);
-    void write(Key key, const std::string &utf8);
+    void set(Key key, double number);
+    void set(Key key, const std::string &utf8);
     /** Lets a value live again, from that number or from the present one. */
-    void release(Key key, std::optional<double> from);
-    void writeString(const std::string &key, const std::string &value);
-    void writeFault(const std::string &operation, const Fault &fault);
+    void setLiving(Key key, std::optional<double> from);
+    void setString(const std::string &key, const std::string &value);
+    void setFault(const std::string &operation, const Fault &fault);
     void clearFaults();
-    void writeDelay(const std::string &operation, std::uint32_t milliseconds);
+    void setDelay(const std::string &operation, std::uint32_t milliseconds);
     /** Time that the clock stood still or was set back doesn't age the unit. */
-    void moveClock(std::optional<std::int64_t> standing, bool ages);
+    void setClock(std::optional<std::int64_t> standing, bool ages);
     void replace(const Snapshot &snapshot);
     /** Firmware images by controller: "fpga", "ss", "front". */
-    void writeImage(std::string_view controller, std::string_view bytes);
-    void addMessage(const ShortMessage &message);
+    void setImage(std::string_view controller, std::string_view bytes);
+    void addShortMessage(const ShortMessage &message);
 
     /** May be read without a Change. */
     std::optional<std::string> image(std::string_view controller);
-    std::vector<ShortMessage> messages();
+    std::vector<ShortMessage> shortMessages();
 
     /** Waits with the unit free for others meanwhile, and takes up what they changed. Not within a
      *  Change. */

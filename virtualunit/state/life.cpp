@@ -1,5 +1,7 @@
 #include "virtualunit/state/life.h"
 
+#include "frame/VornAux2.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -124,7 +126,7 @@ double seenExtreme(const Snapshot &unit, Key key, std::int64_t now, bool highest
         return highest ? std::max(a, b) : std::min(a, b);
     };
     const double stored = unit[key].number;
-    if (key.spec().name.starts_with("Battery."))
+    if (key.property().name.starts_with("Battery."))
         return further(stored, extremeAt(unit, "Battery.temperature", now, highest));
     return further(stored, further(extremeAt(unit, "Diagnostics.ssTemp", now, highest),
                                extremeAt(unit, "Diagnostics.pcbTemp", now, highest)));
@@ -190,7 +192,7 @@ double minutesAt(const Snapshot &unit, Key key, std::int64_t now)
 {
     const auto &cell = unit[key];
     const double passed = counts(unit, key) ? elapsed(cell, now) / minute : 0;
-    return std::min(cell.number + passed, key.spec().reports.high);
+    return std::min(cell.number + passed, key.property().reports.high);
 }
 
 // Battery
@@ -321,7 +323,7 @@ double illuminance(const Snapshot &unit, std::int64_t now)
 
 double movedTo(const Snapshot &unit, Key key, std::int64_t now)
 {
-    switch (key.spec().living) {
+    switch (key.property().living) {
     case Living::Temperature:
         return temperatureAt(unit, key, now);
     case Living::Lowest:
@@ -341,7 +343,7 @@ double movedTo(const Snapshot &unit, Key key, std::int64_t now)
 
 double rawValueAt(const Snapshot &unit, Key key, std::int64_t now)
 {
-    switch (key.spec().living) {
+    switch (key.property().living) {
     case Living::Rail:
         return volts(unit, key, now);
     case Living::Temperature:
@@ -360,28 +362,28 @@ double rawValueAt(const Snapshot &unit, Key key, std::int64_t now)
 
 } // namespace
 
-bool accumulates(const Spec &spec)
+bool accumulates(const Property &property)
 {
-    return spec.living != Living::No && spec.living != Living::Rail &&
-           spec.living != Living::Charging && spec.living != Living::Light;
+    return property.living != Living::No && property.living != Living::Rail &&
+           property.living != Living::Charging && property.living != Living::Light;
 }
 
 double settledAt(const Snapshot &unit, Key key, std::int64_t now)
 {
-    const auto &range = key.spec().reports;
+    const auto &range = key.property().reports;
     return std::clamp(movedTo(unit, key, now), range.low, range.high);
 }
 
 double valueAt(const Snapshot &unit, Key key, std::int64_t now)
 {
-    const auto &spec = key.spec();
+    const auto &property = key.property();
     const auto &cell = unit[key];
-    if (spec.living == Living::No || cell.pinned)
+    if (property.living == Living::No || cell.pinned)
         return cell.number;
     double value = rawValueAt(unit, key, now);
-    if (spec.kind == Kind::Integer)
+    if (property.kind == Kind::Integer)
         value = std::round(value);
-    return std::clamp(value, spec.reports.low, spec.reports.high);
+    return std::clamp(value, property.reports.low, property.reports.high);
 }
 
 double filteredLight(const Snapshot &unit, const LightFilter &filter, std::int64_t now)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtualunit/state/State.h"
+#include "virtualunit/state/Snapshot.h"
 
 /**
  * How the unit lives: values as functions of what is stored and of the clock. Nothing runs in the
@@ -14,7 +14,7 @@ double valueAt(const Snapshot &unit, Key key, std::int64_t now);
 
 /** True for values that go on from where they are: they must be settled before what drives them
  *  changes. */
-bool accumulates(const Spec &spec);
+bool accumulates(const Property &property);
 /** Where such a value has come to, without noise and not rounded. */
 double settledAt(const Snapshot &unit, Key key, std::int64_t now);
 

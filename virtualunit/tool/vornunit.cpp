@@ -54,7 +54,7 @@ struct Options {
 
 void listProperties()
 {
-    std::vector<virtualunit::Property> properties;
+    std::vector<virtualunit::Value> properties;
     require(virtualunit::list(properties));
     std::size_t nameWidth = 0;
     std::size_t valueWidth = 0;
@@ -105,7 +105,7 @@ void setFault(const Options &options)
         require(virtualunit::clearFaults());
     else
         require(
-            virtualunit::addFault(options.operation, options.code, options.times, options.after));
+            virtualunit::setFault(options.operation, options.code, options.times, options.after));
 }
 
 /// Prints what the journal holds from that byte on and says where the next call goes on. A journal

@@ -1,4 +1,7 @@
-#include "virtualunit/state/assign.h"
+#include "virtualunit/state/Assignment.h"
+
+#include "virtualunit/state/codes.h"
+#include "virtualunit/state/latin1.h"
 
 namespace virtualunit {
 
@@ -20,21 +23,21 @@ Assignment readAssignment(const std::string &name, const std::string &value)
         return result;
     }
     const auto index = findProperty(name);
-    if (index == specCount)
+    if (index == propertyCount)
         throw Failure{ValueOutOfRange, "There is no value \"" + name + "\"."};
     result.key = Key(index);
-    const auto &spec = specs[index];
-    if (spec.isText()) {
-        result.text = checkedText(spec, value);
-    } else if (spec.living != Living::No && value == live) {
+    const auto &property = properties[index];
+    if (property.isText()) {
+        result.text = checkedText(property, value);
+    } else if (property.living != Living::No && value == live) {
         result.live = true;
-    } else if (spec.living != Living::No && value.starts_with("live ")) {
+    } else if (property.living != Living::No && value.starts_with("live ")) {
         result.live = result.from = true;
-        auto start = spec; // counters live with fractions of a minute
+        auto start = property; // counters live with fractions of a minute
         start.kind = Kind::Real;
         result.number = parseNumber(start, std::string_view(value).substr(live.size() + 1));
     } else {
-        result.number = parseNumber(spec, value);
+        result.number = parseNumber(property, value);
     }
     return result;
 }
@@ -46,11 +49,11 @@ void assign(Snapshot &unit, const std::string &name, const std::string &value)
         unit.strings[wanted.string] = wanted.text;
         return;
     }
-    const auto &spec = wanted.key.spec();
+    const auto &property = wanted.key.property();
     auto &cell = unit.cells[wanted.key.index];
     cell.text = wanted.text;
-    cell.number = wanted.live && !wanted.from ? spec.number : wanted.number;
-    cell.pinned = !wanted.live && spec.living != Living::No && spec.living != Living::Ramp;
+    cell.number = wanted.live && !wanted.from ? property.number : wanted.number;
+    cell.pinned = !wanted.live && property.canBePinned();
 }
 
 } // namespace virtualunit

@@ -7,84 +7,84 @@
 /** All values of the virtual unit, as data. Add a row and it is listed, checked and stored. */
 namespace virtualunit {
 
-constexpr Spec flag(std::string_view name, bool value, std::string_view description)
+constexpr Property flag(std::string_view name, bool value, std::string_view description)
 {
     return {name, Kind::Flag, {0, 1}, {0, 1}, value ? 1.0 : 0.0, {}, {}, description};
 }
 
-constexpr Spec integer(std::string_view name, double low, double high, double value,
+constexpr Property integer(std::string_view name, double low, double high, double value,
     std::string_view measure, std::string_view description)
 {
     return {name, Kind::Integer, {low, high}, {low, high}, value, {}, measure, description};
 }
 
 /** An enumeration: operations write its values only, but a unit may report others. */
-constexpr Spec choice(std::string_view name, double low, double high, double value,
+constexpr Property choice(std::string_view name, double low, double high, double value,
     std::string_view measure, std::string_view description)
 {
     return {
         name, Kind::Integer, {INT32_MIN, INT32_MAX}, {low, high}, value, {}, measure, description};
 }
 
-constexpr Spec onOff(std::string_view name, bool value, std::string_view description)
+constexpr Property onOff(std::string_view name, bool value, std::string_view description)
 {
     return choice(name, 0, 1, value ? 1.0 : 0.0, "(1 on, 0 off)", description);
 }
 
-constexpr Spec real(std::string_view name, double low, double high, double value,
+constexpr Property real(std::string_view name, double low, double high, double value,
     std::string_view measure, std::string_view description)
 {
     return {name, Kind::Real, {low, high}, {low, high}, value, {}, measure, description};
 }
 
-constexpr Spec text(std::string_view name, std::string_view value, std::string_view description)
+constexpr Property text(std::string_view name, std::string_view value, std::string_view description)
 {
     return {name, Kind::Text, {0, 199}, {0, 199}, 0, value, "characters", description};
 }
 
-constexpr Spec version(
+constexpr Property version(
     std::string_view name, double high, std::string_view value, std::string_view description)
 {
     return {name, Kind::Version, {0, high}, {0, high}, 0, value, "each", description};
 }
 
-constexpr Spec rail(std::string_view name, double volts, std::string_view description)
+constexpr Property rail(std::string_view name, double volts, std::string_view description)
 {
     return real(name, 0, 60, volts, "V", description).alive(Living::Rail);
 }
 
-constexpr Spec temperature(std::string_view name, double celsius, std::string_view description)
+constexpr Property temperature(std::string_view name, double celsius, std::string_view description)
 {
     return integer(name, -32768, 32767, celsius, "degrees C", description)
         .alive(Living::Temperature)
         .drives();
 }
 
-constexpr Spec minutes(std::string_view name, double value, std::string_view description)
+constexpr Property minutes(std::string_view name, double value, std::string_view description)
 {
     return integer(name, 0, UINT32_MAX, value, "min", description).alive(Living::Minutes);
 }
 
-constexpr Spec canRate(std::string_view name, double value)
+constexpr Property canRate(std::string_view name, double value)
 {
     return integer(name, 10, 1000, value, "kbit/s", "baud rate of the channel")
         .needing("Hardware.canCount")
         .reporting(0, 65535);
 }
 
-constexpr Spec canFrames(std::string_view name, double value)
+constexpr Property canFrames(std::string_view name, double value)
 {
     return choice(name, 0, 2, value, "(0 standard, 1 extended, 2 both)", "frames that it takes")
         .needing("Hardware.canCount");
 }
 
-constexpr Spec radio(
+constexpr Property radio(
     std::string_view name, std::string_view fitted, bool value, std::string_view description)
 {
     return onOff(name, value, description).needing("Telematics.available").needing(fitted);
 }
 
-constexpr Spec touch(std::string_view name, double high, double value, std::string_view measure,
+constexpr Property touch(std::string_view name, double high, double value, std::string_view measure,
     std::string_view description)
 {
     return integer(name, 0, high, value, measure, description)
@@ -92,12 +92,12 @@ constexpr Spec touch(std::string_view name, double high, double value, std::stri
         .needing("Feature.touchSettings");
 }
 
-constexpr Spec battery(Spec spec)
+constexpr Property battery(Property property)
 {
-    return std::move(spec).needing("Feature.battery").availableWith("Battery.available");
+    return std::move(property).needing("Feature.battery").availableWith("Battery.available");
 }
 
-inline constexpr auto specs = std::to_array<Spec>({
+inline constexpr auto properties = std::to_array<Property>({
     // What the unit consists of where no operation tells it.
     flag("Unit.running", true, "the computer runs; going from false to true is a start").drives(),
     integer("Unit.ambientTemp", -60, 120, 23, "degrees C", "temperature around the unit").drives(),
@@ -475,38 +475,38 @@ inline constexpr auto specs = std::to_array<Spec>({
     integer("CpuBoard.firmwareRevision", 0, 65535, 12, "", "firmware revision"),
 });
 
-inline constexpr std::size_t specCount = specs.size();
+inline constexpr std::size_t propertyCount = properties.size();
 
 constexpr std::size_t findProperty(std::string_view name)
 {
-    for (std::size_t index = 0; index < specCount; ++index) {
-        if (specs[index].name == name)
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        if (properties[index].name == name)
             return index;
     }
-    return specCount;
+    return propertyCount;
 }
 
 /** What each property depends on, by index, so that no call searches for names. */
 struct Dependence {
-    std::array<std::size_t, 2> needs; ///< specCount for none
-    std::size_t whenever;             ///< specCount for none
+    std::array<std::size_t, 2> needs; ///< propertyCount for none
+    std::size_t whenever;             ///< propertyCount for none
 };
 
 constexpr std::size_t findDependence(std::string_view name)
 {
-    const std::size_t index = name.empty() ? specCount : findProperty(name);
-    if (index == specCount && !name.empty())
+    const std::size_t index = name.empty() ? propertyCount : findProperty(name);
+    if (index == propertyCount && !name.empty())
         throw "depends on a property that doesn't exist";
     return index;
 }
 
 constexpr auto findDependences()
 {
-    std::array<Dependence, specCount> all{};
-    for (std::size_t index = 0; index < specCount; ++index) {
-        all[index].needs[0] = findDependence(specs[index].need);
-        all[index].needs[1] = findDependence(specs[index].alsoNeed);
-        all[index].whenever = findDependence(specs[index].whenever);
+    std::array<Dependence, propertyCount> all{};
+    for (std::size_t index = 0; index < propertyCount; ++index) {
+        all[index].needs[0] = findDependence(properties[index].need);
+        all[index].needs[1] = findDependence(properties[index].alsoNeed);
+        all[index].whenever = findDependence(properties[index].whenever);
     }
     return all;
 }
@@ -520,14 +520,14 @@ public:
     consteval Key(const char *name)
         : index(findProperty(name))
     {
-        if (index == specCount)
+        if (index == propertyCount)
             throw "no such property";
     }
     constexpr explicit Key(std::size_t number)
         : index(number)
     {}
 
-    constexpr const Spec &spec() const { return specs[index]; }
+    constexpr const Property &property() const { return properties[index]; }
     /** The property some rows further on, for channels. */
     constexpr Key operator+(std::size_t rows) const { return Key(index + rows); }
 

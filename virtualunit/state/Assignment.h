@@ -1,7 +1,6 @@
 #pragma once
 
-#include "virtualunit/state/State.h"
-#include "virtualunit/state/life.h"
+#include "virtualunit/state/Snapshot.h"
 
 namespace virtualunit {
 
@@ -10,7 +9,7 @@ inline constexpr std::string_view stringPrefix = "Settings.";
 
 /** What "NAME VALUE" asks for, checked. */
 struct Assignment {
-    Key key{specCount};
+    Key key{propertyCount};
     std::string string; ///< key of a stored string instead of a property
     std::string text;   ///< for texts
     double number = 0;  ///< for numbers

@@ -1,4 +1,4 @@
-#include "virtualunit/state/State.h"
+#include "virtualunit/state/StateFile.h"
 
 #include <cmath>
 #include <iterator>
@@ -36,12 +36,12 @@ Failure damaged(const std::string &what)
 }
 
 /** Counters hold fractions while they live, so the ranges have a little air here. */
-bool plausible(const Spec &spec, const Cell &cell)
+bool plausible(const Property &property, const Cell &cell)
 {
-    if (!spec.isText())
-        return within({spec.reports.low - 1, spec.reports.high + 1}, cell.number);
+    if (!property.isText())
+        return within({property.reports.low - 1, property.reports.high + 1}, cell.number);
     try {
-        checkedText(spec, cell.text);
+        checkedText(property, cell.text);
         return true;
     } catch (const Failure &) {
         return false;
@@ -49,16 +49,6 @@ bool plausible(const Spec &spec, const Cell &cell)
 }
 
 } // namespace
-
-Snapshot freshSnapshot(std::int64_t epoch)
-{
-    Snapshot snapshot;
-    snapshot.epoch = epoch;
-    snapshot.cells.reserve(specCount);
-    for (const auto &spec : specs)
-        snapshot.cells.push_back({spec.number, std::string(spec.text), epoch, false});
-    return snapshot;
-}
 
 StateFile::StateFile(const std::string &path, const std::function<Snapshot()> &makeUnit)
     : database(path)
@@ -171,7 +161,7 @@ void StateFile::loadCells(Snapshot &snapshot)
     while (values.step()) {
         const auto index = findProperty(values.text(0));
         const Cell cell{values.real(1), values.text(2), values.integer(3), values.integer(4) != 0};
-        if (index == specCount || !plausible(specs[index], cell))
+        if (index == propertyCount || !plausible(properties[index], cell))
             throw damaged("the value \"" + values.text(0) + "\" makes no sense");
         snapshot.cells[index] = cell;
     }
@@ -215,26 +205,26 @@ void StateFile::replaceAll(const Snapshot &snapshot)
     database.execute("DELETE FROM unit; DELETE FROM value; DELETE FROM string; DELETE FROM fault;"
                      "DELETE FROM delay; DELETE FROM image; DELETE FROM message");
     database.prepare("INSERT INTO unit VALUES ('epoch', ?)").bind(1, snapshot.epoch).run();
-    saveClock(snapshot.clock);
-    for (std::size_t index = 0; index < specCount; ++index) {
+    setClock(snapshot.clock);
+    for (std::size_t index = 0; index < propertyCount; ++index) {
         const auto &cell = snapshot.cells[index];
-        const auto &spec = specs[index];
-        if (cell.number != spec.number || cell.text != spec.text || cell.pinned)
-            saveCell(Key(index), cell);
+        const auto &property = properties[index];
+        if (cell.number != property.number || cell.text != property.text || cell.pinned)
+            setCell(Key(index), cell);
     }
     for (const auto &[key, value] : snapshot.strings)
-        saveString(key, value);
+        setString(key, value);
     for (const auto &[operation, fault] : snapshot.faults)
-        saveFault(operation, fault);
+        setFault(operation, fault);
     for (const auto &[operation, milliseconds] : snapshot.delays)
-        saveDelay(operation, milliseconds);
+        setDelay(operation, milliseconds);
 }
 
-void StateFile::saveCell(Key key, const Cell &cell)
+void StateFile::setCell(Key key, const Cell &cell)
 {
     if (!cellWriter)
         cellWriter.emplace(database.prepare("REPLACE INTO value VALUES (?, ?, ?, ?, ?)"));
-    cellWriter->bind(1, key.spec().name)
+    cellWriter->bind(1, key.property().name)
         .bind(2, cell.number)
         .bind(3, cell.text)
         .bind(4, cell.since)
@@ -242,12 +232,12 @@ void StateFile::saveCell(Key key, const Cell &cell)
         .run();
 }
 
-void StateFile::saveString(const std::string &key, const std::string &value)
+void StateFile::setString(const std::string &key, const std::string &value)
 {
     database.prepare("REPLACE INTO string VALUES (?, ?)").bind(1, key).bind(2, value).run();
 }
 
-void StateFile::saveFault(const std::string &operation, const Fault &fault)
+void StateFile::setFault(const std::string &operation, const Fault &fault)
 {
     if (fault.code == 0) {
         database.prepare("DELETE FROM fault WHERE operation = ?").bind(1, operation).run();
@@ -262,12 +252,12 @@ void StateFile::saveFault(const std::string &operation, const Fault &fault)
         .run();
 }
 
-void StateFile::removeFaults()
+void StateFile::clearFaults()
 {
     database.execute("DELETE FROM fault");
 }
 
-void StateFile::saveDelay(const std::string &operation, std::uint32_t milliseconds)
+void StateFile::setDelay(const std::string &operation, std::uint32_t milliseconds)
 {
     if (milliseconds == 0) {
         database.prepare("DELETE FROM delay WHERE operation = ?").bind(1, operation).run();
@@ -279,14 +269,14 @@ void StateFile::saveDelay(const std::string &operation, std::uint32_t millisecon
         .run();
 }
 
-void StateFile::saveClock(const std::optional<std::int64_t> &clock)
+void StateFile::setClock(const std::optional<std::int64_t> &clock)
 {
     database.execute("DELETE FROM unit WHERE name = 'clock'");
     if (clock)
         database.prepare("INSERT INTO unit VALUES ('clock', ?)").bind(1, *clock).run();
 }
 
-void StateFile::saveImage(std::string_view controller, std::string_view bytes)
+void StateFile::setImage(std::string_view controller, std::string_view bytes)
 {
     database.prepare("REPLACE INTO image VALUES (?, ?)")
         .bind(1, controller)
@@ -305,7 +295,7 @@ std::optional<std::string> StateFile::image(std::string_view controller)
     return bytes;
 }
 
-void StateFile::addMessage(const ShortMessage &message)
+void StateFile::addShortMessage(const ShortMessage &message)
 {
     database.prepare("INSERT INTO message (time, number, text) VALUES (?, ?, ?)")
         .bind(1, message.time)
@@ -314,7 +304,7 @@ void StateFile::addMessage(const ShortMessage &message)
         .run();
 }
 
-std::vector<ShortMessage> StateFile::messages()
+std::vector<ShortMessage> StateFile::shortMessages()
 {
     std::vector<ShortMessage> all;
     auto statement = database.prepare("SELECT time, number, text FROM message ORDER BY id");
