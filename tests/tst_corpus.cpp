@@ -23,6 +23,7 @@ void TestCorpus::replay_data()
     QTest::addColumn<Check>("check");
     QTest::addColumn<QString>("folder");
     QTest::newRow("gps") << Check(checkGpsBytes) << QStringLiteral("gps");
+    QTest::newRow("report") << Check(checkReport) << QStringLiteral("report");
     QTest::newRow("reply") << Check(checkModemReply) << QStringLiteral("reply");
 }
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 /**
- * What any bytes must do to the code that reads serial lines. Both end the process by a word on the
- * standard error stream where something is wrong. The fuzzer calls them with bytes of its own
+ * What any bytes must do to the code that reads what comes from outside. Each ends the process by a
+ * word on the standard error stream where something is wrong. The fuzzer calls them with bytes of its own
  * making, the test with those that it has saved.
  */
 
@@ -14,3 +14,6 @@ void checkGpsBytes(const std::uint8_t *bytes, std::size_t size);
 
 /** A modem's reply in the modem console. Makes an application object if there is none. */
 void checkModemReply(const std::uint8_t *bytes, std::size_t size);
+
+/** A system report, and what a report of made-up values says. */
+void checkReport(const std::uint8_t *bytes, std::size_t size);
