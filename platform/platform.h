@@ -7,20 +7,27 @@
 #include <optional>
 #include <string>
 
+class QFile;
+
 /** The operating system, in the words of the program. */
 namespace platform {
 
 /**
- * Makes sure that the standard streams are open and that a reader who goes away ends nothing. Comes
- * first in main(): else the next file that is opened gets the number of a closed stream, and a
- * message would be written into a report or into the unit's memory. Windows: the system's own
- * boxes about libraries and disks, for which nobody may be there, don't come up either.
+ * Makes sure that the standard streams are open, and that neither a reader who goes away nor a
+ * limit on the size of files ends anything: writing fails then, as on a full disk. Comes first in
+ * main(): else the next file that is opened gets the number of a closed stream, and a message would
+ * be written into a report or into the unit's memory. Windows: the system's own boxes about
+ * libraries and disks, for which nobody may be there, don't come up either.
  */
 void ensureStandardStreams();
 
-/** The path that stands at that place, which must exist, of main()'s arguments, with all its
- *  characters. */
-QString fileArgument(int index, const char *const *arguments);
+/** The path that stands at that place, which must exist, of main()'s arguments. Linux: the very
+ *  bytes, whether they are text or not. Windows: all that the command line can hold. */
+std::filesystem::path fileArgument(int index, const char *const *arguments);
+
+/** Opens the file of that very name for writing and empties it, or makes it. QFile's own names are
+ *  text, which on Linux not every name is. False if it can't be opened. */
+bool openForWriting(QFile &file, const std::filesystem::path &path);
 
 /** Writes one line to the standard error stream, in the encoding of the user's terminal. Failures
  *  are ignored, there being nowhere left to tell them. Windows: without such a stream it goes to

@@ -62,11 +62,21 @@ void ensureStandardStreams()
             return;
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
-QString fileArgument(int index, const char *const *arguments)
+fs::path fileArgument(int index, const char *const *arguments)
 {
-    return QFile::decodeName(arguments[index]);
+    return arguments[index];
+}
+
+bool openForWriting(QFile &file, const fs::path &path)
+{
+    int handle = -1;
+    do {
+        handle = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    } while (handle == -1 && errno == EINTR);
+    return handle != -1 && file.open(handle, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
 }
 
 void printErrorLine(const QString &line)

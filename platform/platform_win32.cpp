@@ -2,6 +2,8 @@
 
 #include "platform/calendarLine.h"
 
+#include <QFile>
+
 #include <array>
 #include <cstdlib>
 #include <ctime>
@@ -117,16 +119,22 @@ void ensureStandardStreams()
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
 }
 
-QString fileArgument(int index, const char *const *)
+fs::path fileArgument(int index, const char *const *)
 {
     // The bytes of main() have lost what the system's code page doesn't know.
-    QString argument;
+    fs::path argument;
     int count = 0;
     wchar_t **arguments = CommandLineToArgvW(GetCommandLineW(), &count);
     if (arguments && index < count)
-        argument = QString::fromWCharArray(arguments[index]);
+        argument = arguments[index];
     LocalFree(arguments);
     return argument;
+}
+
+bool openForWriting(QFile &file, const fs::path &path)
+{
+    file.setFileName(QString::fromStdWString(path.native()));
+    return !path.empty() && file.open(QIODevice::WriteOnly);
 }
 
 void printErrorLine(const QString &line)

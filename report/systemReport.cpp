@@ -110,10 +110,9 @@ void writeReportText(QIODevice &device, const QString &text)
     }
 }
 
-void writeSystemReport(const QString &fileName)
+void writeSystemReport(const std::filesystem::path &path)
 {
-    QFile file(fileName);
-    if (fileName.isEmpty() || !file.open(QIODevice::WriteOnly))
-        return;
-    writeReportText(file, generateSystemReport());
+    QFile file;
+    if (platform::openForWriting(file, path))
+        writeReportText(file, generateSystemReport());
 }

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <filesystem>
+
 class QIODevice;
 
 /**
@@ -17,4 +19,4 @@ void writeReportText(QIODevice &device, const QString &text);
 
 /** Replaces the content of that file by the system report. A file that can't be opened leaves the
  *  unit untouched; nothing is written before the report is complete. */
-void writeSystemReport(const QString &fileName);
+void writeSystemReport(const std::filesystem::path &path);

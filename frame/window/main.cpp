@@ -25,7 +25,7 @@ int main(int argc, char *argv[])
 
     if (argc == 3 && std::strcmp(argv[1], "--systemreport") == 0) {
         qInstallMessageHandler(dropToolkitWarnings);
-        const QString path = platform::fileArgument(2, argv); // before any may be taken away
+        const auto path = platform::fileArgument(2, argv); // before any may be taken away
         QCoreApplication application(argc, argv);
         writeSystemReport(path);
         return 0;
