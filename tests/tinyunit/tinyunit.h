@@ -7,7 +7,8 @@
 /* What the generated operations are made of, as the tiny unit has it. The foreign unit has its own
  * of each, which answer anything. */
 
-/** What every operation answers: the number in TINYUNIT_CODE, 18 without it. */
+/** What every operation answers: the number in TINYUNIT_CODE, 18 without it. The tiny unit makes
+ * the file that TINYUNIT_CALLED names when it is asked for the first time. */
 DeviceCode answer(void);
 
 /** Sets all bits of an out value if the answer is success: the highest and the lowest that a unit
