@@ -106,6 +106,7 @@ struct Struct {
 struct Enumerator {
     const char *name;
     std::int32_t value;
+    const char *comment;
 };
 
 struct Enumeration {
@@ -186,7 +187,7 @@ struct Call<const char *(T)> {
         using Record = ::name;                    \
         static constexpr Field list[] = {fields}; \
     };
-#define CONTRACT_ENUMERATOR(name) {#name, name},
+#define CONTRACT_ENUMERATOR(name, comment) {#name, name, comment},
 #define CONTRACT_ENUM(name, enumerators)                    \
     struct EnumeratorsOf_##name {                           \
         static constexpr Enumerator list[] = {enumerators}; \
