@@ -91,14 +91,14 @@ endfunction()
 
 # CONTRACT_ENUM(name, CONTRACT_ENUMERATOR(name, comment)...)
 function(contract_enum name body result)
-    string(REGEX MATCHALL "[A-Z0-9_]+ = [^${comment_begin}]*${comment_begin}[^${comment_end}]*"
+    string(REGEX MATCHALL "[A-Z0-9_]+ = [^,\n${comment_begin}]*,?( *${comment_begin}[^${comment_end}]*)?"
         enumerators "${body}")
     set(lines "")
     foreach(enumerator IN LISTS enumerators)
-        string(REGEX MATCH "^([A-Z0-9_]+)[^${comment_begin}]*${comment_begin} ?(.*)"
+        string(REGEX MATCH "^([A-Z0-9_]+)[^${comment_begin}]*(${comment_begin} ?(.*))?$"
             ignored "${enumerator}")
         set(enumerator ${CMAKE_MATCH_1})
-        contract_comment("${CMAKE_MATCH_2}" comment)
+        contract_comment("${CMAKE_MATCH_3}" comment)
         string(APPEND lines "\n    CONTRACT_ENUMERATOR(${enumerator}, ${comment})")
     endforeach()
     set(${result} "CONTRACT_ENUM(${name},${lines})" PARENT_SCOPE)
