@@ -5,6 +5,8 @@
 #include "virtualunit/state/Unit.h"
 #include "virtualunit/state/operationNames.h"
 
+#include <map>
+
 namespace virtualunit {
 
 namespace {
@@ -145,6 +147,23 @@ Error clearFaults()
 Error setDelay(const std::string &operation, std::uint32_t milliseconds)
 {
     return changing([&](Unit &unit) { unit.setDelay(checkedOperation(operation), milliseconds); });
+}
+
+Error disturbances(std::vector<Disturbance> &all)
+{
+    return reading([&](Unit &unit) {
+        const auto &snapshot = unit.snapshot();
+        std::map<std::string, Disturbance> found;
+        for (const auto &[operation, fault] : snapshot.faults)
+            found[operation] = {operation, fault.code, fault.times, fault.after, fault.seen};
+        for (const auto &[operation, milliseconds] : snapshot.delays) {
+            found[operation].operation = operation;
+            found[operation].delay = milliseconds;
+        }
+        all.clear();
+        for (const auto &[operation, disturbance] : found)
+            all.push_back(disturbance);
+    });
 }
 
 Error addShortMessage(const std::string &number, const std::string &text)

@@ -58,6 +58,18 @@ VIRTUALUNIT_API Error clearFaults();
 /** Each call of that operation takes so much longer; 0 takes the delay away. */
 VIRTUALUNIT_API Error setDelay(const std::string &operation, std::uint32_t milliseconds);
 
+/** What is set to go wrong with one operation. */
+struct Disturbance {
+    std::string operation;
+    std::int32_t code = 0;   ///< of its fault as setFault() takes it; 0 without
+    std::uint32_t times = 0; ///< the same
+    std::uint32_t after = 0; ///< the same
+    std::int64_t seen = 0;   ///< calls that the fault has counted; it counts only if it has to
+    std::uint32_t delay = 0; ///< milliseconds
+};
+/** Faults and delays by operation; those that have passed are still among them. */
+VIRTUALUNIT_API Error disturbances(std::vector<Disturbance> &all);
+
 /** A short message that the modem of the unit has sent. */
 struct ShortMessage {
     std::int64_t time = 0; ///< when, by the unit's clock, milliseconds since 1970

@@ -20,7 +20,15 @@ system::AppendedFile *journalFile()
 {
     static system::AppendedFile *const file = [] {
         const auto path = system::environment("VORN_JOURNAL");
-        return path.empty() ? nullptr : system::AppendedFile::open(system::pathOf(path)).release();
+        if (path.empty())
+            return static_cast<system::AppendedFile *>(nullptr);
+        std::string reason;
+        auto opened = system::AppendedFile::open(system::pathOf(path), reason);
+        if (!opened)
+            std::fprintf(stderr,
+                "The journal \"%s\" can't be written, calls go on without it: %s\n", path.c_str(),
+                reason.c_str());
+        return opened.release();
     }();
     return file;
 }

@@ -37,17 +37,20 @@ class AppendedFile
 {
 public:
     virtual ~AppendedFile() = default;
-    /** Appends all of it by one write of its own. */
+    /** Appends all of it by one write of its own. Waits for the reader of a pipe that is full. */
     virtual void append(std::string_view text) = 0;
 
-    /** Opened, or made if it isn't there; null if it can't be. */
-    static std::unique_ptr<AppendedFile> open(const std::filesystem::path &path);
+    /** Opened, or made if it isn't there. Else null, and the reason says why; a pipe is refused
+     * that nobody reads. */
+    static std::unique_ptr<AppendedFile> open(
+        const std::filesystem::path &path, std::string &reason);
 };
 
 /** The arguments behind the program's name, from those of main(). */
 std::vector<std::string> arguments(int argc, char **argv);
 
-/** Makes the standard streams take UTF-8 and leave line ends as they are. */
-void prepareStreams();
+/** For the main() of a tool, not for libraries: the standard streams take UTF-8 and leave line ends
+ * as they are, and what goes beyond the limit of file sizes is an error rather than the end. */
+void prepareProcess();
 
 } // namespace virtualunit::system

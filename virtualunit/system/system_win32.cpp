@@ -1,6 +1,7 @@
 #include "virtualunit/system/system.h"
 
 #include <cstdio>
+#include <system_error>
 
 #include <fcntl.h>
 #include <io.h>
@@ -61,13 +62,19 @@ std::filesystem::path userDataFolder()
     return folder.is_absolute() ? folder : std::filesystem::path();
 }
 
-std::unique_ptr<AppendedFile> AppendedFile::open(const std::filesystem::path &path)
+std::unique_ptr<AppendedFile> AppendedFile::open(
+    const std::filesystem::path &path, std::string &reason)
 {
     // With this right alone the system itself moves each write to the file's end.
     const HANDLE handle = CreateFileW(path.c_str(), FILE_APPEND_DATA,
         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
         FILE_ATTRIBUTE_NORMAL, nullptr);
-    return handle == INVALID_HANDLE_VALUE ? nullptr : std::make_unique<WindowsFile>(handle);
+    if (handle == INVALID_HANDLE_VALUE) {
+        const std::error_code error(static_cast<int>(GetLastError()), std::system_category());
+        reason = error.message();
+        return nullptr;
+    }
+    return std::make_unique<WindowsFile>(handle);
 }
 
 std::vector<std::string> arguments(int, char **)
@@ -82,7 +89,7 @@ std::vector<std::string> arguments(int, char **)
     return texts;
 }
 
-void prepareStreams()
+void prepareProcess()
 {
     SetConsoleOutputCP(CP_UTF8);
     for (std::FILE *stream : {stdout, stderr})

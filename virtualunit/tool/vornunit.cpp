@@ -1,44 +1,30 @@
+#include "commandline/commandline.h"
 #include "virtualunit/VirtualUnit.h"
 #include "virtualunit/lines/serve.h"
 #include "virtualunit/system/system.h"
+#include "virtualunit/tool/journal.h"
+#include "virtualunit/tool/lists.h"
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
-#include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
 
+using tool::Format;
+using tool::require;
 using virtualunit::system::environment;
 using virtualunit::system::pathOf;
-
-/// The exit codes that scripts may rely on.
-enum ExitCode { Done = 0, Refused = 1, WrongUsage = 2 };
-
-/// Thrown where the unit or the system says no; the text goes to the standard error stream.
-struct Refusal {
-    std::string reason;
-};
-
-void require(const virtualunit::Error &error)
-{
-    if (!error.empty())
-        throw Refusal{error};
-}
 
 struct Options {
     std::string unit;
     std::string profile;
     std::string name;
+    std::vector<std::string> names;
+    std::string filter;
     std::string value;
     std::string operation;
     std::int32_t code = 0;
@@ -50,38 +36,14 @@ struct Options {
     std::string recording;
     bool clear = false;
     bool follow = false;
+    bool json = false;
+
+    Format format() const { return json ? Format::Json : Format::Text; }
 };
 
-void listProperties()
+void addJsonFlag(CLI::App &command, Options &options)
 {
-    std::vector<virtualunit::Value> properties;
-    require(virtualunit::list(properties));
-    std::size_t nameWidth = 0;
-    std::size_t valueWidth = 0;
-    for (const auto &property : properties) {
-        nameWidth = std::max(nameWidth, property.name.size());
-        valueWidth = std::max(valueWidth, property.value.size());
-    }
-    // One long text must not push the explanations of all the others off the screen.
-    valueWidth = std::min<std::size_t>(valueWidth, 24);
-    const auto padded = [](std::string text, std::size_t width) {
-        text.resize(std::max(text.size(), width), ' ');
-        return text;
-    };
-    for (const auto &property : properties) {
-        std::cout << padded(property.name, nameWidth) << "  " << padded(property.value, valueWidth)
-                  << "  " << property.description;
-        if (!property.range.empty())
-            std::cout << " [" << property.range << ']';
-        std::cout << '\n';
-    }
-}
-
-void getProperty(const std::string &name)
-{
-    std::string value;
-    require(virtualunit::get(name, value));
-    std::cout << value << '\n';
+    command.add_flag("--json", options.json, "Prints JSON");
 }
 
 void printProfile()
@@ -89,103 +51,75 @@ void printProfile()
     std::string text;
     require(virtualunit::profileText(text));
     std::cout << text;
-    if (text.empty() || text.back() != '\n')
-        std::cout << '\n';
 }
 
-void printProfileNames()
+void setValue(const std::string &name, const std::string &value)
 {
-    for (const auto &name : virtualunit::profiles())
-        std::cout << name << '\n';
+    const auto error = virtualunit::set(name, value);
+    // Strings of the Settings family need not be there before.
+    if (!error.empty() && !name.starts_with("Settings."))
+        tool::requireValue(name);
+    require(error);
 }
 
 void setFault(const Options &options)
 {
     if (options.clear)
-        require(virtualunit::clearFaults());
-    else
-        require(
-            virtualunit::setFault(options.operation, options.code, options.times, options.after));
+        return require(virtualunit::clearFaults());
+    tool::requireOperation(options.operation);
+    require(virtualunit::setFault(options.operation, options.code, options.times, options.after));
 }
 
-/// Prints what the journal holds from that byte on and says where the next call goes on. A journal
-/// that has become shorter was emptied and is read from its beginning.
-std::uintmax_t printJournal(const std::string &file, std::uintmax_t position)
-{
-    std::error_code error;
-    const auto size = std::filesystem::file_size(pathOf(file), error);
-    if (error || size == position)
-        return error ? 0 : position;
-    if (size < position)
-        position = 0;
-    std::ifstream stream(pathOf(file), std::ios::binary);
-    stream.seekg(static_cast<std::streamoff>(position));
-    std::vector<char> chunk(std::size_t{64} * 1024);
-    while (stream && std::cout) {
-        stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-        std::cout.write(chunk.data(), stream.gcount());
-        position += static_cast<std::uintmax_t>(stream.gcount());
-    }
-    std::cout.flush();
-    return position;
-}
-
-void clearJournal(const std::string &file)
-{
-    // Emptied in place: the processes that write to it go on writing to the same file.
-    std::error_code error;
-    std::filesystem::resize_file(pathOf(file), 0, error);
-    if (error && error != std::errc::no_such_file_or_directory)
-        throw Refusal{"The journal \"" + file + "\" can't be emptied: " + error.message()};
-}
-
-void showJournal(const Options &options)
-{
-    if (options.journal.empty())
-        throw Refusal{"There is no journal: set VORN_JOURNAL to its file or name it with --file"};
-    if (options.clear)
-        clearJournal(options.journal);
-    if (options.clear && !options.follow)
-        return;
-    if (!options.follow && !std::ifstream(pathOf(options.journal)))
-        throw Refusal{"The journal \"" + options.journal + "\" can't be read"};
-    auto position = printJournal(options.journal, 0);
-    while (options.follow && std::cout) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        position = printJournal(options.journal, position);
-    }
-}
-
-void addStateCommands(CLI::App &app, Options &options)
+void addProfileCommands(CLI::App &app, Options &options)
 {
     auto *init = app.add_subcommand("init", "Makes the unit one of that profile, factory-new");
     init->add_option("PROFILE", options.profile, "A name that \"profiles\" lists, or a file")
         ->required();
     init->final_callback([&] { require(virtualunit::loadProfile(options.profile)); });
 
-    app.add_subcommand("list", "Lists all values with their meaning and range")
-        ->final_callback(listProperties);
+    app.add_subcommand("profile", "Prints the present unit as a profile file")
+        ->final_callback(printProfile);
 
-    auto *get = app.add_subcommand("get", "Prints one value");
-    get->add_option("NAME", options.name, "The value's name, such as Backlight.intensity")
+    auto *profiles = app.add_subcommand("profiles", "Lists the profiles that come with the unit");
+    addJsonFlag(*profiles, options);
+    profiles->final_callback([&] { tool::listProfiles(options.format()); });
+}
+
+void addValueCommands(CLI::App &app, Options &options)
+{
+    auto *list = app.add_subcommand("list", "Lists the values with their meaning and range");
+    list->add_option("FILTER", options.filter, "Only names with this in them, whatever the case");
+    addJsonFlag(*list, options);
+    list->final_callback([&] { tool::listValues(options.filter, options.format()); });
+
+    auto *get = app.add_subcommand("get", "Prints values, each on its line");
+    get->add_option("NAME", options.names, "The value's name, such as Backlight.intensity")
         ->required();
-    get->final_callback([&] { getProperty(options.name); });
+    addJsonFlag(*get, options);
+    get->final_callback([&] { tool::printValues(options.names, options.format()); });
 
     auto *set = app.add_subcommand("set", "Changes one value");
     set->add_option("NAME", options.name, "The value's name, such as Backlight.intensity")
         ->required();
     set->add_option("VALUE", options.value, "The new value; behind -- it may begin with a dash")
         ->required();
-    set->final_callback([&] { require(virtualunit::set(options.name, options.value)); });
+    set->final_callback([&] { setValue(options.name, options.value); });
 
-    app.add_subcommand("profile", "Prints the present unit as a profile file")
-        ->final_callback(printProfile);
-    app.add_subcommand("profiles", "Lists the profiles that come with the unit")
-        ->final_callback(printProfileNames);
+    auto *watch =
+        app.add_subcommand("watch", "Prints values and all their changes until interrupted");
+    watch->add_option("NAME", options.names, "The value's name, such as Backlight.intensity")
+        ->required();
+    watch->final_callback([&] { tool::watchValues(options.names); });
 }
 
 void addDisturbanceCommands(CLI::App &app, Options &options)
 {
+    auto *operations = app.add_subcommand("operations", "Lists the operations of the contract");
+    operations->add_option(
+        "FILTER", options.filter, "Only names with this in them, whatever the case");
+    addJsonFlag(*operations, options);
+    operations->final_callback([&] { tool::listOperations(options.filter, options.format()); });
+
     auto *fault = app.add_subcommand("fault", "Lets an operation fail with a code");
     auto *clear =
         fault->add_flag("--clear", options.clear, "Takes all faults and nothing else away");
@@ -206,8 +140,14 @@ void addDisturbanceCommands(CLI::App &app, Options &options)
     delay->add_option("OPERATION", options.operation, "An operation of the contract")->required();
     delay->add_option("MS", options.milliseconds, "Milliseconds; 0 takes the delay away")
         ->required();
-    delay->final_callback(
-        [&] { require(virtualunit::setDelay(options.operation, options.milliseconds)); });
+    delay->final_callback([&] {
+        tool::requireOperation(options.operation);
+        require(virtualunit::setDelay(options.operation, options.milliseconds));
+    });
+
+    auto *faults = app.add_subcommand("faults", "Lists the faults and delays that are set");
+    addJsonFlag(*faults, options);
+    faults->final_callback([&] { tool::listDisturbances(options.format()); });
 }
 
 void addJournalCommand(CLI::App &app, Options &options)
@@ -218,38 +158,8 @@ void addJournalCommand(CLI::App &app, Options &options)
     journal->add_option("--file", options.journal, "The journal's file, else that of VORN_JOURNAL");
     journal->add_flag("--follow", options.follow, "Goes on with new lines until interrupted");
     journal->add_flag("--clear", options.clear, "Empties it first, and prints nothing of it");
-    journal->final_callback([&] { showJournal(options); });
-}
-
-/// Control characters as C writes them, so that a message stays on its line.
-void printText(const std::string &text)
-{
-    for (const char byte : text) {
-        if (byte == '\r' || byte == '\n')
-            std::cout << (byte == '\r' ? "\\r" : "\\n");
-        else if (static_cast<unsigned char>(byte) < ' ')
-            std::cout << "\\x" << std::hex << std::setw(2) << std::setfill('0') << int{byte}
-                      << std::dec;
-        else
-            std::cout << byte;
-    }
-}
-
-void printMessages()
-{
-    std::vector<virtualunit::ShortMessage> messages;
-    require(virtualunit::shortMessages(messages));
-    for (const auto &message : messages) {
-        // A state file may hold any number, and Windows knows no years before 1970 or after 3000.
-        const auto seconds = static_cast<std::time_t>(message.time / 1000);
-        if (const std::tm *utc = std::gmtime(&seconds))
-            std::cout << std::put_time(utc, "%Y-%m-%d %H:%M:%S");
-        else
-            std::cout << message.time;
-        std::cout << "  " << message.number << "  ";
-        printText(message.text);
-        std::cout << '\n';
-    }
+    journal->final_callback(
+        [&] { tool::showJournal(options.journal, options.clear, options.follow); });
 }
 
 void addLineCommands(CLI::App &app, Options &options)
@@ -260,14 +170,23 @@ void addLineCommands(CLI::App &app, Options &options)
         "The folder with the lines under the names that the unit stores, else VORN_SERIAL_DIR");
     lines->add_option(
         "--gps", options.recording, "A file of NMEA sentences to be replayed over and over");
-    lines->final_callback(
-        [&] { virtualunit::lines::serveLines(pathOf(options.folder), pathOf(options.recording)); });
+    lines->final_callback([&] {
+        try {
+            virtualunit::lines::serveLines(pathOf(options.folder), pathOf(options.recording));
+        } catch (const std::runtime_error &trouble) {
+            throw commandline::Refusal{trouble.what()};
+        }
+    });
 
-    app.add_subcommand("sms", "Lists the short messages that the modem has sent, times in UTC")
-        ->final_callback(printMessages);
+    auto *sms =
+        app.add_subcommand("sms", "Lists the short messages that the modem has sent, times in UTC");
+    addJsonFlag(*sms, options);
+    sms->final_callback([&] { tool::listShortMessages(options.format()); });
 }
 
-int run(int argc, char **argv)
+} // namespace
+
+int main(int argc, char **argv)
 {
     CLI::App app("Looks after the virtual unit: its state, its profile, its faults, its journal.");
     app.name("vornunit");
@@ -282,34 +201,10 @@ int run(int argc, char **argv)
             require(virtualunit::open(options.unit));
     });
     app.fallthrough();
-    addStateCommands(app, options);
+    addProfileCommands(app, options);
+    addValueCommands(app, options);
     addDisturbanceCommands(app, options);
     addJournalCommand(app, options);
     addLineCommands(app, options);
-    auto arguments = virtualunit::system::arguments(argc, argv);
-    std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
-    try {
-        app.parse(arguments);
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? Done : WrongUsage;
-    }
-    std::cout.flush();
-    if (!std::cout)
-        throw Refusal{"The output can't be written"};
-    return Done;
-}
-
-} // namespace
-
-int main(int argc, char **argv)
-{
-    virtualunit::system::prepareStreams();
-    try {
-        return run(argc, argv);
-    } catch (const Refusal &refusal) {
-        std::cerr << "vornunit: " << refusal.reason << '\n';
-    } catch (const std::exception &error) {
-        std::cerr << "vornunit: " << error.what() << '\n';
-    }
-    return Refused;
+    return commandline::run(app, argc, argv);
 }
