@@ -272,6 +272,8 @@ private:
         }
         if (item.name == minimumTemp)
             return takeTemperatures(item, line);
+        if (item.name == maximumTemp)
+            return false; // it stands behind the other
         std::optional<std::string_view> value;
         std::optional<std::string_view> failing;
         if (item.labels(line, rest))

@@ -1,0 +1,213 @@
+#include "reports/Inputs.h"
+
+#include "virtualunit/system/system.h"
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+namespace reports {
+
+namespace {
+
+using virtualunit::system::pathOf;
+using virtualunit::system::textOf;
+namespace fs = std::filesystem;
+
+constexpr std::size_t largest = std::size_t{1} << 20; ///< bytes that are held at once
+
+bool isReportName(const fs::path &path)
+{
+    std::string extension = textOf(path.extension());
+    std::transform(extension.begin(), extension.end(), extension.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+    });
+    return extension == ".txt";
+}
+
+std::size_t readSome(std::streambuf &from, char *to, std::size_t size)
+{
+    const auto count = from.sgetn(to, static_cast<std::streamsize>(size));
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+/** So that a log's text lies in one piece, as readers get it. */
+void dropCarriageReturns(std::string &bytes)
+{
+    if (bytes.find("\r\n") == std::string::npos)
+        return;
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] != '\r' || i + 1 == bytes.size() || bytes[i + 1] != '\n')
+            bytes[size++] = bytes[i];
+    }
+    bytes.resize(size);
+}
+
+} // namespace
+
+Inputs::Inputs(std::vector<std::string> names, const std::string &list)
+    : given(names.begin(), names.end())
+{
+    if (list == "-") {
+        listed = &std::cin;
+    } else if (!list.empty()) {
+        std::error_code error;
+        listFile.open(pathOf(list), std::ios::binary);
+        if (listFile && !fs::is_directory(pathOf(list), error))
+            listed = &listFile;
+        else
+            listTrouble = "the list \"" + list + "\" can't be read";
+    }
+}
+
+bool Inputs::nextName(std::string &name)
+{
+    if (!given.empty()) {
+        name = std::move(given.front());
+        given.pop_front();
+        return true;
+    }
+    while (listed && std::getline(*listed, name)) {
+        if (name.ends_with('\r'))
+            name.pop_back();
+        if (!name.empty())
+            return true;
+    }
+    return false;
+}
+
+bool Inputs::next(Input &input)
+{
+    input = {};
+    while (true) {
+        if (!inFolder.empty()) {
+            input.name = std::move(inFolder.front());
+            inFolder.pop_front();
+            return true;
+        }
+        if (!nextName(input.name)) {
+            input.trouble = std::exchange(listTrouble, {});
+            return !input.trouble.empty();
+        }
+        std::error_code error;
+        if (input.name == "-" || !fs::is_directory(pathOf(input.name), error))
+            return true;
+        try {
+            list(input.name);
+        } catch (const fs::filesystem_error &failure) {
+            const std::string folder = textOf(failure.path1());
+            input.trouble = (folder.empty() ? input.name : folder) +
+                            ": can't be listed: " + failure.code().message();
+            return true;
+        }
+    }
+}
+
+void Inputs::list(const std::string &folder)
+{
+    std::vector<std::string> names;
+    for (const auto &entry : fs::recursive_directory_iterator(pathOf(folder))) {
+        std::error_code error;
+        if (isReportName(entry.path()) && entry.is_regular_file(error))
+            names.push_back(textOf(entry.path()));
+    }
+    std::sort(names.begin(), names.end());
+    inFolder.assign(std::make_move_iterator(names.begin()), std::make_move_iterator(names.end()));
+}
+
+Content::Content(const Input &input)
+{
+    if (!input.trouble.empty())
+        throw Trouble{input.trouble};
+    if (input.name == "-") {
+        load(*std::cin.rdbuf());
+        if (large)
+            spool(*std::cin.rdbuf());
+        return;
+    }
+    const fs::path path = pathOf(input.name);
+    std::error_code error;
+    const auto status = fs::status(path, error);
+    file.pubsetbuf(nullptr, 0); // it is read in large pieces
+    if (!fs::exists(status))
+        throw Trouble{input.name + ": there is no such file"};
+    if (!file.open(path, std::ios::in | std::ios::binary))
+        throw Trouble{input.name + ": can't be opened"};
+    try {
+        load(file);
+    } catch (const std::exception &) {
+        throw Trouble{input.name + ": can't be read"};
+    }
+    if (large && !fs::is_regular_file(status))
+        spool(file); // a pipe
+}
+
+Content::~Content()
+{
+    if (spooled)
+        std::fclose(spooled);
+}
+
+void Content::load(std::streambuf &from)
+{
+    constexpr std::size_t step = std::size_t{1} << 14;
+    std::size_t size = 0;
+    while (size <= largest) {
+        if (start.size() < size + step)
+            start.resize(std::max(size + step, 2 * size));
+        const std::size_t count = readSome(from, start.data() + size, start.size() - size);
+        if (count == 0)
+            break;
+        size += count;
+    }
+    start.resize(size);
+    large = size > largest;
+    if (!large)
+        dropCarriageReturns(start);
+}
+
+void Content::spool(std::streambuf &from)
+{
+    spooled = std::tmpfile();
+    bool written = spooled != nullptr;
+    while (written && !start.empty()) {
+        written = std::fwrite(start.data(), 1, start.size(), spooled) == start.size();
+        start.resize(readSome(from, start.data(), start.size()));
+    }
+    if (!written)
+        throw Trouble{"there is no room for a temporary file"};
+    start.assign(1, '\0'); // it wasn't empty
+}
+
+Facts Content::read(EntrySink &sink)
+{
+    if (!large) {
+        Lines lines{std::string_view(start)};
+        return readReport(lines, sink);
+    }
+    if (spooled) {
+        std::rewind(spooled);
+        Lines lines(
+            [this](char *to, std::size_t size) { return std::fread(to, 1, size, spooled); });
+        return readReport(lines, sink);
+    }
+    start.resize(1);
+    start.shrink_to_fit();
+    file.pubseekpos(0);
+    Lines lines([this](char *to, std::size_t size) { return readSome(file, to, size); });
+    return readReport(lines, sink);
+}
+
+Facts readFacts(Content &content, const std::string &name)
+{
+    if (content.isEmpty())
+        throw Trouble{name + ": is empty"};
+    NoEntries nothing;
+    Facts facts = content.read(nothing);
+    if (facts.known == 0)
+        throw Trouble{name + ": is no system report"};
+    return facts;
+}
+
+} // namespace reports
