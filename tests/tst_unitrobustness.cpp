@@ -55,6 +55,24 @@ void execute(const QString &file, const QString &sql)
     sqlite3_close(database);
 }
 
+/// What puts a text where the unit's file has a number.
+QString statementFor(const QString &kind)
+{
+    const QHash<QString, const char *> statements{
+        {QStringLiteral("text for a value"),
+            "REPLACE INTO value VALUES ('Buzzer.volume', 'loud', '', 0, 0)"},
+        {QStringLiteral("text for a time"),
+            "REPLACE INTO value VALUES ('Buzzer.volume', 7, '', 'noon', 0)"},
+        {QStringLiteral("text for a pin"),
+            "REPLACE INTO value VALUES ('Adc.voltage0', 7, '', 0, 'yes')"},
+        {QStringLiteral("text for a fault"),
+            "REPLACE INTO fault VALUES ('Buzzer_getVolume', 'no', 0, 0, 0)"},
+        {QStringLiteral("text for a delay"),
+            "REPLACE INTO delay VALUES ('Buzzer_getVolume', 'long')"},
+        {QStringLiteral("text for the clock"), "INSERT INTO unit VALUES ('clock', 'noon')"}};
+    return QString::fromLatin1(statements[kind]);
+}
+
 /// One operation of each family, as what the unit's file is to them all.
 std::vector<std::pair<QString, DeviceCode>> callEachFamily()
 {
@@ -373,7 +391,8 @@ void UnitRobustnessTest::leavesBadFilesAlone_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind : {"text", "zero bytes", "damaged middle", "cut", "foreign database",
-             "folder", "below a file"})
+             "folder", "below a file", "text for a value", "text for a time", "text for a pin",
+             "text for a fault", "text for a delay", "text for the clock"})
         QTest::newRow(kind) << QString::fromLatin1(kind);
 }
 
@@ -413,6 +432,8 @@ void UnitRobustnessTest::leavesBadFilesAlone()
             unit.write(QByteArray(int(unit.size()) - 100, '\xA5'));
         } else if (kind == QLatin1String("cut")) {
             unit.resize(unit.size() / 2);
+        } else if (kind.startsWith(QLatin1String("text for"))) {
+            execute(file, statementFor(kind));
         } else {
             path = file + QLatin1String("/unit.sqlite");
         }
@@ -423,6 +444,11 @@ void UnitRobustnessTest::leavesBadFilesAlone()
         return bad.open(QIODevice::ReadOnly) ? bad.readAll() : QByteArray();
     };
     const auto before = content();
+    if (kind.startsWith(QLatin1String("text for"))) {
+        QVERIFY(!virtualunit::open(path.toStdString()).empty());
+        uint16_t volume = 0;
+        QCOMPARE(Buzzer_getVolume(DeviceHandle<Buzzer_create, Buzzer_release>(), &volume), 9);
+    }
 
     const bool openSays = !virtualunit::open(path.toStdString()).empty();
     for (const auto &[operation, code] : callEachFamily()) {

@@ -3,6 +3,9 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -36,9 +39,19 @@ private slots:
     void helps();
     void refusesWrongUsage_data();
     void refusesWrongUsage();
+    void namesWhatWasMeant_data();
+    void namesWhatWasMeant();
+    void tellsItsVersion();
     void makesEveryProfile();
     void refusesUnknownProfiles();
+    void saysWhatIsWrongWithAProfile_data();
+    void saysWhatIsWrongWithAProfile();
     void listsAllValues();
+    void listsByFilter();
+    void listsFaults();
+    void printsJson();
+    void watches();
+    void keepsWhatIsLetLive();
     void setsAndGets_data();
     void setsAndGets();
     void refusesValues_data();
@@ -100,8 +113,8 @@ void VornunitTest::helps()
     const auto help = run("--help");
     QCOMPARE(help.exitCode, 0);
     QCOMPARE(help.err, QString());
-    for (const char *command :
-        {"init", "list", "get", "set", "fault", "delay", "journal", "profile", "profiles"}) {
+    for (const char *command : {"init", "list", "get", "set", "fault", "delay", "journal",
+             "profile", "profiles", "watch", "operations", "faults", "lines", "sms"}) {
         QVERIFY2(help.out.contains(QLatin1String("\n  ") + QLatin1String(command)), command);
         const auto own = run({QLatin1String(command), QStringLiteral("--help")});
         QCOMPARE(own.exitCode, 0);
@@ -116,13 +129,14 @@ void VornunitTest::refusesWrongUsage_data()
 {
     QTest::addColumn<QString>("arguments");
     QTest::newRow("nothing") << QString();
-    for (const char *arguments : {"dance", "init", "get", "get A B", "set Buzzer.volume",
-             "set Buzzer.volume 1 2", "fault", "fault Buzzer_getVolume", "fault Buzzer_getVolume x",
-             "fault Buzzer_getVolume 5 --times -1", "fault Buzzer_getVolume 5 --after x",
-             "fault Buzzer_getVolume 5 --clear", "fault --clear --times 2",
-             "fault Buzzer_getVolume 99999999999", "delay Buzzer_getVolume",
-             "delay Buzzer_getVolume -1", "list --all", "list extra", "journal extra",
-             "profile extra", "--unit"})
+    for (const char *arguments :
+        {"dance", "init", "get", "get --json", "watch", "set Buzzer.volume",
+            "set Buzzer.volume 1 2", "fault", "fault Buzzer_getVolume", "fault Buzzer_getVolume x",
+            "fault Buzzer_getVolume 5 --times -1", "fault Buzzer_getVolume 5 --after x",
+            "fault Buzzer_getVolume 5 --clear", "fault --clear --times 2",
+            "fault Buzzer_getVolume 99999999999", "delay Buzzer_getVolume",
+            "delay Buzzer_getVolume -1", "list --all", "list a b", "operations a b", "faults extra",
+            "profiles extra", "sms extra", "journal extra", "profile extra", "--unit"})
         QTest::newRow(arguments) << QString::fromLatin1(arguments);
 }
 
@@ -132,7 +146,55 @@ void VornunitTest::refusesWrongUsage()
     const auto outcome = run(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
     QCOMPARE(outcome.exitCode, 2);
     QCOMPARE(outcome.out, QString());
-    QVERIFY(!outcome.err.isEmpty());
+    QVERIFY2(outcome.err.startsWith(QStringLiteral("vornunit: ")), qPrintable(outcome.err));
+    QCOMPARE(outcome.err.count(QLatin1Char('\n')), 1);
+}
+
+void VornunitTest::namesWhatWasMeant_data()
+{
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("message");
+    const auto row = [](const char *arguments, int exitCode, const char *message) {
+        QTest::newRow(arguments) << exitCode << QString::fromLatin1(message);
+    };
+    row("foo", 2, "There is no command \"foo\"; see \"vornunit --help\"");
+    row("lsit", 2, "There is no command \"lsit\"; did you mean \"list\"?");
+    row("Profile", 2, "There is no command \"Profile\"; did you mean \"profile\"?");
+    row("list --jsno", 2, "There is no option \"--jsno\"; did you mean \"--json\"?");
+    row("get --unti x", 2, "There is no option \"--unti\"; did you mean \"--unit\"?");
+    row("profile extra", 2, "\"extra\" is too much for \"profile\"; see \"vornunit --help\"");
+    row("get backlight.intensity", 1,
+        "There is no value \"backlight.intensity\"; did you mean \"Backlight.intensity\"?");
+    row("get Buzzer.volume Buzer.frequency", 1,
+        "There is no value \"Buzer.frequency\"; did you mean \"Buzzer.frequency\"?");
+    row("get nonsense", 1, "There is no value \"nonsense\"");
+    row("set Buzzer.volmue 3", 1,
+        "There is no value \"Buzzer.volmue\"; did you mean \"Buzzer.volume\"?");
+    row("watch buzzer.volume", 1,
+        "There is no value \"buzzer.volume\"; did you mean \"Buzzer.volume\"?");
+    row("fault buzzer_getvolume 5", 1,
+        "There is no operation \"buzzer_getvolume\"; did you mean \"Buzzer_getVolume\"?");
+    row("delay Buzzer_getVolum 5", 1,
+        "There is no operation \"Buzzer_getVolum\"; did you mean \"Buzzer_getVolume\"?");
+    row("list nonsense", 1, "There is no value with \"nonsense\" in its name");
+    row("operations nonsense", 1, "There is no operation with \"nonsense\" in its name");
+}
+
+void VornunitTest::namesWhatWasMeant()
+{
+    QFETCH(int, exitCode);
+    QFETCH(QString, message);
+    const auto outcome = run(QTest::currentDataTag());
+    QCOMPARE(outcome.err, QStringLiteral("vornunit: ") + message + QLatin1Char('\n'));
+    QCOMPARE(outcome.out, QString());
+    QCOMPARE(outcome.exitCode, exitCode);
+}
+
+void VornunitTest::tellsItsVersion()
+{
+    const auto outcome = run("--version");
+    QCOMPARE(outcome.out, QStringLiteral("vornunit 2.7.2.0\n"));
+    QCOMPARE(outcome.exitCode, 0);
 }
 
 void VornunitTest::makesEveryProfile()
@@ -177,6 +239,47 @@ void VornunitTest::refusesUnknownProfiles()
     QCOMPARE(run("get Buzzer.volume").out, QStringLiteral("3\n"));
 }
 
+void VornunitTest::saysWhatIsWrongWithAProfile_data()
+{
+    QTest::addColumn<QByteArray>("profile");
+    QTest::addColumn<QString>("message");
+    const auto row = [](const char *profile, const char *message) {
+        QTest::newRow(profile) << QByteArray(profile) << QString::fromLatin1(message);
+    };
+    row("root:x:0", "it is no JSON from line 1 on.");
+    row("{\n \"values\": {\n ", "it is no JSON from line 3 on.");
+    row("", "it is no JSON from line 1 on.");
+    row("[]", "it isn't one JSON object.");
+    row("{\"values\": 3}", "the section \"values\" isn't one JSON object.");
+    row("{\"faults\": [3]}", "the section \"faults\" isn't one JSON object.");
+    row("{\"colours\": {}}", "there is no section \"colours\".");
+    row("{\"faults\": {\"Buzzer_getVolume\": \"x\"}}",
+        "\"x\" is no whole number from -2147483648 to 2147483647.");
+    row("{\"faults\": {\"Buzzer_getVolume\": 18446744073709551615}}",
+        "18446744073709551615 is no whole number from -2147483648 to 2147483647.");
+    row("{\"faults\": {\"Buzzer_getVolume\": {\"times\": 1}}}",
+        "the fault of Buzzer_getVolume has no code.");
+    row("{\"faults\": {\"Buzzer_getVolume\": {\"code\": 5, \"time\": 1}}}",
+        "the fault of Buzzer_getVolume knows no \"time\".");
+    row("{\"delays\": {\"Buzzer_getVolume\": -1}}", "-1 is no whole number from 0 to 4294967295.");
+    row("{\"delays\": {\"Buzzer_getVolume\": 1.5}}",
+        "1.5 is no whole number from 0 to 4294967295.");
+}
+
+void VornunitTest::saysWhatIsWrongWithAProfile()
+{
+    QFETCH(QByteArray, profile);
+    QFETCH(QString, message);
+    QFile file(path("bad.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(profile);
+    file.close();
+    const auto outcome = run({QStringLiteral("init"), file.fileName()});
+    QCOMPARE(outcome.err,
+        QStringLiteral("vornunit: The profile can't be read: ") + message + QLatin1Char('\n'));
+    QCOMPARE(outcome.exitCode, 1);
+}
+
 void VornunitTest::listsAllValues()
 {
     std::vector<virtualunit::Value> properties;
@@ -195,6 +298,115 @@ void VornunitTest::listsAllValues()
         QVERIFY2(line.contains(QString::fromStdString(properties[i].range)), qPrintable(line));
     }
     QVERIFY(outcome.out.contains(run("get CpuBoard.ean").out.trimmed()));
+}
+
+void VornunitTest::listsByFilter()
+{
+    const auto names = [this](const char *arguments) {
+        QStringList found;
+        const auto lines = run(arguments).out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (const auto &line : lines)
+            found << line.section(QLatin1Char(' '), 0, 0);
+        return found;
+    };
+    QCOMPARE(names("list buzzer"),
+        (QStringList{QStringLiteral("Feature.buzzer"), QStringLiteral("Buzzer.frequency"),
+            QStringLiteral("Buzzer.volume"), QStringLiteral("Buzzer.trigger")}));
+    QCOMPARE(names("operations can_"),
+        (QStringList{QStringLiteral("Can_getBaudrate"), QStringLiteral("Can_setBaudrate"),
+            QStringLiteral("Can_getFrameType"), QStringLiteral("Can_setFrameType")}));
+    QCOMPARE(std::size_t(names("operations").size()), virtualunit::operations().size());
+}
+
+void VornunitTest::listsFaults()
+{
+    QCOMPARE(run("faults").out, QString());
+    QCOMPARE(run("faults --json").out, QStringLiteral("[]\n"));
+    run("fault Can_getBaudrate -1");
+    run("fault Buzzer_getVolume 13 --times 1 --after 2");
+    run("delay Buzzer_getVolume 3");
+    run("delay Can_setBaudrate 5");
+    const DeviceHandle<Buzzer_create, Buzzer_release> buzzer;
+    uint16_t volume = 0;
+    QCOMPARE(Buzzer_getVolume(buzzer, &volume), 0);
+    const auto text = run("faults");
+    QCOMPARE(text.exitCode, 0);
+    QCOMPARE(text.out,
+        QStringLiteral("Buzzer_getVolume  answers 13 to 1 call after 2 good; calls so far: 1\n"
+                       "Buzzer_getVolume  takes 3 ms longer\n"
+                       "Can_getBaudrate  answers -1\n"
+                       "Can_setBaudrate  takes 5 ms longer\n"));
+    const auto json = QJsonDocument::fromJson(run("faults --json").out.toUtf8()).array();
+    QCOMPARE(json.size(), 3);
+    QCOMPARE(json[0].toObject(),
+        (QJsonObject{{QStringLiteral("operation"), QStringLiteral("Buzzer_getVolume")},
+            {QStringLiteral("code"), 13}, {QStringLiteral("times"), 1},
+            {QStringLiteral("after"), 2}, {QStringLiteral("seen"), 1},
+            {QStringLiteral("delay"), 3}}));
+    run("fault --clear");
+    QCOMPARE(run("faults").out,
+        QStringLiteral(
+            "Buzzer_getVolume  takes 3 ms longer\nCan_setBaudrate  takes 5 ms longer\n"));
+}
+
+void VornunitTest::printsJson()
+{
+    const auto json = [this](const char *arguments) {
+        return QJsonDocument::fromJson(run(arguments).out.toUtf8()).array();
+    };
+    QCOMPARE(json("list --json buzzer.vol"),
+        (QJsonArray{QJsonObject{{QStringLiteral("name"), QStringLiteral("Buzzer.volume")},
+            {QStringLiteral("value"), QStringLiteral("20")},
+            {QStringLiteral("range"), QStringLiteral("0 to 65535")},
+            {QStringLiteral("description"), QStringLiteral("volume in device steps")}}}));
+    QCOMPARE(json("get Versions.ss Buzzer.volume --json"),
+        (QJsonArray{QJsonObject{{QStringLiteral("name"), QStringLiteral("Versions.ss")},
+                        {QStringLiteral("value"), QStringLiteral("2.1.7.3")}},
+            QJsonObject{{QStringLiteral("name"), QStringLiteral("Buzzer.volume")},
+                {QStringLiteral("value"), QStringLiteral("20")}}}));
+    QCOMPARE(json("operations buzzer_getv --json"), QJsonArray{QStringLiteral("Buzzer_getVolume")});
+    QCOMPARE(json("profiles --json").size(), int(virtualunit::profiles().size()));
+    // Whatever bytes a message has, JSON stays JSON.
+    QCOMPARE(virtualunit::addShortMessage("123", "a\xFF\n"), std::string());
+    const auto message = json("sms --json")[0].toObject();
+    QCOMPARE(message[QStringLiteral("number")].toString(), QStringLiteral("123"));
+    QCOMPARE(message[QStringLiteral("text")].toString(), QString::fromUtf8("a\xEF\xBF\xBD\n"));
+}
+
+void VornunitTest::watches()
+{
+    QProcess watcher;
+    watcher.setProcessEnvironment(environment);
+    watcher.start(
+        QStringLiteral(VORN_BIN_DIR "/vornunit"), words("watch Buzzer.volume Unit.running"));
+    QVERIFY(watcher.waitForStarted(patience));
+    QByteArray seen;
+    const auto hasSeen = [&](const QByteArray &text) {
+        seen += watcher.readAllStandardOutput();
+        return seen == text;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasSeen("Buzzer.volume  20\nUnit.running  true\n"), patience);
+    seen.clear();
+    QCOMPARE(run("set Buzzer.volume 21").exitCode, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(hasSeen("Buzzer.volume  21\n"), patience);
+    QCOMPARE(watcher.state(), QProcess::Running);
+    watcher.kill(); // Windows knows no other way
+    QVERIFY(watcher.waitForFinished(patience));
+}
+
+void VornunitTest::keepsWhatIsLetLive()
+{
+    // Each step is a process of its own, so it lasts only if it is in the file.
+    QCOMPARE(run("set Diagnostics.totalHeatTime 100").exitCode, 0);
+    QVERIFY(run("profile").out.contains(QStringLiteral("\"Diagnostics.totalHeatTime\": 100")));
+    QCOMPARE(run("set Diagnostics.totalHeatTime live").exitCode, 0);
+    QVERIFY(run("profile").out.contains(
+        QStringLiteral("\"Diagnostics.totalHeatTime\": \"live 100\"")));
+    QCOMPARE(run({QStringLiteral("set"), QStringLiteral("Diagnostics.totalHeatTime"),
+                     QStringLiteral("live 7")})
+                 .exitCode,
+        0);
+    QCOMPARE(run("get Diagnostics.totalHeatTime").out, QStringLiteral("7\n"));
 }
 
 void VornunitTest::setsAndGets_data()

@@ -71,6 +71,9 @@ std::filesystem::path storedName(const char *name, const char *byDefault)
 
 std::string contents(const std::filesystem::path &file)
 {
+    std::error_code error;
+    if (std::filesystem::is_directory(file, error))
+        throw std::runtime_error("The recording \"" + file.string() + "\" is a folder");
     std::ifstream stream(file, std::ios::binary);
     std::string bytes{std::istreambuf_iterator<char>(stream), {}};
     if (!stream || bytes.empty())
@@ -81,10 +84,15 @@ std::string contents(const std::filesystem::path &file)
 /** The folder, made if need be, held against other processes. */
 int heldFolder(const std::filesystem::path &folder)
 {
-    std::filesystem::create_directories(folder);
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error)
+        throw std::runtime_error(
+            "The folder \"" + folder.string() + "\" can't be made: " + error.message());
     const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0)
-        throw std::system_error(errno, std::generic_category(), folder.string());
+        throw std::runtime_error("The folder \"" + folder.string() +
+                                 "\" can't be opened: " + std::generic_category().message(errno));
     if (::flock(handle, LOCK_EX | LOCK_NB) == 0)
         return handle;
     ::close(handle);

@@ -145,13 +145,23 @@ void Statement::reset()
     sqlite3_reset(handle.get());
 }
 
+void Statement::requireNumber(int column) const
+{
+    // SQLite keeps a text that is no number as it is, in a column of numbers too, and reads 0.
+    const int type = sqlite3_column_type(handle.get(), column);
+    if (type != SQLITE_INTEGER && type != SQLITE_FLOAT)
+        throw Failure{StateDamaged, "The unit's file is damaged: it has a text for a number."};
+}
+
 std::int64_t Statement::integer(int column) const
 {
+    requireNumber(column);
     return sqlite3_column_int64(handle.get(), column);
 }
 
 double Statement::real(int column) const
 {
+    requireNumber(column);
     return sqlite3_column_double(handle.get(), column);
 }
 

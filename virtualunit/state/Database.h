@@ -28,6 +28,7 @@ public:
     void run();
     void reset();
 
+    /** These throw a Failure, StateDamaged, for what is no number. */
     std::int64_t integer(int column) const;
     double real(int column) const;
     std::string text(int column) const;
@@ -36,6 +37,8 @@ private:
     struct Finalize {
         void operator()(sqlite3_stmt *statement) const;
     };
+    void requireNumber(int column) const;
+
     sqlite3 *owner;
     std::unique_ptr<sqlite3_stmt, Finalize> handle;
 };

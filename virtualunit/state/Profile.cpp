@@ -8,9 +8,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
+#include <limits>
 
 namespace virtualunit {
 
@@ -31,9 +34,10 @@ std::string profileSource(const std::string &nameOrPath)
         if (nameOrPath == profile->name)
             return profile->text;
     }
-    std::ifstream file(system::pathOf(nameOrPath), std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
+    const auto path = system::pathOf(nameOrPath);
+    std::error_code error;
+    std::ifstream file(path, std::ios::binary);
+    if (!file || std::filesystem::is_directory(path, error)) {
         std::string names;
         for (const auto &name : profileNames())
             names += (names.empty() ? "" : ", ") + name;
@@ -42,26 +46,49 @@ std::string profileSource(const std::string &nameOrPath)
                 "\" is neither a readable profile file nor one of the shipped profiles: " + names +
                 "."};
     }
-    return text.str();
+    return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-std::uint32_t count(const Json &json)
+Json parsed(const std::string &source)
 {
-    const auto number = json.get<std::int64_t>();
-    if (number < 0 || number > UINT32_MAX)
-        throw malformed(json.dump() + " is out of range.");
-    return static_cast<std::uint32_t>(number);
+    try {
+        return Json::parse(source);
+    } catch (const Json::parse_error &error) {
+        const auto good = source.substr(0, error.byte > 0 ? error.byte - 1 : 0);
+        const auto line = 1 + std::count(good.begin(), good.end(), '\n');
+        throw malformed("it is no JSON from line " + std::to_string(line) + " on.");
+    }
 }
 
-Fault readFault(const Json &json)
+template <typename T>
+T wholeNumber(const Json &json)
 {
+    constexpr std::int64_t lowest = std::numeric_limits<T>::min();
+    constexpr std::int64_t highest = std::numeric_limits<T>::max();
+    const bool huge = json.is_number_unsigned() && json.get<std::uint64_t>() > INT64_MAX;
+    const auto number = json.is_number_integer() && !huge ? json.get<std::int64_t>() : highest + 1;
+    if (number >= lowest && number <= highest)
+        return static_cast<T>(number);
+    throw malformed(json.dump() + " is no whole number from " + std::to_string(lowest) + " to " +
+                    std::to_string(highest) + ".");
+}
+
+Fault readFault(const std::string &operation, const Json &json)
+{
+    if (!json.is_object())
+        return {wholeNumber<DeviceCode>(json)};
     Fault fault;
-    if (json.is_object()) {
-        fault.code = json.at("code").get<std::int32_t>();
-        fault.times = json.contains("times") ? count(json["times"]) : 0;
-        fault.after = json.contains("after") ? count(json["after"]) : 0;
-    } else {
-        fault.code = json.get<std::int32_t>();
+    if (!json.contains("code"))
+        throw malformed("the fault of " + operation + " has no code.");
+    for (const auto &[name, number] : json.items()) {
+        if (name == "code")
+            fault.code = wholeNumber<DeviceCode>(number);
+        else if (name == "times")
+            fault.times = wholeNumber<std::uint32_t>(number);
+        else if (name == "after")
+            fault.after = wholeNumber<std::uint32_t>(number);
+        else
+            throw malformed("the fault of " + operation + " knows no \"" + name + "\".");
     }
     return fault;
 }
@@ -71,15 +98,17 @@ void readProfile(const Json &json, Snapshot &unit)
     for (const auto &[section, entries] : json.items()) {
         if (section == "description")
             continue;
+        if (!entries.is_object())
+            throw malformed("the section \"" + section + "\" isn't one JSON object.");
         if (section == "values") {
             for (const auto &[name, value] : entries.items())
                 assign(unit, name, value.is_string() ? value.get<std::string>() : value.dump());
         } else if (section == "faults") {
             for (const auto &[operation, fault] : entries.items())
-                unit.faults[checkedOperation(operation)] = readFault(fault);
+                unit.faults[checkedOperation(operation)] = readFault(operation, fault);
         } else if (section == "delays") {
             for (const auto &[operation, milliseconds] : entries.items())
-                unit.delays[checkedOperation(operation)] = count(milliseconds);
+                unit.delays[checkedOperation(operation)] = wholeNumber<std::uint32_t>(milliseconds);
         } else {
             throw malformed("there is no section \"" + section + "\".");
         }
@@ -120,15 +149,10 @@ std::vector<std::string> profileNames()
 Snapshot profileSnapshot(const std::string &nameOrPath, std::int64_t epoch)
 {
     auto unit = freshSnapshot(epoch);
-    const auto source = profileSource(nameOrPath);
-    try {
-        const auto json = Json::parse(source);
-        if (!json.is_object())
-            throw malformed("it isn't one JSON object.");
-        readProfile(json, unit);
-    } catch (const Json::exception &exception) {
-        throw malformed(exception.what());
-    }
+    const auto json = parsed(profileSource(nameOrPath));
+    if (!json.is_object())
+        throw malformed("it isn't one JSON object.");
+    readProfile(json, unit);
     return unit;
 }
 
