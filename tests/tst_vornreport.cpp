@@ -1,6 +1,7 @@
 #include "tests/support/PageTest.h"
 
 #include "report/systemReport.h"
+#include "virtualunit/VirtualUnit.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -66,6 +67,15 @@ private slots:
     void takesListsAndStandardInput();
     void tellsTrouble();
     void marksText();
+    void comparesReports();
+    void sameUnitIsTheSame();
+    void refusesTolerances_data();
+    void refusesTolerances();
+    void everyProfileIsChecked_data();
+    void everyProfileIsChecked();
+    void takesRules();
+    void refusesRules_data();
+    void refusesRules();
 
 private:
     Outcome run(const QStringList &arguments, const QByteArray &input = {}) const;
@@ -125,7 +135,7 @@ void tst_vornreport::helps()
     const Outcome help = run({"--help"_s});
     QCOMPARE(help.exitCode, 0);
     QCOMPARE(help.err, QByteArray());
-    for (const char *command : {"json", "table"}) {
+    for (const char *command : {"json", "table", "diff", "check"}) {
         QVERIFY2(help.out.contains(command), command);
         const Outcome more = run({QString::fromLatin1(command), "--help"_s});
         QCOMPARE(more.exitCode, 0);
@@ -296,6 +306,191 @@ void tst_vornreport::marksText()
     for (const auto &value : object["entries"_s].toArray())
         found = found || value.toObject()["text"_s].toString() == "\"},\1\x7f\200"_s;
     QVERIFY(found);
+}
+
+/** What changed, counters and numbers by how much. */
+void tst_vornreport::comparesReports()
+{
+    write("a.txt"_s, report + "");
+    QByteArray text = report;
+    text.replace("Number of power cycles: 1289 ", "Number of power cycles: 1301 ");
+    text.replace("Unit serial number: VU-100-004711", "Unit serial number: \344");
+    text.replace("Led dimming: Disabled", "Led dimming: Error(14) Communication error");
+    text.replace("Volume: 20\n", "");
+    text.replace("Voltage 5V: ", "Another line\nVoltage 5V: ");
+    text.replace("Maximum temp: 82 ", "Maximum temp: 85 ");
+    text.replace("Minimum temp: -19 ", "Minimum temp: -25 ");
+    text.replace("\n------------------  End",
+        "\n\nFile:VornAuxService.log:\none\ntwo\n\n------------------  End");
+    write("b.txt"_s, text);
+    const Outcome outcome = run({"diff"_s, "a.txt"_s, "b.txt"_s});
+    QCOMPARE(outcome.err, QByteArray());
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(QString::fromUtf8(outcome.out),
+        "EEPROM data, Mainboard\n"
+        "  Unit serial number: VU-100-004711 -> \344\n"
+        "Diagnostic data\n"
+        "  Minimum temp: -19 \260C -> -25 \260C (-6 \260C)\n"
+        "  Number of power cycles: 1289 -> 1301 (+12)\n"
+        "ADC data\n"
+        "  (unknown line): absent -> Another line\n"
+        "Settings, Backlight\n"
+        "  Led dimming: Disabled -> Error(14) Communication error\n"
+        "Settings, Buzzer\n"
+        "  Volume: 20 -> absent\n"
+        "Log Files\n"
+        "  VornAuxService.log: absent -> 2 lines, 8 bytes\n"_s);
+    const Outcome other = run({"diff"_s, "--tolerance"_s, "temperature=2"_s, "a.txt"_s, "b.txt"_s});
+    QVERIFY(other.out.contains("  Maximum temp: 82 \302\260C -> 85 \302\260C (+3 \302\260C)\n"));
+    const Outcome all = run({"diff"_s, "--all"_s, "a.txt"_s, "a.txt"_s});
+    QCOMPARE(all.exitCode, 0);
+    QVERIFY(all.out.contains("ADC data\n  Voltage 24V in: "));
+    QVERIFY(!all.out.contains("->"));
+    const Outcome missing = run({"diff"_s, "a.txt"_s, "c.txt"_s});
+    QCOMPARE(missing.exitCode, 2);
+    QCOMPARE(missing.err, QByteArray("vornreport: c.txt: there is no such file\n"));
+    write("cut.txt"_s, report.left(500));
+    const Outcome cut = run({"diff"_s, "--json"_s, "cut.txt"_s, "cut.txt"_s});
+    QCOMPARE(cut.exitCode, 0);
+    QCOMPARE(cut.out, QByteArray());
+    QCOMPARE(cut.err, QByteArray("vornreport: cut.txt: is not complete\n").repeated(2));
+}
+
+/** Living values move, and yet nothing has changed. */
+void tst_vornreport::sameUnitIsTheSame()
+{
+    write("a.txt"_s, report);
+    QCOMPARE(virtualunit::advanceClock(1000), std::string());
+    const QByteArray later = generateSystemReport().toLatin1();
+    QVERIFY(later != report);
+    write("b.txt"_s, later);
+    const Outcome outcome = run({"diff"_s, "a.txt"_s, "b.txt"_s});
+    QCOMPARE(outcome.out, QByteArray());
+    QCOMPARE(outcome.exitCode, 0);
+    const Outcome strict = run({"diff"_s, "--tolerance=rail=0"_s, "a.txt"_s, "b.txt"_s});
+    QCOMPARE(strict.exitCode, 1);
+    QVERIFY(strict.out.startsWith("ADC data\n  Voltage 24V in: "));
+}
+
+void tst_vornreport::refusesTolerances_data()
+{
+    QTest::addColumn<QString>("tolerance");
+    for (const char *text : {"rai=2%", "rail", "rail=", "rail=x", "rail=-1", "rail=2%%", "=2"})
+        QTest::newRow(text) << QString::fromLatin1(text);
+}
+
+void tst_vornreport::refusesTolerances()
+{
+    QFETCH(QString, tolerance);
+    write("a.txt"_s, report);
+    const Outcome outcome = run({"diff"_s, "--tolerance"_s, tolerance, "a.txt"_s, "a.txt"_s});
+    QCOMPARE(outcome.exitCode, 2);
+    QVERIFY(outcome.err.contains("is no tolerance: "));
+}
+
+void tst_vornreport::everyProfileIsChecked_data()
+{
+    QTest::addColumn<QString>("profile");
+    QTest::addColumn<QByteArrayList>("expected"); // how the findings begin
+    const QByteArrayList none;
+    for (const char *sound : {"full", "basic", "gps-only", "gsm-only", "no-touch"})
+        QTest::newRow(sound) << QString::fromLatin1(sound) << none;
+    QTest::newRow("old-firmware")
+        << "old-firmware"_s
+        << QByteArrayList{
+               "WARN a.txt: SW Versions: FPGA: v1.0.0.2 (should be at least v1.2.0.0): "};
+    QTest::newRow("broken")
+        << "broken"_s
+        << QByteArrayList{"FAIL a.txt: SW Versions: FPGA: Error(14) Communication error: ",
+               "WARN a.txt: EEPROM data, Mainboard: Main PCB Serial: N/A: ",
+               "FAIL a.txt: Diagnostic data: HW error status: Processor module temperature sensor, "
+               "5V supply (should be \"No error\"): ",
+               "WARN a.txt: Diagnostic data: ShutDown reason: 7 (should be \"NoError\"): ",
+               "FAIL a.txt: Diagnostic data: SS temp: 86 \302\260C (should be at most 85 "
+               "\302\260C): ",
+               "FAIL a.txt: SMART data, First storage device: Estimated remaining lifetime: 3 % "
+               "(should be at least 5 %): ",
+               "FAIL a.txt: SMART data, Second storage device: Device serial number: Estimated "
+               "remaining lifetime is not available: ",
+               "FAIL a.txt: ADC data: Voltage 12V: 9.87 V (should be at least 10.8 V): "};
+}
+
+/** What is sound is clean, and what is not is found. */
+void tst_vornreport::everyProfileIsChecked()
+{
+    QFETCH(QString, profile);
+    QFETCH(QByteArrayList, expected);
+    useProfile(profile);
+    write("a.txt"_s, generateSystemReport().toLatin1());
+    const Outcome outcome = run({"check"_s, "a.txt"_s});
+    QCOMPARE(outcome.exitCode, expected.isEmpty() ? 0 : 1);
+    if (expected.isEmpty())
+        QCOMPARE(outcome.out, QByteArray());
+    for (const QByteArray &start : expected)
+        QVERIFY2(outcome.out.contains(start), outcome.out.constData());
+    const Outcome lines = run({"check"_s, "--json"_s, "a.txt"_s});
+    QCOMPARE(lines.out.count('\n'), outcome.out.count('\n'));
+    for (const QByteArray &line : lines.out.split('\n')) {
+        if (!line.isEmpty())
+            QCOMPARE(QJsonDocument::fromJson(line).object().size(), 8);
+    }
+}
+
+void tst_vornreport::takesRules()
+{
+    const Outcome printed = run({"check"_s, "--print-rules"_s});
+    write("builtin.json"_s, printed.out);
+    write("own.json"_s, R"({"rules": [
+        {"name": "Maximum temp", "max": 81.5, "unit": "Â°C", "level": "FAIL", "reason": "too hot"},
+        {"section": "Settings", "name": "StartupTrigger", "texts": ["onoff signal"], "reason": "vehicle"},
+        {"incomplete": true, "reason": "cut"}]})");
+    write("a.txt"_s, report);
+    write("cut.txt"_s, report.left(900));
+    QCOMPARE(run({"check"_s, "--rules"_s, "builtin.json"_s, "a.txt"_s}).exitCode, 0);
+    const Outcome own =
+        run({"check"_s, "--rules"_s, "own.json"_s, "a.txt"_s, "none.txt"_s, "cut.txt"_s});
+    QCOMPARE(own.exitCode, 2);
+    QCOMPARE(own.out, QByteArray("FAIL a.txt: Diagnostic data: Maximum temp: 82 \302\260C (should "
+                                 "be at most 81.5 \302\260C): too hot\n"
+                                 "WARN a.txt: Settings, Config: StartupTrigger: Front button "
+                                 "(should be \"onoff signal\"): vehicle\n"
+                                 "WARN cut.txt: the report is not complete: cut\n"));
+}
+
+void tst_vornreport::refusesRules_data()
+{
+    QTest::addColumn<QByteArray>("rules");
+    QTest::addColumn<QByteArray>("words");
+    const auto one = [](const char *rule) { return "{\"rules\": [" + QByteArray(rule) + "]}"; };
+    QTest::newRow("no JSON") << QByteArray("rules") << QByteArray("parse error");
+    QTest::newRow("no list") << QByteArray("{}") << QByteArray("one object with a list");
+    QTest::newRow("no object") << one("5") << QByteArray("rule 1: it is no object");
+    QTest::newRow("unknown field")
+        << one(R"({"minimum": 5})") << QByteArray("nothing called \"minimum\"");
+    QTest::newRow("unknown name")
+        << one(R"({"name": "Voltage 13V", "min": 5, "unit": "V", "reason": "x"})")
+        << QByteArray("no line of a report has that");
+    QTest::newRow("other unit")
+        << one(R"({"name": "Voltage 12V", "min": 5, "unit": "mV", "reason": "x"})")
+        << QByteArray("another unit than \"mV\"");
+    QTest::newRow("no reason") << one(R"({"failed": true})") << QByteArray("no reason");
+    QTest::newRow("nothing asked")
+        << one(R"({"name": "FPGA", "reason": "x"})") << QByteArray("asks for nothing");
+    QTest::newRow("level") << one(R"({"failed": true, "level": "BAD", "reason": "x"})")
+                           << QByteArray("a level is");
+    QTest::newRow("type") << one(R"({"failed": 7, "reason": "x"})") << QByteArray("rule 1: ");
+}
+
+void tst_vornreport::refusesRules()
+{
+    QFETCH(QByteArray, rules);
+    QFETCH(QByteArray, words);
+    write("rules.json"_s, rules);
+    write("a.txt"_s, report);
+    const Outcome outcome = run({"check"_s, "--rules"_s, "rules.json"_s, "a.txt"_s});
+    QCOMPARE(outcome.exitCode, 2);
+    QVERIFY2(outcome.err.startsWith("vornreport: rules.json: ") && outcome.err.contains(words),
+        outcome.err.constData());
 }
 
 VORN_TEST_MAIN(tst_vornreport)

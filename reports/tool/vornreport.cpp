@@ -1,9 +1,16 @@
 #include "commandline/commandline.h"
+#include "reports/check.h"
+#include "reports/diff.h"
 #include "reports/exchange.h"
+#include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
 
+#include <atomic>
+#include <fstream>
 #include <iostream>
+#include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -28,6 +35,11 @@ void tell(const Trouble &trouble)
 struct Options {
     std::vector<std::string> files;
     std::string list;
+    std::vector<std::string> tolerances;
+    std::string rules;
+    bool printRules = false;
+    bool all = false;
+    bool json = false;
 };
 
 void addFiles(CLI::App &command, Options &options)
@@ -38,19 +50,36 @@ void addFiles(CLI::App &command, Options &options)
         "--files-from", options.list, "A file with one name a line, - for the standard input");
 }
 
-/// Does the job for each of the reports that were named.
-void forEach(const Options &options, const Job &job, std::string_view head = {})
+/// Runs a command; whatever stands in its way is trouble, which is not a difference.
+template <typename Command>
+void attempt(Command command)
 {
-    if (options.files.empty() && options.list.empty())
-        throw CLI::RequiredError("FILE or --files-from");
-    Inputs inputs(options.files, options.list);
-    std::cout << head << std::flush;
     try {
-        leave(forEachInOrder(inputs, job) ? Done : InTrouble);
+        command();
     } catch (const Trouble &trouble) {
         tell(trouble);
         leave(InTrouble);
+    } catch (const std::bad_alloc &) {
+        tell({"there is not enough memory"});
+        leave(InTrouble);
     }
+    if (!std::cout.flush()) {
+        tell({"the output can't be written"});
+        leave(InTrouble);
+    }
+}
+
+/// Does the job for each of the reports that were named.
+bool forEach(const Options &options, const Job &job)
+{
+    Inputs inputs(options.files, options.list);
+    return forEachInOrder(inputs, job);
+}
+
+void requireFiles(const Options &options)
+{
+    if (options.files.empty() && options.list.empty())
+        throw CLI::RequiredError("FILE or --files-from");
 }
 
 void addExchange(CLI::App &app, Options &options)
@@ -58,12 +87,104 @@ void addExchange(CLI::App &app, Options &options)
     auto *json = app.add_subcommand("json", "Prints one JSON object a line for each report");
     addFiles(*json, options);
     json->footer("Example: vornreport json reports/ | jq -r '.file, .generated'");
-    json->final_callback([&] { forEach(options, writeJson); });
+    json->final_callback([&] {
+        requireFiles(options);
+        attempt([&] { leave(forEach(options, writeJson) ? Done : InTrouble); });
+    });
 
     auto *table = app.add_subcommand("table", "Prints CSV, one row for each line of the reports");
     addFiles(*table, options);
     table->footer("Example: vornreport table reports/ > reports.csv");
-    table->final_callback([&] { forEach(options, writeTable, tableHead); });
+    table->final_callback([&] {
+        requireFiles(options);
+        attempt([&] {
+            std::cout << tableHead << std::flush;
+            leave(forEach(options, writeTable) ? Done : InTrouble);
+        });
+    });
+}
+
+void addDiff(CLI::App &app, Options &options)
+{
+    auto *diff = app.add_subcommand("diff", "Prints what changed from one report to another");
+    diff->add_option("FILE", options.files, "The older and the newer report")
+        ->required()
+        ->expected(2);
+    std::string help = "How far a living value may move unseen, as rail=2%; a number or per cent:";
+    for (const Tolerance &tolerance : defaultTolerances()) {
+        std::ostringstream amount;
+        amount << tolerance.amount << (tolerance.percent ? "%" : "");
+        help.append("\n").append(tolerance.name).append("=").append(amount.str());
+        help.append(" ").append(tolerance.about);
+    }
+    diff->add_option("--tolerance", options.tolerances, help)->take_all()->expected(1);
+    diff->add_flag("--all", options.all, "Everything, what is the same too");
+    diff->add_flag("--json", options.json, "One JSON object a line for each of them");
+    diff->footer("Example: vornreport diff --tolerance temperature=10 march.txt april.txt");
+    diff->final_callback([&options] {
+        attempt([&] {
+            DiffOptions how{defaultTolerances(), options.all, options.json};
+            for (const std::string &tolerance : options.tolerances)
+                setTolerance(how.tolerances, tolerance);
+            const Report before({options.files[0], {}});
+            const Report after({options.files[1], {}});
+            for (const Report *report : {&before, &after}) {
+                if (!report->facts().complete)
+                    tell({report->name() + ": is not complete"});
+            }
+            leave(printDiff(std::cout, before, after, how) ? Found : Done);
+        });
+    });
+}
+
+std::string fileText(const std::string &name)
+{
+    std::ifstream file(virtualunit::system::pathOf(name), std::ios::binary);
+    std::ostringstream text;
+    if (!file || !(text << file.rdbuf()))
+        throw Trouble{name + ": can't be read"};
+    return text.str();
+}
+
+std::vector<Rule> rulesOf(const Options &options)
+{
+    if (options.rules.empty())
+        return builtInRules();
+    try {
+        return readRules(fileText(options.rules));
+    } catch (const Trouble &trouble) {
+        throw Trouble{options.rules + ": " + trouble.text};
+    }
+}
+
+void addCheck(CLI::App &app, Options &options)
+{
+    auto *check = app.add_subcommand("check", "Prints what a technician should look at");
+    addFiles(*check, options);
+    check->add_option("--rules", options.rules, "A file with rules, instead of the built-in ones");
+    check->add_flag(
+        "--print-rules", options.printRules, "Prints the built-in rules, as --rules takes them");
+    check->add_flag("--json", options.json, "One JSON object a line for each finding");
+    check->footer("Example: vornreport check --rules ours.json reports/");
+    check->final_callback([&options] {
+        if (options.printRules) {
+            std::cout << builtInRulesText;
+            return;
+        }
+        requireFiles(options);
+        attempt([&] {
+            const std::vector<Rule> rules = rulesOf(options);
+            std::atomic<bool> found = false;
+            const bool sound = forEach(options, [&](const Input &input, Output &output) {
+                const Report report(input);
+                const auto findings = reports::check(report, rules);
+                output.write(
+                    options.json ? findingsJson(report, findings) : findingsText(report, findings));
+                found = found || !findings.empty();
+            });
+            leave(!sound ? InTrouble : found ? Found : Done);
+        });
+    });
 }
 
 } // namespace
@@ -79,5 +200,7 @@ int main(int argc, char **argv)
         "\"vornreport COMMAND --help\" tells each command's options.");
     Options options;
     addExchange(app, options);
+    addDiff(app, options);
+    addCheck(app, options);
     return commandline::run(app, argc, argv);
 }
