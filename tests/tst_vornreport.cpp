@@ -441,7 +441,7 @@ void tst_vornreport::takesRules()
     const Outcome printed = run({"check"_s, "--print-rules"_s});
     write("builtin.json"_s, printed.out);
     write("own.json"_s, R"({"rules": [
-        {"name": "Maximum temp", "max": 81.5, "unit": "Â°C", "level": "FAIL", "reason": "too hot"},
+        {"name": "Maximum temp", "max": 81.5, "unit": "\u00b0C", "level": "FAIL", "reason": "too hot"},
         {"section": "Settings", "name": "StartupTrigger", "texts": ["onoff signal"], "reason": "vehicle"},
         {"incomplete": true, "reason": "cut"}]})");
     write("a.txt"_s, report);
