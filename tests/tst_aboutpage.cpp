@@ -1,7 +1,6 @@
 #include "report/sections.h"
 #include "report/systemReport.h"
 #include "report/tabAboutDlg.h"
-#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/system.h"
 
@@ -61,7 +60,7 @@ QStringList captions(int count)
 /** A report without the time at which it was made. */
 QString timeless(QString text)
 {
-    return text.remove(QRegularExpression(QStringLiteral("report generated on: [^\n]*")));
+    return text.remove(QRegularExpression("report generated on: [^\n]*"_s));
 }
 
 QByteArray content(const QString &path)
@@ -80,367 +79,334 @@ constexpr bool instrumented = false;
 /** The log file beside this program that goes into the report. */
 QString serviceLog()
 {
-    return QCoreApplication::applicationDirPath() + QLatin1String("/VornAuxService.log");
+    return QCoreApplication::applicationDirPath() + "/VornAuxService.log"_s;
 }
 
 } // namespace
 
-class AboutPageTest : public DeviceTest
+class AboutPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        PageTest::init();
+        folder = std::make_unique<QTemporaryDir>();
+    }
 
-    void form();
-    void layout();
-    void readsFirstSectionWhenMade();
-    void batteryEntry_data();
-    void batteryEntry();
-    void showingReadsNothing();
-    void selects_data();
-    void selects();
-    void choosingTheChosenReadsNothing();
-    void noSelection();
-    void failingUnit_data();
-    void failingUnit();
-    void saves_data();
-    void saves();
-    void savesLatin1();
-    void savesWhatIsShown();
-    void replacesFile();
-    void cancelledDialog();
-    void unwritable_data();
-    void unwritable();
-    void largeLog();
+    void cleanup()
+    {
+        folder.reset();
+        QFile::remove(serviceLog());
+        PageTest::cleanup();
+    }
+
+    void form()
+    {
+        Page page;
+        page.info->clear();
+        QCOMPARE(page.objectName(), "tabAbout"_s);
+        QCOMPARE(page.windowTitle(), "About"_s);
+        QCOMPARE(widgets(&page),
+            QStringList({"icon: QLabel kblackbox.png centred"_s,
+                "groupBox: QGroupBox \"Information\""_s, "label: QLabel \"Selection:\""_s,
+                "comboBoxSelection: QComboBox [EEPROM data | Diagnostic data | ADC values | CPU board data | System report | Battery data]"_s,
+                "textEditInfo: QPlainTextEdit \"\" read-only"_s,
+                "pushButtonSaveAs: QPushButton \"Save As\" tip \"Save the displayed data to a file\""_s}));
+    }
+
+    void layout()
+    {
+        Page page;
+        QCOMPARE(page.size(), QSize(600, 320));
+        QCOMPARE(page.styleSheet(), QString());
+        const auto *group = child<QGroupBox>(&page, "groupBox");
+        for (const QWidget *inside : {static_cast<QWidget *>(child<QLabel>(&page, "label")),
+                 static_cast<QWidget *>(page.selection), static_cast<QWidget *>(page.info)})
+            QCOMPARE(inside->parentWidget(), group);
+        QCOMPARE(page.save->parentWidget(), &page);
+        QVERIFY(page.save->x() > group->geometry().right());
+        QVERIFY(page.info->isReadOnly());
+        QCOMPARE(page.info->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+        QCOMPARE(child<QLabel>(&page, "label")->buddy(), page.selection);
+        QVERIFY(!page.info->accessibleName().isEmpty());
+        QCOMPARE(layoutFaults(&page), QStringList());
+    }
+
+    void readsFirstSectionWhenMade()
+    {
+        const QString text = eepromDataText();
+        const QStringList reads = calls();
+        {
+            const Page page;
+            QCOMPARE(calls(), QStringList({"Battery_create()"_s,
+                                  "Battery_isAvailable() = 0 [true]"_s, "Battery_release()"_s}) +
+                                  reads);
+            QCOMPARE(items(page.selection), captions(6));
+            for (int index = 0; index < page.selection->count(); ++index)
+                QVERIFY(!page.selection->itemData(index).isValid());
+            QCOMPARE(page.selection->currentIndex(), 0);
+            QCOMPARE(page.info->toPlainText(), text);
+            QVERIFY(!text.isEmpty());
+        }
+        // The page keeps no handle.
+        QCOMPARE(calls(), QStringList());
+    }
+
+    void batteryEntry_data()
+    {
+        QTest::addColumn<bool>("available");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("count");
+        QTest::newRow("battery") << true << 0 << 6;
+        QTest::newRow("no battery") << false << 0 << 5;
+        for (const int code : failureCodes)
+            QTest::addRow("%d", code) << true << code << 5;
+    }
+
+    void batteryEntry()
+    {
+        QFETCH(bool, available);
+        QFETCH(int, code);
+        QFETCH(int, count);
+        setUnit("Battery.available"_s, available ? "true"_s : "false"_s);
+        if (code != 0)
+            fault("Battery_isAvailable"_s, code);
+        Page page;
+        page.show();
+        QCOMPARE(items(page.selection), captions(count));
+        QVERIFY(!page.info->toPlainText().isEmpty());
+    }
+
+    void showingReadsNothing()
+    {
+        Page page;
+        calls();
+        const QString text = page.info->toPlainText();
+        setUnit("Hardware.unitSerialNumber"_s, "changed"_s);
+        page.show();
+        page.hide();
+        page.show();
+        QCOMPARE(calls(), QStringList());
+        QCOMPARE(page.info->toPlainText(), text);
+    }
+
+    void selects_data()
+    {
+        QTest::addColumn<int>("index");
+        for (int index = 0; index < int(std::size(entries)); ++index)
+            QTest::newRow(entries[index].caption) << index;
+    }
+
+    void selects()
+    {
+        QFETCH(int, index);
+        Page page;
+        page.show();
+        // From the neighbour above or, for the first, below.
+        page.selection->setCurrentIndex(index == 0 ? 1 : index - 1);
+        dialogs.take();
+        calls();
+        const QString text = entries[index].text();
+        const QStringList reads = calls();
+        const QStringList told = boxes(&page);
+        QTest::keyClick(page.selection, index == 0 ? Qt::Key_Up : Qt::Key_Down);
+        QCOMPARE(page.selection->currentIndex(), index);
+        QCOMPARE(calls(), reads);
+        QCOMPARE(timeless(page.info->toPlainText()), timeless(text));
+        QCOMPARE(boxes(&page), told);
+    }
+
+    void choosingTheChosenReadsNothing()
+    {
+        Page page;
+        page.show();
+        page.selection->setCurrentIndex(2);
+        calls();
+        page.selection->setCurrentIndex(2);
+        QTest::keyClick(page.selection, Qt::Key_A); // "ADC values", which it is already
+        QCOMPARE(page.selection->currentIndex(), 2);
+        QCOMPARE(calls(), QStringList());
+    }
+
+    void noSelection()
+    {
+        Page page;
+        calls();
+        page.selection->setCurrentIndex(-1);
+        QCOMPARE(page.info->toPlainText(), QString());
+        QCOMPARE(calls(), QStringList());
+        page.selection->clear();
+        QCOMPARE(page.info->toPlainText(), QString());
+        page.selection->setCurrentIndex(0);
+        QCOMPARE(calls(), QStringList());
+    }
+
+    void failingUnit_data() { addFailureCodes(); }
+
+    void failingUnit()
+    {
+        QFETCH(int, code);
+        Page page;
+        page.show();
+        for (const char *operation : {"Hardware_getMainPcbSerial", "Diagnostics_getSSTemp",
+                 "Adc_getVoltage", "Battery_getVoltageLevel"})
+            fault(latin1(operation), code);
+        // Failures are lines of the text, never dialogs.
+        for (const int index : {0, 1, 2, 5}) {
+            page.selection->setCurrentIndex(-1);
+            page.selection->setCurrentIndex(index);
+            QCOMPARE(page.info->toPlainText(), entries[index].text());
+        }
+        QCOMPARE(dialogs.takeTexts(), QStringList());
+    }
+
+    void saves_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << "report.txt"_s;
+        QTest::newRow("without suffix") << "report"_s;
+        QTest::newRow("other suffix") << "report.log"_s;
+        QTest::newRow("blanks") << "my report of today.txt"_s;
+        QTest::newRow("umlauts") << QString::fromUtf8("Pr\xC3\xBC"
+                                                      "fbericht \xC3\x9F.txt");
+        QTest::newRow("Japanese") << QString::fromUtf8("\xE6\x97\xA5\xE6\x9C\xAC.txt");
+    }
+
+    void saves()
+    {
+        QFETCH(QString, name);
+        const QString path = folder->filePath(name);
+        Page page;
+        page.show();
+        calls();
+        dialogs.planFile(path);
+        page.clickSave();
+        const auto seen = dialogs.take();
+        QCOMPARE(seen.count(), 1);
+        QCOMPARE(seen.constFirst().className, "QFileDialog"_s);
+        QCOMPARE(seen.constFirst().title, "Save Data"_s);
+        QCOMPARE(seen.constFirst().parent, &page);
+        QCOMPARE(calls(), QStringList());
+        QCOMPARE(content(path), page.info->toPlainText().toLatin1());
+        QVERIFY(QFile::remove(path));
+        QCOMPARE(QDir(folder->path()).entryList(QDir::Files), QStringList());
+    }
+
+    void savesLatin1()
+    {
+        setUnit("Hardware.mainManufacturingDate"_s, QString::fromUtf8("Fr\xC3\xBChling \xC2\xB0"));
+        const QString path = folder->filePath("latin1.txt"_s);
+        Page page;
+        page.show();
+        dialogs.planFile(path);
+        page.clickSave();
+        dialogs.take();
+        QVERIFY2(content(path).contains("Fr\xFChling \xB0"), content(path).constData());
+        QVERIFY(!content(path).contains('\r'));
+    }
+
+    void savesWhatIsShown()
+    {
+        Page page;
+        page.show();
+        page.selection->setCurrentIndex(2);
+        const QByteArray shown = page.info->toPlainText().toLatin1();
+        for (const char *name : {"first.txt", "second.txt"}) {
+            dialogs.planFile(folder->filePath(latin1(name)));
+            page.clickSave();
+            QCOMPARE(dialogs.take().count(), 1);
+            QCOMPARE(content(folder->filePath(latin1(name))), shown);
+            fault("Adc_getVoltage"_s, 18);
+        }
+    }
+
+    void replacesFile()
+    {
+        const QString path = folder->filePath("former.txt"_s);
+        QFile former(path);
+        QVERIFY(former.open(QIODevice::WriteOnly));
+        former.write(QByteArray(100'000, 'x'));
+        former.close();
+        Page page;
+        page.show();
+        dialogs.planFile(path);
+        dialogs.plan(QMessageBox::Yes); // the file dialog asks whether to replace it
+        page.clickSave();
+        QCOMPARE(dialogs.take().count(), 2);
+        QCOMPARE(content(path), page.info->toPlainText().toLatin1());
+    }
+
+    void cancelledDialog()
+    {
+        QStringList filters;
+        Page page;
+        page.show();
+        dialogs.plan([&](QDialog *dialog) {
+            const auto *files = qobject_cast<QFileDialog *>(dialog);
+            filters = files->nameFilters();
+            QCOMPARE(files->acceptMode(), QFileDialog::AcceptSave);
+            QCOMPARE(files->defaultSuffix(), QString());
+            dialog->reject();
+        });
+        page.clickSave();
+        QCOMPARE(dialogs.take().count(), 1);
+        QCOMPARE(filters, QStringList({"Text Files (*.txt)"_s, "All Files (*)"_s}));
+    }
+
+    void unwritable_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("missing folder") << QDir::rootPath() + "no/where/report.txt"_s;
+        QTest::newRow("below a file") << QCoreApplication::applicationFilePath() + "/report.txt"_s;
+    }
+
+    void unwritable()
+    {
+        QFETCH(QString, path);
+        QFile probe(path);
+        QVERIFY(!probe.open(QIODevice::WriteOnly));
+        Page page;
+        page.show();
+        const QString shown = page.info->toPlainText();
+        dialogs.planFile(path);
+        page.clickSave();
+        QCOMPARE(boxes(&page).value(1), box(QMessageBox::Information, "Unable to open file",
+                                            probe.errorString(), "OK", Qt::AutoText));
+        QCOMPARE(page.info->toPlainText(), shown);
+    }
+
+    void largeLog()
+    {
+        constexpr qint64 size = 100'000'000;
+        const QByteArray line("2026-03-08 12:34:56.789 VornAuxService: battery voltage 12.3 V, "
+                              "temperature 31 C\n");
+        QFile log(serviceLog());
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        const QByteArray part = line.repeated(10'000);
+        for (qint64 written = 0; written < size; written += part.size())
+            QCOMPARE(log.write(part), part.size());
+        log.close();
+
+        const QString path = folder->filePath("large.txt"_s);
+        Page page;
+        page.show();
+        page.selection->setCurrentIndex(4);
+        dialogs.take(); // of the board's library
+        dialogs.planFile(path);
+        page.clickSave();
+        QCOMPARE(dialogs.take().count(), 1);
+        QVERIFY(QFileInfo(path).size() > size);
+        const qint64 peak = peakMemory();
+        QVERIFY2(peak > size, qPrintable(QString::number(peak)));
+        if (!instrumented)
+            QVERIFY2(peak < 10 * size, qPrintable(QString::number(peak)));
+    }
 
 private:
     std::unique_ptr<QTemporaryDir> folder;
 };
-
-void AboutPageTest::init()
-{
-    DeviceTest::init();
-    folder = std::make_unique<QTemporaryDir>();
-}
-
-void AboutPageTest::cleanup()
-{
-    folder.reset();
-    QFile::remove(serviceLog());
-    DeviceTest::cleanup();
-}
-
-void AboutPageTest::form()
-{
-    Page page;
-    page.info->clear();
-    QCOMPARE(page.objectName(), QStringLiteral("tabAbout"));
-    QCOMPARE(page.windowTitle(), QStringLiteral("About"));
-    QCOMPARE(widgets(&page),
-        QStringList({"icon: QLabel kblackbox.png centred"_s,
-            "groupBox: QGroupBox \"Information\""_s, "label: QLabel \"Selection:\""_s,
-            "comboBoxSelection: QComboBox [EEPROM data | Diagnostic data | ADC values | CPU board data | System report | Battery data]"_s,
-            "textEditInfo: QPlainTextEdit \"\" read-only"_s,
-            "pushButtonSaveAs: QPushButton \"Save As\" tip \"Save the displayed data to a file\""_s}));
-}
-
-void AboutPageTest::layout()
-{
-    Page page;
-    QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(page.styleSheet(), QString());
-    const auto *group = child<QGroupBox>(&page, "groupBox");
-    for (const QWidget *inside : {static_cast<QWidget *>(child<QLabel>(&page, "label")),
-             static_cast<QWidget *>(page.selection), static_cast<QWidget *>(page.info)})
-        QCOMPARE(inside->parentWidget(), group);
-    QCOMPARE(page.save->parentWidget(), &page);
-    QVERIFY(page.save->x() > group->geometry().right());
-    QVERIFY(page.info->isReadOnly());
-    QCOMPARE(page.info->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
-    QCOMPARE(child<QLabel>(&page, "label")->buddy(), page.selection);
-    QVERIFY(!page.info->accessibleName().isEmpty());
-    QCOMPARE(layoutFaults(&page), QStringList());
-}
-
-void AboutPageTest::readsFirstSectionWhenMade()
-{
-    const QString text = eepromDataText();
-    const QStringList reads = calls();
-    {
-        const Page page;
-        QCOMPARE(calls(), QStringList({QStringLiteral("Battery_create()"),
-                              QStringLiteral("Battery_isAvailable() = 0 [true]"),
-                              QStringLiteral("Battery_release()")}) +
-                              reads);
-        QCOMPARE(items(page.selection), captions(6));
-        for (int index = 0; index < page.selection->count(); ++index)
-            QVERIFY(!page.selection->itemData(index).isValid());
-        QCOMPARE(page.selection->currentIndex(), 0);
-        QCOMPARE(page.info->toPlainText(), text);
-        QVERIFY(!text.isEmpty());
-    }
-    // The page keeps no handle.
-    QCOMPARE(calls(), QStringList());
-}
-
-void AboutPageTest::batteryEntry_data()
-{
-    QTest::addColumn<bool>("available");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<int>("count");
-    QTest::newRow("battery") << true << 0 << 6;
-    QTest::newRow("no battery") << false << 0 << 5;
-    for (const int code : {2, 18, 20, 5, -1})
-        QTest::addRow("%d", code) << true << code << 5;
-}
-
-void AboutPageTest::batteryEntry()
-{
-    QFETCH(bool, available);
-    QFETCH(int, code);
-    QFETCH(int, count);
-    setUnit(QStringLiteral("Battery.available"),
-        available ? QStringLiteral("true") : QStringLiteral("false"));
-    if (code != 0)
-        fault(QStringLiteral("Battery_isAvailable"), code);
-    Page page;
-    page.show();
-    QCOMPARE(items(page.selection), captions(count));
-    QVERIFY(!page.info->toPlainText().isEmpty());
-}
-
-void AboutPageTest::showingReadsNothing()
-{
-    Page page;
-    calls();
-    const QString text = page.info->toPlainText();
-    setUnit(QStringLiteral("Hardware.unitSerialNumber"), QStringLiteral("changed"));
-    page.show();
-    page.hide();
-    page.show();
-    QCOMPARE(calls(), QStringList());
-    QCOMPARE(page.info->toPlainText(), text);
-}
-
-void AboutPageTest::selects_data()
-{
-    QTest::addColumn<int>("index");
-    for (int index = 0; index < int(std::size(entries)); ++index)
-        QTest::newRow(entries[index].caption) << index;
-}
-
-void AboutPageTest::selects()
-{
-    QFETCH(int, index);
-    Page page;
-    page.show();
-    // From the neighbour above or, for the first, below.
-    page.selection->setCurrentIndex(index == 0 ? 1 : index - 1);
-    dialogs.take();
-    calls();
-    const QString text = entries[index].text();
-    const QStringList reads = calls();
-    const QStringList boxes = describe(dialogs.take());
-    QTest::keyClick(page.selection, index == 0 ? Qt::Key_Up : Qt::Key_Down);
-    QCOMPARE(page.selection->currentIndex(), index);
-    QCOMPARE(calls(), reads);
-    QCOMPARE(timeless(page.info->toPlainText()), timeless(text));
-    QCOMPARE(describe(dialogs.take()), boxes);
-}
-
-void AboutPageTest::choosingTheChosenReadsNothing()
-{
-    Page page;
-    page.show();
-    page.selection->setCurrentIndex(2);
-    calls();
-    page.selection->setCurrentIndex(2);
-    QTest::keyClick(page.selection, Qt::Key_A); // "ADC values", which it is already
-    QCOMPARE(page.selection->currentIndex(), 2);
-    QCOMPARE(calls(), QStringList());
-}
-
-void AboutPageTest::noSelection()
-{
-    Page page;
-    calls();
-    page.selection->setCurrentIndex(-1);
-    QCOMPARE(page.info->toPlainText(), QString());
-    QCOMPARE(calls(), QStringList());
-    page.selection->clear();
-    QCOMPARE(page.info->toPlainText(), QString());
-    page.selection->setCurrentIndex(0);
-    QCOMPARE(calls(), QStringList());
-}
-
-void AboutPageTest::failingUnit_data()
-{
-    addFailureCodes();
-}
-
-void AboutPageTest::failingUnit()
-{
-    QFETCH(int, code);
-    Page page;
-    page.show();
-    for (const char *operation : {"Hardware_getMainPcbSerial", "Diagnostics_getSSTemp",
-             "Adc_getVoltage", "Battery_getVoltageLevel"})
-        fault(latin1(operation), code);
-    // Failures are lines of the text, never dialogs.
-    for (const int index : {0, 1, 2, 5}) {
-        page.selection->setCurrentIndex(-1);
-        page.selection->setCurrentIndex(index);
-        QCOMPARE(page.info->toPlainText(), entries[index].text());
-    }
-    QCOMPARE(dialogs.takeTexts(), QStringList());
-}
-
-void AboutPageTest::saves_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("plain") << QStringLiteral("report.txt");
-    QTest::newRow("without suffix") << QStringLiteral("report");
-    QTest::newRow("other suffix") << QStringLiteral("report.log");
-    QTest::newRow("blanks") << QStringLiteral("my report of today.txt");
-    QTest::newRow("umlauts") << QString::fromUtf8("Pr\xC3\xBC"
-                                                  "fbericht \xC3\x9F.txt");
-    QTest::newRow("Japanese") << QString::fromUtf8("\xE6\x97\xA5\xE6\x9C\xAC.txt");
-}
-
-void AboutPageTest::saves()
-{
-    QFETCH(QString, name);
-    const QString path = folder->filePath(name);
-    Page page;
-    page.show();
-    calls();
-    dialogs.planFile(path);
-    page.clickSave();
-    const auto seen = dialogs.take();
-    QCOMPARE(seen.count(), 1);
-    QCOMPARE(seen.constFirst().className, QStringLiteral("QFileDialog"));
-    QCOMPARE(seen.constFirst().title, QStringLiteral("Save Data"));
-    QCOMPARE(seen.constFirst().parent, &page);
-    QCOMPARE(calls(), QStringList());
-    QCOMPARE(content(path), page.info->toPlainText().toLatin1());
-    QVERIFY(QFile::remove(path));
-    QCOMPARE(QDir(folder->path()).entryList(QDir::Files), QStringList());
-}
-
-void AboutPageTest::savesLatin1()
-{
-    setUnit(QStringLiteral("Hardware.mainManufacturingDate"),
-        QString::fromUtf8("Fr\xC3\xBChling \xC2\xB0"));
-    const QString path = folder->filePath(QStringLiteral("latin1.txt"));
-    Page page;
-    page.show();
-    dialogs.planFile(path);
-    page.clickSave();
-    dialogs.take();
-    QVERIFY2(content(path).contains("Fr\xFChling \xB0"), content(path).constData());
-    QVERIFY(!content(path).contains('\r'));
-}
-
-void AboutPageTest::savesWhatIsShown()
-{
-    Page page;
-    page.show();
-    page.selection->setCurrentIndex(2);
-    const QByteArray shown = page.info->toPlainText().toLatin1();
-    for (const char *name : {"first.txt", "second.txt"}) {
-        dialogs.planFile(folder->filePath(latin1(name)));
-        page.clickSave();
-        QCOMPARE(dialogs.take().count(), 1);
-        QCOMPARE(content(folder->filePath(latin1(name))), shown);
-        fault(QStringLiteral("Adc_getVoltage"), 18);
-    }
-}
-
-void AboutPageTest::replacesFile()
-{
-    const QString path = folder->filePath(QStringLiteral("former.txt"));
-    QFile former(path);
-    QVERIFY(former.open(QIODevice::WriteOnly));
-    former.write(QByteArray(100'000, 'x'));
-    former.close();
-    Page page;
-    page.show();
-    dialogs.planFile(path);
-    dialogs.plan(QMessageBox::Yes); // the file dialog asks whether to replace it
-    page.clickSave();
-    QCOMPARE(dialogs.take().count(), 2);
-    QCOMPARE(content(path), page.info->toPlainText().toLatin1());
-}
-
-void AboutPageTest::cancelledDialog()
-{
-    QStringList filters;
-    Page page;
-    page.show();
-    dialogs.plan([&](QDialog *dialog) {
-        const auto *files = qobject_cast<QFileDialog *>(dialog);
-        filters = files->nameFilters();
-        QCOMPARE(files->acceptMode(), QFileDialog::AcceptSave);
-        QCOMPARE(files->defaultSuffix(), QString());
-        dialog->reject();
-    });
-    page.clickSave();
-    QCOMPARE(dialogs.take().count(), 1);
-    QCOMPARE(filters,
-        QStringList({QStringLiteral("Text Files (*.txt)"), QStringLiteral("All Files (*)")}));
-}
-
-void AboutPageTest::unwritable_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::newRow("missing folder") << QDir::rootPath() + QLatin1String("no/where/report.txt");
-    QTest::newRow("below a file") << QCoreApplication::applicationFilePath() +
-                                         QLatin1String("/report.txt");
-}
-
-void AboutPageTest::unwritable()
-{
-    QFETCH(QString, path);
-    QFile probe(path);
-    QVERIFY(!probe.open(QIODevice::WriteOnly));
-    Page page;
-    page.show();
-    const QString shown = page.info->toPlainText();
-    dialogs.planFile(path);
-    page.clickSave();
-    QCOMPARE(describe(dialogs.take()).value(1),
-        box(QMessageBox::Information, "Unable to open file", probe.errorString(), "tabAbout"));
-    QCOMPARE(page.info->toPlainText(), shown);
-}
-
-void AboutPageTest::largeLog()
-{
-    constexpr qint64 size = 100'000'000;
-    const QByteArray line("2026-03-08 12:34:56.789 VornAuxService: battery voltage 12.3 V, "
-                          "temperature 31 C\n");
-    QFile log(serviceLog());
-    QVERIFY(log.open(QIODevice::WriteOnly));
-    const QByteArray part = line.repeated(10'000);
-    for (qint64 written = 0; written < size; written += part.size())
-        QCOMPARE(log.write(part), part.size());
-    log.close();
-
-    const QString path = folder->filePath(QStringLiteral("large.txt"));
-    Page page;
-    page.show();
-    page.selection->setCurrentIndex(4);
-    dialogs.take(); // of the board's library
-    dialogs.planFile(path);
-    page.clickSave();
-    QCOMPARE(dialogs.take().count(), 1);
-    QVERIFY(QFileInfo(path).size() > size);
-    const qint64 peak = support::peakMemory();
-    QVERIFY2(peak > size, qPrintable(QString::number(peak)));
-    if (!instrumented)
-        QVERIFY2(peak < 10 * size, qPrintable(QString::number(peak)));
-}
 
 VORN_TEST_MAIN(AboutPageTest)
 #include "tst_aboutpage.moc"

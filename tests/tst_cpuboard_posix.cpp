@@ -2,8 +2,7 @@
 
 #include <QtTest>
 
-using support::ProgramTree;
-using support::Run;
+using namespace support;
 
 namespace {
 
@@ -21,43 +20,39 @@ class CpuBoardPosixTest : public QObject
     Q_OBJECT
 
 private slots:
-    void libraryIsFoundBesideTheDeviceLibrary();
-    void libraryIsFoundOnTheSearchPath();
-    void missingLibraryIsToldInABox();
+    void libraryIsFoundBesideTheDeviceLibrary()
+    {
+        ProgramTree tree(tiny("libVornAux2.so"));
+        tree.setBoard("TCA3");
+        tree.putIn(tiny("board_cgos.so"), "lib/libCgos.so"_s);
+        QVERIFY(section(tree.report(), "CPU board data").startsWith("Board name: Board %1\n"));
+
+        // A file in the program's folder comes first.
+        tree.putBesideProgram(tiny("board_cgos_without_OPEN.so"), "Cgos"_s);
+        QCOMPARE(section(tree.report(), "CPU board data"), QByteArray());
+    }
+
+    void libraryIsFoundOnTheSearchPath()
+    {
+        ProgramTree tree(tiny("libVornAux2.so"));
+        tree.putIn(tiny("board_jida.so"), "log/libjida.so"_s);
+        QCOMPARE(section(tree.report(), "CPU board data"), QByteArray());
+        tree.environment.insert("LD_LIBRARY_PATH"_s, tree.path("log"_s));
+        QVERIFY(section(tree.report(), "CPU board data").startsWith("Board name: Board %1\n"));
+    }
+
+    void missingLibraryIsToldInABox()
+    {
+        ProgramTree tree(tiny("libVornAux2.so"));
+        tree.environment.insert("QT_QPA_PLATFORM"_s, "offscreen"_s);
+        tree.environment.insert("LD_LIBRARY_PATH"_s, tree.path("lib"_s));
+        const Run run = tree.runOther(tiny("boardbox"), {});
+        QVERIFY(!run.errors.contains("jida"));
+        QCOMPARE(run.output,
+            QByteArray("error|failed to LoadLibrary(\"jida.dll\")|icon 0|parent 0|OK\ntext ''\n"));
+        QCOMPARE(run.exitCode, 0);
+    }
 };
-
-void CpuBoardPosixTest::libraryIsFoundBesideTheDeviceLibrary()
-{
-    ProgramTree tree(tiny("libVornAux2.so"));
-    tree.setBoard("TCA3");
-    tree.putIn(tiny("board_cgos.so"), QStringLiteral("lib/libCgos.so"));
-    QVERIFY(support::section(tree.report(), "CPU board data").startsWith("Board name: Board %1\n"));
-
-    // A file in the program's folder comes first.
-    tree.putBesideProgram(tiny("board_cgos_without_OPEN.so"), QStringLiteral("Cgos"));
-    QCOMPARE(support::section(tree.report(), "CPU board data"), QByteArray());
-}
-
-void CpuBoardPosixTest::libraryIsFoundOnTheSearchPath()
-{
-    ProgramTree tree(tiny("libVornAux2.so"));
-    tree.putIn(tiny("board_jida.so"), QStringLiteral("log/libjida.so"));
-    QCOMPARE(support::section(tree.report(), "CPU board data"), QByteArray());
-    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("log")));
-    QVERIFY(support::section(tree.report(), "CPU board data").startsWith("Board name: Board %1\n"));
-}
-
-void CpuBoardPosixTest::missingLibraryIsToldInABox()
-{
-    ProgramTree tree(tiny("libVornAux2.so"));
-    tree.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    tree.environment.insert(QStringLiteral("LD_LIBRARY_PATH"), tree.path(QStringLiteral("lib")));
-    const Run run = tree.runOther(tiny("boardbox"), {});
-    QVERIFY(!run.errors.contains("jida"));
-    QCOMPARE(run.output,
-        QByteArray("error|failed to LoadLibrary(\"jida.dll\")|icon 0|parent 0|OK\ntext ''\n"));
-    QCOMPARE(run.exitCode, 0);
-}
 
 QTEST_GUILESS_MAIN(CpuBoardPosixTest)
 #include "tst_cpuboard_posix.moc"

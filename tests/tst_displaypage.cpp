@@ -5,78 +5,7 @@
 #include <QLabel>
 #include <QSlider>
 
-using support::child;
-using support::click;
-using support::HeldTimer;
-using support::operator""_s;
-
-/** The Display page on a unit whose automatic control is off and whose values are all set. */
-class DisplayPageTest : public PageTest
-{
-    Q_OBJECT
-
-private slots:
-    void init();
-    void form();
-    void layout();
-    void handleLivesAsLongAsThePage();
-
-    void loadsOnShow();
-    void loadsRunningControl();
-    void loadFailure_data();
-    void loadFailure();
-    void failedStatusLeavesTheSettings_data();
-    void failedStatusLeavesTheSettings();
-    void ledDimmingIsOnForOneOnly_data();
-    void ledDimmingIsOnForOneOnly();
-    void sensitivityStaysInRange_data();
-    void sensitivityStaysInRange();
-
-    void timerRunsWhileShown();
-    void firstIntensityOfZeroTouchesNothing();
-    void sliderFollowsTheDevice();
-    void lastIntensitySurvivesHiding();
-    void refreshItselfSetsTheLabel();
-    void echoFailure_data();
-    void echoFailure();
-    void refusedEchoesDontPileUp();
-    void intensityFailure_data();
-    void intensityFailure();
-    void timerStandsBeforeTheBoxOpens();
-    void health_data();
-    void health();
-
-    void sliderSetsTheIntensity_data();
-    void sliderSetsTheIntensity();
-    void writeFailure_data();
-    void writeFailure();
-    void sensitivityChangesTheLabelOnly();
-    void enableSendsFilterAndStarts_data();
-    void enableSendsFilterAndStarts();
-    void enableFailure_data();
-    void enableFailure();
-    void disableStops();
-    void disableFailure_data();
-    void disableFailure();
-    void failedStartShowsUntilShownAgain();
-    void ledDimming();
-
-private:
-    void type(const tabBacklightDlg &page, const char *slider, Qt::Key key)
-    {
-        QTest::keyClick(child<QSlider>(&page, slider), key);
-    }
-    /** How many of the automatic control's two settings the user can change. */
-    int openSettings(const tabBacklightDlg &page)
-    {
-        return int(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled()) +
-               int(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
-    }
-    QString text(const tabBacklightDlg &page, const char *label)
-    {
-        return child<QLabel>(&page, label)->text();
-    }
-};
+using namespace support;
 
 namespace {
 
@@ -95,29 +24,34 @@ const QStringList enabling = {
 
 } // namespace
 
-void DisplayPageTest::init()
+/** The Display page on a unit whose automatic control is off and whose values are all set. */
+class DisplayPageTest : public PageTest
 {
-    PageTest::init();
-    setUnit("Backlight.intensity"_s, "180"_s);
-    setUnit("Backlight.softTransitions"_s, "true"_s);
-    setUnit("Backlight.kValue"_s, "0.35"_s);
-    setUnit("Backlight.averageWindowSize"_s, "6"_s);
-    setUnit("Backlight.rejectWindowSize"_s, "8"_s);
-    setUnit("Backlight.rejectDeltaLux"_s, "70"_s);
-    setUnit("Backlight.samplingMode"_s, "1"_s);
-    setUnit("Backlight.automaticBLStatus"_s, "0"_s);
-    setUnit("Backlight.ledDimming"_s, "1"_s);
-}
+    Q_OBJECT
 
-void DisplayPageTest::form()
-{
-    const tabBacklightDlg page;
-    QCOMPARE(page.objectName(), "tabBacklight"_s);
-    QCOMPARE(page.windowTitle(), "Display"_s);
-    QCOMPARE(page.size(), QSize(600, 320));
-    const QString tip = " tip \"Change the reject window size\""_s;
-    QCOMPARE(
-        support::widgets(&page), (QStringList{
+private slots:
+    void init()
+    {
+        PageTest::init();
+        setUnit("Backlight.intensity"_s, "180"_s);
+        setUnit("Backlight.softTransitions"_s, "true"_s);
+        setUnit("Backlight.kValue"_s, "0.35"_s);
+        setUnit("Backlight.averageWindowSize"_s, "6"_s);
+        setUnit("Backlight.rejectWindowSize"_s, "8"_s);
+        setUnit("Backlight.rejectDeltaLux"_s, "70"_s);
+        setUnit("Backlight.samplingMode"_s, "1"_s);
+        setUnit("Backlight.automaticBLStatus"_s, "0"_s);
+        setUnit("Backlight.ledDimming"_s, "1"_s);
+    }
+
+    void form()
+    {
+        const tabBacklightDlg page;
+        QCOMPARE(page.objectName(), "tabBacklight"_s);
+        QCOMPARE(page.windowTitle(), "Display"_s);
+        QCOMPARE(page.size(), QSize(600, 320));
+        const QString tip = " tip \"Change the reject window size\""_s;
+        QCOMPARE(widgets(&page), (QStringList{
                                      "icon: QLabel background.png"_s,
                                      "groupBox: QGroupBox \"Backlight level\""_s,
                                      "label_2: QLabel Min.ico"_s,
@@ -135,598 +69,608 @@ void DisplayPageTest::form()
                                      "label_hwstatus0: QLabel \"Backlight HW\" centred"_s + tip,
                                      "label_hwstatus1: QLabel \"status:   \" centred"_s + tip,
                                  }));
-    const auto *level = child<QSlider>(&page, "sliderBacklightLevel");
-    QCOMPARE(level->minimumHeight(), 61);
-    QCOMPARE(level->accessibleName(), "Backlight level"_s);
-    const auto *sensitivity = child<QSlider>(&page, "sliderSensitivity");
-    QCOMPARE(sensitivity->accessibleName(), "Sensitivity"_s);
-    QCOMPARE(child<QLabel>(&page, "label_3")->buddy(), sensitivity);
-}
-
-void DisplayPageTest::layout()
-{
-    tabBacklightDlg page;
-    const QStringList faults = support::layoutFaults(&page);
-    QCOMPARE(faults, QStringList());
-}
-
-void DisplayPageTest::handleLivesAsLongAsThePage()
-{
-    {
-        const tabBacklightDlg page;
-        QCOMPARE(calls(), QStringList{"Backlight_create()"_s});
+        const auto *level = child<QSlider>(&page, "sliderBacklightLevel");
+        QCOMPARE(level->minimumHeight(), 61);
+        QCOMPARE(level->accessibleName(), "Backlight level"_s);
+        const auto *sensitivity = child<QSlider>(&page, "sliderSensitivity");
+        QCOMPARE(sensitivity->accessibleName(), "Sensitivity"_s);
+        QCOMPARE(child<QLabel>(&page, "label_3")->buddy(), sensitivity);
     }
-    QCOMPARE(calls(), QStringList{"Backlight_release()"_s});
-}
 
-void DisplayPageTest::loadsOnShow()
-{
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    calls();
-    page.show();
-    QCOMPARE(calls(), loads);
-    QVERIFY(child<QCheckBox>(&page, "checkBoxABLSoftTransitions")->isChecked());
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
-    QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(), 8);
-    QCOMPARE(text(page, "labelKLevel"), "8"_s);
-    QCOMPARE(openSettings(page), 2);
-}
+    void layout()
+    {
+        tabBacklightDlg page;
+        const QStringList faults = layoutFaults(&page);
+        QCOMPARE(faults, QStringList());
+    }
 
-void DisplayPageTest::loadsRunningControl()
-{
-    setUnit("Backlight.automaticBLStatus"_s, "7"_s);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openSettings(page), 0);
+    void handleLivesAsLongAsThePage()
+    {
+        {
+            const tabBacklightDlg page;
+            QCOMPARE(calls(), QStringList{"Backlight_create()"_s});
+        }
+        QCOMPARE(calls(), QStringList{"Backlight_release()"_s});
+    }
 
-    setUnit("Backlight.automaticBLStatus"_s, "0"_s);
-    page.hide();
-    page.show();
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openSettings(page), 2);
-}
+    void loadsOnShow()
+    {
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        calls();
+        page.show();
+        QCOMPARE(calls(), loads);
+        QVERIFY(child<QCheckBox>(&page, "checkBoxABLSoftTransitions")->isChecked());
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
+        QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(), 8);
+        QCOMPARE(text(page, "labelKLevel"), "8"_s);
+        QCOMPARE(openSettings(page), 2);
+    }
 
-void DisplayPageTest::loadFailure_data()
-{
-    addFailureRows({"Backlight_getAutomaticBLParams"_s, "Backlight_getAutomaticBLFilter"_s,
-        "Backlight_getAutomaticBLStatus"_s, "Backlight_getLedDimming"_s});
-}
-
-// Each block stands alone: its own widgets stay, the others are loaded all the same.
-void DisplayPageTest::loadFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    child<QCheckBox>(&page, "checkBoxABLEnable")->setChecked(true);
-    calls();
-    fault(operation, code);
-    bool activeInBox = false;
-    dialogs.plan([&](QDialog *box) {
-        activeInBox = timer.isActive();
-        box->accept();
-    });
-    page.show();
-    QCOMPARE(calls(), failing(loads, operation, code));
-    const QString name = operation.mid(int(qstrlen("Backlight_")));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, name)});
-    QCOMPARE(child<QCheckBox>(&page, "checkBoxABLSoftTransitions")->isChecked(),
-        name != QLatin1String("getAutomaticBLParams"));
-    QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(),
-        name != QLatin1String("getAutomaticBLFilter") ? 8 : 2);
-    QCOMPARE(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked(),
-        name == QLatin1String("getAutomaticBLStatus"));
-    QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(),
-        name != QLatin1String("getLedDimming"));
-    QVERIFY(child<QSlider>(&page, "sliderSensitivity")->isVisible());
-    QVERIFY(activeInBox);
-    QVERIFY(timer.isActive());
-}
-
-void DisplayPageTest::failedStatusLeavesTheSettings_data()
-{
-    addFailureRows({"Backlight_getAutomaticBLStatus"_s});
-}
-
-void DisplayPageTest::failedStatusLeavesTheSettings()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    for (const bool running : {false, true}) {
-        clearFaults();
-        setUnit("Backlight.automaticBLStatus"_s, running ? "7"_s : "0"_s);
+    void loadsRunningControl()
+    {
+        setUnit("Backlight.automaticBLStatus"_s, "7"_s);
         tabBacklightDlg page;
         const HeldTimer timer(&page);
         page.show();
+        QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openSettings(page), 0);
+
+        setUnit("Backlight.automaticBLStatus"_s, "0"_s);
         page.hide();
-        fault(operation, code);
         page.show();
-        QCOMPARE(boxes(&page), QStringList{errorBox(code, "getAutomaticBLStatus"_s)});
-        QCOMPARE(openSettings(page), running ? 0 : 2);
-        QCOMPARE(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked(), running);
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openSettings(page), 2);
     }
-}
 
-void DisplayPageTest::ledDimmingIsOnForOneOnly_data()
-{
-    QTest::addColumn<QString>("status");
-    QTest::addColumn<bool>("checked");
-    QTest::newRow("0") << "0"_s << false;
-    QTest::newRow("1") << "1"_s << true;
-    QTest::newRow("2") << "2"_s << false;
-    QTest::newRow("257") << "257"_s << false;
-    QTest::newRow("-1") << "-1"_s << false;
-}
-
-void DisplayPageTest::ledDimmingIsOnForOneOnly()
-{
-    QFETCH(QString, status);
-    QFETCH(bool, checked);
-    setUnit("Backlight.ledDimming"_s, status);
-    tabBacklightDlg page;
-    child<QCheckBox>(&page, "checkBoxLedDim")->setChecked(!checked);
-    page.show();
-    QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(), checked);
-}
-
-void DisplayPageTest::sensitivityStaysInRange_data()
-{
-    QTest::addColumn<QString>("window");
-    QTest::addColumn<int>("shown");
-    QTest::newRow("0") << "0"_s << 2;
-    QTest::newRow("2") << "2"_s << 2;
-    QTest::newRow("17") << "17"_s << 17;
-    QTest::newRow("200") << "200"_s << 17;
-    QTest::newRow("greatest of 31 bits") << "2147483647"_s << 17;
-    QTest::newRow("negative in 32 bits") << "2147483648"_s << 2;
-    QTest::newRow("greatest") << "4294967295"_s << 2;
-}
-
-void DisplayPageTest::sensitivityStaysInRange()
-{
-    QFETCH(QString, window);
-    QFETCH(int, shown);
-    setUnit("Backlight.rejectWindowSize"_s, window);
-    tabBacklightDlg page;
-    page.show();
-    QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(), shown);
-}
-
-void DisplayPageTest::timerRunsWhileShown()
-{
-    tabBacklightDlg page;
-    const auto *timer = page.findChild<QTimer *>();
-    QVERIFY(timer);
-    QVERIFY(!timer->isActive());
-    page.show();
-    QVERIFY(timer->isActive());
-    QCOMPARE(timer->interval(), 500);
-    QVERIFY(!timer->isSingleShot());
-    QTRY_COMPARE(text(page, "labelBLLevel"), "180"_s);
-    page.hide();
-    QVERIFY(!timer->isActive());
-    page.show();
-    QVERIFY(timer->isActive());
-    QCOMPARE(timer->interval(), 500);
-}
-
-void DisplayPageTest::firstIntensityOfZeroTouchesNothing()
-{
-    setUnit("Backlight.intensity"_s, "0"_s);
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    child<QLabel>(&page, "labelBLLevel")->setText("untouched"_s);
-    page.show();
-    calls();
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [0]"_s,
-                          "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
-    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 0);
-}
-
-// What came from the device goes straight back to it, once for each change.
-void DisplayPageTest::sliderFollowsTheDevice()
-{
-    setUnit("Backlight.automaticBLStatus"_s, "1"_s);
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    calls();
-    for (const QString &intensity : {"180"_s, "255"_s, "1"_s, "0"_s}) {
-        setUnit("Backlight.intensity"_s, intensity);
-        QVERIFY(timer.fire());
-        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [%1]"_s.arg(intensity),
-                              "Backlight_setIntensity(%1) = 0"_s.arg(intensity),
-                              "Backlight_getHealthStatus() = 0 [true]"_s}));
-        QCOMPARE(text(page, "labelBLLevel"), intensity);
-        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), intensity.toInt());
-
-        QVERIFY(timer.fire());
-        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [%1]"_s.arg(intensity),
-                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+    void loadFailure_data()
+    {
+        addFailureRows({"Backlight_getAutomaticBLParams"_s, "Backlight_getAutomaticBLFilter"_s,
+            "Backlight_getAutomaticBLStatus"_s, "Backlight_getLedDimming"_s});
     }
-}
 
-void DisplayPageTest::lastIntensitySurvivesHiding()
-{
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    QVERIFY(timer.fire());
-    type(page, "sliderBacklightLevel", Qt::Key_Home);
-    QCOMPARE(unit("Backlight.intensity"_s), "0"_s);
-    setUnit("Backlight.intensity"_s, "180"_s);
-    page.hide();
-    page.show();
-    calls();
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
-                          "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 0);
-    QCOMPARE(text(page, "labelBLLevel"), "0"_s);
-}
+    // Each block stands alone: its own widgets stay, the others are loaded all the same.
+    void loadFailure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        child<QCheckBox>(&page, "checkBoxABLEnable")->setChecked(true);
+        calls();
+        fault(operation, code);
+        bool activeInBox = false;
+        dialogs.plan([&](QDialog *box) {
+            activeInBox = timer.isActive();
+            box->accept();
+        });
+        page.show();
+        QCOMPARE(calls(), failing(loads, operation, code));
+        const QString name = operation.mid(int(qstrlen("Backlight_")));
+        QCOMPARE(boxes(&page), QStringList{errorBox(code, name)});
+        QCOMPARE(child<QCheckBox>(&page, "checkBoxABLSoftTransitions")->isChecked(),
+            name != "getAutomaticBLParams"_s);
+        QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(),
+            name != "getAutomaticBLFilter"_s ? 8 : 2);
+        QCOMPARE(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked(),
+            name == "getAutomaticBLStatus"_s);
+        QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(), name != "getLedDimming"_s);
+        QVERIFY(child<QSlider>(&page, "sliderSensitivity")->isVisible());
+        QVERIFY(activeInBox);
+        QVERIFY(timer.isActive());
+    }
 
-// A slider that stands there already sends no signal that could do it.
-void DisplayPageTest::refreshItselfSetsTheLabel()
-{
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    QVERIFY(timer.fire());
-    type(page, "sliderBacklightLevel", Qt::Key_Right);
-    QCOMPARE(unit("Backlight.intensity"_s), "181"_s);
-    fault("Backlight_getIntensity"_s, 5, 1);
-    QVERIFY(timer.fire());
-    QCOMPARE(boxes(&page).size(), 1);
-    QCOMPARE(text(page, "labelBLLevel"), "0"_s);
-    page.hide();
-    page.show();
-    calls();
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [181]"_s,
-                          "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QCOMPARE(text(page, "labelBLLevel"), "181"_s);
-}
+    void failedStatusLeavesTheSettings_data()
+    {
+        addFailureRows({"Backlight_getAutomaticBLStatus"_s});
+    }
 
-void DisplayPageTest::echoFailure_data()
-{
-    addFailureRows({"Backlight_setIntensity"_s});
-}
+    void failedStatusLeavesTheSettings()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        for (const bool running : {false, true}) {
+            clearFaults();
+            setUnit("Backlight.automaticBLStatus"_s, running ? "7"_s : "0"_s);
+            tabBacklightDlg page;
+            const HeldTimer timer(&page);
+            page.show();
+            page.hide();
+            fault(operation, code);
+            page.show();
+            QCOMPARE(boxes(&page), QStringList{errorBox(code, "getAutomaticBLStatus"_s)});
+            QCOMPARE(openSettings(page), running ? 0 : 2);
+            QCOMPARE(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked(), running);
+        }
+    }
 
-// The value counts as known all the same: the next round writes nothing.
-void DisplayPageTest::echoFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    const auto read = "Backlight_getIntensity() = 0 [180]"_s;
-    const auto health = "Backlight_getHealthStatus() = 0 [true]"_s;
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    fault(operation, code);
-    calls();
-    QVERIFY(timer.fire());
-    QCOMPARE(
-        calls(), failing({read, "Backlight_setIntensity(180) = 0"_s, health}, operation, code));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, "setIntensity"_s)});
-    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 180);
-    QCOMPARE(text(page, "labelBLLevel"), "180"_s);
-    child<QLabel>(&page, "labelBLLevel")->setText("untouched"_s);
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{read, health}));
-    QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
-    QVERIFY(timer.isActive());
-}
+    void ledDimmingIsOnForOneOnly_data()
+    {
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<bool>("checked");
+        QTest::newRow("0") << "0"_s << false;
+        QTest::newRow("1") << "1"_s << true;
+        QTest::newRow("2") << "2"_s << false;
+        QTest::newRow("257") << "257"_s << false;
+        QTest::newRow("-1") << "-1"_s << false;
+    }
 
-void DisplayPageTest::refusedEchoesDontPileUp()
-{
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    fault("Backlight_setIntensity"_s, 5);
-    QStringList behindTheBox;
-    dialogs.plan([&](QDialog *box) {
-        setUnit("Backlight.intensity"_s, "90"_s);
+    void ledDimmingIsOnForOneOnly()
+    {
+        QFETCH(QString, status);
+        QFETCH(bool, checked);
+        setUnit("Backlight.ledDimming"_s, status);
+        tabBacklightDlg page;
+        child<QCheckBox>(&page, "checkBoxLedDim")->setChecked(!checked);
+        page.show();
+        QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(), checked);
+    }
+
+    void sensitivityStaysInRange_data()
+    {
+        QTest::addColumn<QString>("window");
+        QTest::addColumn<int>("shown");
+        QTest::newRow("0") << "0"_s << 2;
+        QTest::newRow("2") << "2"_s << 2;
+        QTest::newRow("17") << "17"_s << 17;
+        QTest::newRow("200") << "200"_s << 17;
+        QTest::newRow("greatest of 31 bits") << "2147483647"_s << 17;
+        QTest::newRow("negative in 32 bits") << "2147483648"_s << 2;
+        QTest::newRow("greatest") << "4294967295"_s << 2;
+    }
+
+    void sensitivityStaysInRange()
+    {
+        QFETCH(QString, window);
+        QFETCH(int, shown);
+        setUnit("Backlight.rejectWindowSize"_s, window);
+        tabBacklightDlg page;
+        page.show();
+        QCOMPARE(child<QSlider>(&page, "sliderSensitivity")->value(), shown);
+    }
+
+    void timerRunsWhileShown()
+    {
+        tabBacklightDlg page;
+        const auto *timer = page.findChild<QTimer *>();
+        QVERIFY(timer);
+        QVERIFY(!timer->isActive());
+        page.show();
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 500);
+        QVERIFY(!timer->isSingleShot());
+        QTRY_COMPARE(text(page, "labelBLLevel"), "180"_s);
+        page.hide();
+        QVERIFY(!timer->isActive());
+        page.show();
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 500);
+    }
+
+    void firstIntensityOfZeroTouchesNothing()
+    {
+        setUnit("Backlight.intensity"_s, "0"_s);
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        child<QLabel>(&page, "labelBLLevel")->setText("untouched"_s);
+        page.show();
         calls();
         QVERIFY(timer.fire());
-        behindTheBox = calls();
-        box->accept();
-    });
-    QVERIFY(timer.fire());
-    const auto box = errorBox(5, "setIntensity"_s);
-    QCOMPARE(boxes(&page), QStringList{box});
-    QCOMPARE(behindTheBox, (QStringList{"Backlight_getIntensity() = 0 [90]"_s,
-                               "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QVERIFY(timer.fire());
-    QCOMPARE(boxes(&page), QStringList{box});
-    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 90);
-    QCOMPARE(text(page, "labelBLLevel"), "90"_s);
-}
+        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [0]"_s,
+                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
+        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 0);
+    }
 
-void DisplayPageTest::intensityFailure_data()
-{
-    addFailureRows({"Backlight_getIntensity"_s});
-}
+    // What came from the device goes straight back to it, once for each change.
+    void sliderFollowsTheDevice()
+    {
+        setUnit("Backlight.automaticBLStatus"_s, "1"_s);
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        calls();
+        for (const QString &intensity : {"180"_s, "255"_s, "1"_s, "0"_s}) {
+            setUnit("Backlight.intensity"_s, intensity);
+            QVERIFY(timer.fire());
+            QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [%1]"_s.arg(intensity),
+                                  "Backlight_setIntensity(%1) = 0"_s.arg(intensity),
+                                  "Backlight_getHealthStatus() = 0 [true]"_s}));
+            QCOMPARE(text(page, "labelBLLevel"), intensity);
+            QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), intensity.toInt());
 
-void DisplayPageTest::intensityFailure()
-{
-    QFETCH(int, code);
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    QVERIFY(timer.fire());
-    child<QLabel>(&page, "labelKLevel")->clear();
-    calls();
-    fault("Backlight_getIntensity"_s, code);
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = %1"_s.arg(code),
-                          "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QCOMPARE(text(page, "labelKLevel"), "8"_s);
-    QCOMPARE(text(page, "label_hwstatus1"), "status: OK"_s);
-    const bool absent = code == DEVICE_NOT_SUPPORTED;
-    QCOMPARE(boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIntensity"_s)});
-    QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->isVisible(), !absent);
-    QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
-    QCOMPARE(timer.isActive(), absent);
-    page.hide();
-    page.show();
-    QVERIFY(timer.isActive());
-    // The intensity that was read last is still the known one.
-    clearFaults();
-    calls();
-    QVERIFY(timer.fire());
-    QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
-                          "Backlight_getHealthStatus() = 0 [true]"_s}));
-    QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
-}
+            QVERIFY(timer.fire());
+            QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [%1]"_s.arg(intensity),
+                                  "Backlight_getHealthStatus() = 0 [true]"_s}));
+        }
+    }
 
-void DisplayPageTest::timerStandsBeforeTheBoxOpens()
-{
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    fault("Backlight_getIntensity"_s, 5);
-    bool active = true;
-    dialogs.plan([&](QDialog *box) {
-        active = timer.isActive();
-        box->accept();
-    });
-    QVERIFY(timer.fire());
-    QVERIFY(!active);
-    QCOMPARE(boxes(&page), QStringList{errorBox(5, "getIntensity"_s)});
-}
+    void lastIntensitySurvivesHiding()
+    {
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        QVERIFY(timer.fire());
+        type(page, "sliderBacklightLevel", Qt::Key_Home);
+        QCOMPARE(unit("Backlight.intensity"_s), "0"_s);
+        setUnit("Backlight.intensity"_s, "180"_s);
+        page.hide();
+        page.show();
+        calls();
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
+                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 0);
+        QCOMPARE(text(page, "labelBLLevel"), "0"_s);
+    }
 
-void DisplayPageTest::health_data()
-{
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("healthy");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("2") << 2 << "true"_s
-                       << "status: ERROR"_s; // as before
-    for (const int code : {18, 20, 5, -1})
-        QTest::addRow("%d", code) << code << "true"_s
-                                  << "Error: %1"_s.arg(code);
-    QTest::newRow("sound") << 0 << "true"_s
-                           << "status: OK"_s;
-    QTest::newRow("broken") << 0 << "false"_s
-                            << "status: ERROR"_s;
-}
+    // A slider that stands there already sends no signal that could do it.
+    void refreshItselfSetsTheLabel()
+    {
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        QVERIFY(timer.fire());
+        type(page, "sliderBacklightLevel", Qt::Key_Right);
+        QCOMPARE(unit("Backlight.intensity"_s), "181"_s);
+        fault("Backlight_getIntensity"_s, 5, 1);
+        QVERIFY(timer.fire());
+        QCOMPARE(boxes(&page).size(), 1);
+        QCOMPARE(text(page, "labelBLLevel"), "0"_s);
+        page.hide();
+        page.show();
+        calls();
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [181]"_s,
+                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QCOMPARE(text(page, "labelBLLevel"), "181"_s);
+    }
 
-void DisplayPageTest::health()
-{
-    QFETCH(int, code);
-    QFETCH(QString, healthy);
-    QFETCH(QString, text);
-    const bool wasHealthy = healthy == "false"_s;
-    setUnit("Backlight.healthStatus"_s, wasHealthy ? "true"_s : "false"_s);
-    tabBacklightDlg page;
-    HeldTimer timer(&page);
-    page.show();
-    const auto *label = child<QLabel>(&page, "label_hwstatus1");
-    QVERIFY(timer.fire());
-    QCOMPARE(label->text(), wasHealthy ? "status: OK"_s : "status: ERROR"_s);
-    setUnit("Backlight.healthStatus"_s, healthy);
-    fault("Backlight_getHealthStatus"_s, code);
-    QVERIFY(timer.fire());
-    QCOMPARE(label->text(), text);
-    QVERIFY(timer.isActive());
-}
+    void echoFailure_data() { addFailureRows({"Backlight_setIntensity"_s}); }
 
-void DisplayPageTest::sliderSetsTheIntensity_data()
-{
-    QTest::addColumn<Qt::Key>("key");
-    QTest::addColumn<QString>("intensity");
-    QTest::newRow("one up") << Qt::Key_Right << "1"_s;
-    QTest::newRow("a page up") << Qt::Key_PageUp << "10"_s;
-    QTest::newRow("full") << Qt::Key_End << "255"_s;
-}
+    // The value counts as known all the same: the next round writes nothing.
+    void echoFailure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        const auto read = "Backlight_getIntensity() = 0 [180]"_s;
+        const auto health = "Backlight_getHealthStatus() = 0 [true]"_s;
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        fault(operation, code);
+        calls();
+        QVERIFY(timer.fire());
+        QCOMPARE(
+            calls(), failing({read, "Backlight_setIntensity(180) = 0"_s, health}, operation, code));
+        QCOMPARE(boxes(&page), QStringList{errorBox(code, "setIntensity"_s)});
+        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 180);
+        QCOMPARE(text(page, "labelBLLevel"), "180"_s);
+        child<QLabel>(&page, "labelBLLevel")->setText("untouched"_s);
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), (QStringList{read, health}));
+        QCOMPARE(text(page, "labelBLLevel"), "untouched"_s);
+        QVERIFY(timer.isActive());
+    }
 
-void DisplayPageTest::sliderSetsTheIntensity()
-{
-    QFETCH(Qt::Key, key);
-    QFETCH(QString, intensity);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    calls();
-    type(page, "sliderBacklightLevel", key);
-    QCOMPARE(calls(), QStringList{"Backlight_setIntensity(%1) = 0"_s.arg(intensity)});
-    QCOMPARE(text(page, "labelBLLevel"), intensity);
-    QCOMPARE(unit("Backlight.intensity"_s), intensity);
-}
+    void refusedEchoesDontPileUp()
+    {
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        fault("Backlight_setIntensity"_s, 5);
+        QStringList behindTheBox;
+        dialogs.plan([&](QDialog *box) {
+            setUnit("Backlight.intensity"_s, "90"_s);
+            calls();
+            QVERIFY(timer.fire());
+            behindTheBox = calls();
+            box->accept();
+        });
+        QVERIFY(timer.fire());
+        const auto box = errorBox(5, "setIntensity"_s);
+        QCOMPARE(boxes(&page), QStringList{box});
+        QCOMPARE(behindTheBox, (QStringList{"Backlight_getIntensity() = 0 [90]"_s,
+                                   "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QVERIFY(timer.fire());
+        QCOMPARE(boxes(&page), QStringList{box});
+        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 90);
+        QCOMPARE(text(page, "labelBLLevel"), "90"_s);
+    }
 
-void DisplayPageTest::writeFailure_data()
-{
-    addFailureRows({"Backlight_setIntensity"_s, "Backlight_setLedDimming"_s});
-}
+    void intensityFailure_data() { addFailureRows({"Backlight_getIntensity"_s}); }
 
-// The page shows what was wished for, and goes on.
-void DisplayPageTest::writeFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    fault(operation, code);
-    calls();
-    type(page, "sliderBacklightLevel", Qt::Key_Right);
-    click(&page, "checkBoxLedDim");
-    QCOMPARE(
-        calls(), failing({"Backlight_setIntensity(1) = 0"_s, "Backlight_setLedDimming(0) = 0"_s},
-                     operation, code));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
-    QCOMPARE(text(page, "labelBLLevel"), "1"_s);
-    QVERIFY(child<QSlider>(&page, "sliderBacklightLevel")->isVisible());
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
-    QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isEnabled());
-    QVERIFY(timer.isActive());
-}
+    void intensityFailure()
+    {
+        QFETCH(int, code);
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        QVERIFY(timer.fire());
+        child<QLabel>(&page, "labelKLevel")->clear();
+        calls();
+        fault("Backlight_getIntensity"_s, code);
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = %1"_s.arg(code),
+                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QCOMPARE(text(page, "labelKLevel"), "8"_s);
+        QCOMPARE(text(page, "label_hwstatus1"), "status: OK"_s);
+        const bool absent = code == DEVICE_NOT_SUPPORTED;
+        QCOMPARE(
+            boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIntensity"_s)});
+        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->isVisible(), !absent);
+        QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
+        QCOMPARE(timer.isActive(), absent);
+        page.hide();
+        page.show();
+        QVERIFY(timer.isActive());
+        // The intensity that was read last is still the known one.
+        clearFaults();
+        calls();
+        QVERIFY(timer.fire());
+        QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
+                              "Backlight_getHealthStatus() = 0 [true]"_s}));
+        QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
+    }
 
-void DisplayPageTest::sensitivityChangesTheLabelOnly()
-{
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    calls();
-    type(page, "sliderSensitivity", Qt::Key_Right);
-    QCOMPARE(text(page, "labelKLevel"), "9"_s);
-    type(page, "sliderSensitivity", Qt::Key_End);
-    QCOMPARE(text(page, "labelKLevel"), "17"_s);
-    type(page, "sliderSensitivity", Qt::Key_Home);
-    QCOMPARE(text(page, "labelKLevel"), "2"_s);
-    QCOMPARE(calls(), QStringList());
-}
+    void timerStandsBeforeTheBoxOpens()
+    {
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        fault("Backlight_getIntensity"_s, 5);
+        bool active = true;
+        dialogs.plan([&](QDialog *box) {
+            active = timer.isActive();
+            box->accept();
+        });
+        QVERIFY(timer.fire());
+        QVERIFY(!active);
+        QCOMPARE(boxes(&page), QStringList{errorBox(5, "getIntensity"_s)});
+    }
 
-void DisplayPageTest::enableSendsFilterAndStarts_data()
-{
-    QTest::addColumn<bool>("soft");
-    QTest::addColumn<QString>("params");
-    QTest::newRow("soft") << true << "true"_s;
-    QTest::newRow("hard") << false << "false"_s;
-}
+    void health_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("healthy");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("2") << 2 << "true"_s
+                           << "status: ERROR"_s; // as before
+        for (const int code : faultCodes)
+            QTest::addRow("%d", code) << code << "true"_s
+                                      << "Error: %1"_s.arg(code);
+        QTest::newRow("sound") << 0 << "true"_s
+                               << "status: OK"_s;
+        QTest::newRow("broken") << 0 << "false"_s
+                                << "status: ERROR"_s;
+    }
 
-void DisplayPageTest::enableSendsFilterAndStarts()
-{
-    QFETCH(bool, soft);
-    QFETCH(QString, params);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    if (!soft)
-        click(&page, "checkBoxABLSoftTransitions");
-    type(page, "sliderSensitivity", Qt::Key_End);
-    calls();
-    click(&page, "checkBoxABLEnable");
-    QCOMPARE(calls(), (QStringList{"Backlight_setAutomaticBLParams(%1) = 0"_s.arg(params),
-                          "Backlight_setAutomaticBLFilter(4, 17, 80, 2) = 0"_s,
-                          "Backlight_startAutomaticBL() = 0"_s}));
-    QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openSettings(page), 0);
-}
+    void health()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, healthy);
+        QFETCH(QString, text);
+        const bool wasHealthy = healthy == "false"_s;
+        setUnit("Backlight.healthStatus"_s, wasHealthy ? "true"_s : "false"_s);
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        const auto *label = child<QLabel>(&page, "label_hwstatus1");
+        QVERIFY(timer.fire());
+        QCOMPARE(label->text(), wasHealthy ? "status: OK"_s : "status: ERROR"_s);
+        setUnit("Backlight.healthStatus"_s, healthy);
+        fault("Backlight_getHealthStatus"_s, code);
+        QVERIFY(timer.fire());
+        QCOMPARE(label->text(), text);
+        QVERIFY(timer.isActive());
+    }
 
-void DisplayPageTest::enableFailure_data()
-{
-    addFailureRows({"Backlight_setAutomaticBLParams"_s, "Backlight_setAutomaticBLFilter"_s,
-        "Backlight_startAutomaticBL"_s});
-}
+    void sliderSetsTheIntensity_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<QString>("intensity");
+        QTest::newRow("one up") << Qt::Key_Right << "1"_s;
+        QTest::newRow("a page up") << Qt::Key_PageUp << "10"_s;
+        QTest::newRow("full") << Qt::Key_End << "255"_s;
+    }
 
-void DisplayPageTest::enableFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    fault(operation, code);
-    calls();
-    int openInBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        openInBox = openSettings(page);
-        box->accept();
-    });
-    click(&page, "checkBoxABLEnable");
-    QCOMPARE(calls(), failing(enabling, operation, code));
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
-    QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openInBox, 2);
-    QCOMPARE(openSettings(page), 0);
-}
+    void sliderSetsTheIntensity()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(QString, intensity);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        calls();
+        type(page, "sliderBacklightLevel", key);
+        QCOMPARE(calls(), QStringList{"Backlight_setIntensity(%1) = 0"_s.arg(intensity)});
+        QCOMPARE(text(page, "labelBLLevel"), intensity);
+        QCOMPARE(unit("Backlight.intensity"_s), intensity);
+    }
 
-void DisplayPageTest::disableStops()
-{
-    setUnit("Backlight.automaticBLStatus"_s, "1"_s);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    calls();
-    click(&page, "checkBoxABLEnable");
-    QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = 0"_s});
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openSettings(page), 2);
-    QCOMPARE(unit("Backlight.automaticBLStatus"_s), "0"_s);
-}
+    void writeFailure_data()
+    {
+        addFailureRows({"Backlight_setIntensity"_s, "Backlight_setLedDimming"_s});
+    }
 
-void DisplayPageTest::disableFailure_data()
-{
-    addFailureRows({"Backlight_stopAutomaticBL"_s});
-}
+    // The page shows what was wished for, and goes on.
+    void writeFailure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        fault(operation, code);
+        calls();
+        type(page, "sliderBacklightLevel", Qt::Key_Right);
+        click(&page, "checkBoxLedDim");
+        QCOMPARE(calls(),
+            failing({"Backlight_setIntensity(1) = 0"_s, "Backlight_setLedDimming(0) = 0"_s},
+                operation, code));
+        QCOMPARE(
+            boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
+        QCOMPARE(text(page, "labelBLLevel"), "1"_s);
+        QVERIFY(child<QSlider>(&page, "sliderBacklightLevel")->isVisible());
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxLedDim")->isChecked());
+        QVERIFY(child<QCheckBox>(&page, "checkBoxLedDim")->isEnabled());
+        QVERIFY(timer.isActive());
+    }
 
-void DisplayPageTest::disableFailure()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    setUnit("Backlight.automaticBLStatus"_s, "1"_s);
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    fault(operation, code);
-    calls();
-    int openInBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        openInBox = openSettings(page);
-        box->accept();
-    });
-    click(&page, "checkBoxABLEnable");
-    QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = %1"_s.arg(code)});
-    QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAutomaticBL"_s)});
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openInBox, 0);
-    QCOMPARE(openSettings(page), 2);
-}
+    void sensitivityChangesTheLabelOnly()
+    {
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        calls();
+        type(page, "sliderSensitivity", Qt::Key_Right);
+        QCOMPARE(text(page, "labelKLevel"), "9"_s);
+        type(page, "sliderSensitivity", Qt::Key_End);
+        QCOMPARE(text(page, "labelKLevel"), "17"_s);
+        type(page, "sliderSensitivity", Qt::Key_Home);
+        QCOMPARE(text(page, "labelKLevel"), "2"_s);
+        QCOMPARE(calls(), QStringList());
+    }
 
-void DisplayPageTest::failedStartShowsUntilShownAgain()
-{
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    fault("Backlight_startAutomaticBL"_s, 5);
-    click(&page, "checkBoxABLEnable");
-    QCOMPARE(boxes(&page), QStringList{errorBox(5, "startAutomaticBL"_s)});
-    QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    page.hide();
-    page.show();
-    QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-    QCOMPARE(openSettings(page), 2);
-}
+    void enableSendsFilterAndStarts_data()
+    {
+        QTest::addColumn<bool>("soft");
+        QTest::addColumn<QString>("params");
+        QTest::newRow("soft") << true << "true"_s;
+        QTest::newRow("hard") << false << "false"_s;
+    }
 
-void DisplayPageTest::ledDimming()
-{
-    tabBacklightDlg page;
-    const HeldTimer timer(&page);
-    page.show();
-    calls();
-    click(&page, "checkBoxLedDim");
-    QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(0) = 0"_s});
-    click(&page, "checkBoxLedDim");
-    QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(1) = 0"_s});
-}
+    void enableSendsFilterAndStarts()
+    {
+        QFETCH(bool, soft);
+        QFETCH(QString, params);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        if (!soft)
+            click(&page, "checkBoxABLSoftTransitions");
+        type(page, "sliderSensitivity", Qt::Key_End);
+        calls();
+        click(&page, "checkBoxABLEnable");
+        QCOMPARE(calls(), (QStringList{"Backlight_setAutomaticBLParams(%1) = 0"_s.arg(params),
+                              "Backlight_setAutomaticBLFilter(4, 17, 80, 2) = 0"_s,
+                              "Backlight_startAutomaticBL() = 0"_s}));
+        QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openSettings(page), 0);
+    }
+
+    void enableFailure_data()
+    {
+        addFailureRows({"Backlight_setAutomaticBLParams"_s, "Backlight_setAutomaticBLFilter"_s,
+            "Backlight_startAutomaticBL"_s});
+    }
+
+    void enableFailure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        fault(operation, code);
+        calls();
+        int openInBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            openInBox = openSettings(page);
+            box->accept();
+        });
+        click(&page, "checkBoxABLEnable");
+        QCOMPARE(calls(), failing(enabling, operation, code));
+        QCOMPARE(
+            boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
+        QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openInBox, 2);
+        QCOMPARE(openSettings(page), 0);
+    }
+
+    void disableStops()
+    {
+        setUnit("Backlight.automaticBLStatus"_s, "1"_s);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        calls();
+        click(&page, "checkBoxABLEnable");
+        QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = 0"_s});
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openSettings(page), 2);
+        QCOMPARE(unit("Backlight.automaticBLStatus"_s), "0"_s);
+    }
+
+    void disableFailure_data() { addFailureRows({"Backlight_stopAutomaticBL"_s}); }
+
+    void disableFailure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        setUnit("Backlight.automaticBLStatus"_s, "1"_s);
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        fault(operation, code);
+        calls();
+        int openInBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            openInBox = openSettings(page);
+            box->accept();
+        });
+        click(&page, "checkBoxABLEnable");
+        QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = %1"_s.arg(code)});
+        QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAutomaticBL"_s)});
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openInBox, 0);
+        QCOMPARE(openSettings(page), 2);
+    }
+
+    void failedStartShowsUntilShownAgain()
+    {
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        fault("Backlight_startAutomaticBL"_s, 5);
+        click(&page, "checkBoxABLEnable");
+        QCOMPARE(boxes(&page), QStringList{errorBox(5, "startAutomaticBL"_s)});
+        QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        page.hide();
+        page.show();
+        QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
+        QCOMPARE(openSettings(page), 2);
+    }
+
+    void ledDimming()
+    {
+        tabBacklightDlg page;
+        const HeldTimer timer(&page);
+        page.show();
+        calls();
+        click(&page, "checkBoxLedDim");
+        QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(0) = 0"_s});
+        click(&page, "checkBoxLedDim");
+        QCOMPARE(calls(), QStringList{"Backlight_setLedDimming(1) = 0"_s});
+    }
+
+private:
+    void type(const tabBacklightDlg &page, const char *slider, Qt::Key key)
+    {
+        QTest::keyClick(child<QSlider>(&page, slider), key);
+    }
+    /** How many of the automatic control's two settings the user can change. */
+    int openSettings(const tabBacklightDlg &page)
+    {
+        return int(child<QWidget>(&page, "checkBoxABLSoftTransitions")->isEnabled()) +
+               int(child<QWidget>(&page, "sliderSensitivity")->isEnabled());
+    }
+    QString text(const tabBacklightDlg &page, const char *label)
+    {
+        return child<QLabel>(&page, label)->text();
+    }
+};
 
 VORN_TEST_MAIN(DisplayPageTest)
 #include "tst_displaypage.moc"

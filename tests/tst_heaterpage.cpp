@@ -1,313 +1,285 @@
 #include "pages/tabSysConfDlg.h"
-#include "tests/support/Boxes.h"
 #include "tests/support/PageTest.h"
 
 #include <QGroupBox>
 #include <QTextBlock>
 #include <QTextDocument>
 
-using support::child;
-using support::click;
-using support::deviceText;
-using support::operator""_s;
+using namespace support;
 
 class HeaterPageTest : public PageTest
 {
     Q_OBJECT
 
 private slots:
-    void form();
-    void layout();
-    void handles();
-    void showReadsTheLimit();
-    void failingRead_data();
-    void failingRead();
-    void fieldsFollowEachOther_data();
-    void fieldsFollowEachOther();
-    void validatorBindsTypingInCelsius();
-    void apply_data();
-    void apply();
-    void otherLocales();
-    void failingWrite_data();
-    void failingWrite();
-    void disabledGroupWritesNothing();
-
-private:
-    static void type(QWidget *edit, const QString &text);
-};
-
-void HeaterPageTest::type(QWidget *edit, const QString &text)
-{
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(edit, Qt::Key_Delete);
-    QTest::keyClicks(edit, text);
-}
-
-void HeaterPageTest::form()
-{
-    const tabSysConfDlg page;
-    QCOMPARE(page.objectName(), "tabSysConf"_s);
-    QCOMPARE(page.windowTitle(), "Heater"_s);
-    // Its two paragraphs are read apart.
-    auto *label = child<QLabel>(&page, "label_4");
-    QTextDocument text;
-    text.setHtml(label->text());
-    QCOMPARE(text.toPlainText(),
-        "Enable internal heater and delay start-up\nwhen internal temperature is lower than:"_s);
-    QVERIFY(label->text().contains("font-size:8pt"_s));
-    QVERIFY(text.firstBlock().blockFormat().alignment() & Qt::AlignRight);
-    QVERIFY(text.lastBlock().blockFormat().alignment() & Qt::AlignRight);
-    label->clear();
-    QCOMPARE(support::widgets(&page),
-        QStringList({"groupHeating: QGroupBox \"Heating temperature\""_s, "label_4: QLabel \"\""_s,
-            QStringLiteral("editHeatingTemp: QLineEdit \"\" tip \"Range: -25°C to +5°C\""),
-            QStringLiteral("label_5: QLabel \"°C\""),
-            QStringLiteral("editHeatingTemp_2: QLineEdit \"\" tip \"Range: -13°F to +41°F\""),
-            QStringLiteral("label_6: QLabel \"°F\""), "pushButton: QPushButton \"Apply\""_s,
-            "icon: QLabel heater.png centred"_s}));
-    const auto *validator = qobject_cast<const QIntValidator *>(
-        child<QLineEdit>(&page, "editHeatingTemp")->validator());
-    QVERIFY(validator);
-    QCOMPARE(validator->bottom(), -25);
-    QCOMPARE(validator->top(), 5);
-    QVERIFY(!child<QLineEdit>(&page, "editHeatingTemp_2")->validator());
-}
-
-void HeaterPageTest::layout()
-{
-    tabSysConfDlg page;
-    QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(support::layoutFaults(&page), QStringList());
-    QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
-}
-
-void HeaterPageTest::handles()
-{
+    void form()
     {
         const tabSysConfDlg page;
-        QCOMPARE(calls(), QStringList({"Config_create()"_s, "FrontLED_create()"_s}));
+        QCOMPARE(page.objectName(), "tabSysConf"_s);
+        QCOMPARE(page.windowTitle(), "Heater"_s);
+        // Its two paragraphs are read apart.
+        auto *label = child<QLabel>(&page, "label_4");
+        QTextDocument text;
+        text.setHtml(label->text());
+        QCOMPARE(text.toPlainText(),
+            "Enable internal heater and delay start-up\nwhen internal temperature is lower than:"_s);
+        QVERIFY(label->text().contains("font-size:8pt"_s));
+        QVERIFY(text.firstBlock().blockFormat().alignment() & Qt::AlignRight);
+        QVERIFY(text.lastBlock().blockFormat().alignment() & Qt::AlignRight);
+        label->clear();
+        QCOMPARE(widgets(&page),
+            QStringList(
+                {"groupHeating: QGroupBox \"Heating temperature\""_s, "label_4: QLabel \"\""_s,
+                    "editHeatingTemp: QLineEdit \"\" tip \"Range: -25°C to +5°C\""_s,
+                    "label_5: QLabel \"°C\""_s,
+                    "editHeatingTemp_2: QLineEdit \"\" tip \"Range: -13°F to +41°F\""_s,
+                    "label_6: QLabel \"°F\""_s, "pushButton: QPushButton \"Apply\""_s,
+                    "icon: QLabel heater.png centred"_s}));
+        const auto *validator = qobject_cast<const QIntValidator *>(
+            child<QLineEdit>(&page, "editHeatingTemp")->validator());
+        QVERIFY(validator);
+        QCOMPARE(validator->bottom(), -25);
+        QCOMPARE(validator->top(), 5);
+        QVERIFY(!child<QLineEdit>(&page, "editHeatingTemp_2")->validator());
     }
-    QCOMPARE(calls(), QStringList({"Config_release()"_s, "FrontLED_release()"_s}));
-}
 
-void HeaterPageTest::showReadsTheLimit()
-{
-    tabSysConfDlg page;
-    calls();
-    page.show();
-    QCOMPARE(calls(), QStringList(QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")));
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QStringLiteral("-10"));
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), QStringLiteral("14"));
-    page.hide();
-    setUnit(QStringLiteral("Config.heatingTempLimit"), QStringLiteral("-32768"));
-    page.show();
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QStringLiteral("-32768"));
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), QStringLiteral("-58950"));
-}
-
-void HeaterPageTest::failingRead_data()
-{
-    addFailureRows({"Config_getHeatingTempLimit"_s});
-}
-
-void HeaterPageTest::failingRead()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabSysConfDlg page;
-    page.show();
-    page.hide();
-    fault(operation, code, 1);
-    calls();
-    page.show();
-    QCOMPARE(calls(), QStringList(QStringLiteral("Config_getHeatingTempLimit() = %1").arg(code)));
-    const auto *group = child<QGroupBox>(&page, "groupHeating");
-    const auto *apply = child<QPushButton>(&page, "pushButton");
-    const auto *celsius = child<QLineEdit>(&page, "editHeatingTemp");
-    const auto *fahrenheit = child<QLineEdit>(&page, "editHeatingTemp_2");
-    QCOMPARE(group->isVisible(), code != 2);
-    QCOMPARE(apply->isVisible(), code != 2);
-    QCOMPARE(group->isEnabled(), code == 2);
-    QVERIFY(apply->isEnabled());
-    QCOMPARE(group->toolTip(), code == 2 ? QString() : "Requires newer SS version"_s);
-    QCOMPARE(celsius->text(),
-        code == 2 ? "-10"_s : "getHeatingTempLimit: Error:  "_s + deviceText(code));
-    QCOMPARE(fahrenheit->text(), code == 2 ? "14"_s : QString());
-    // A later success fills the fields, and brings nothing back.
-    page.hide();
-    page.show();
-    QCOMPARE(celsius->text(), "-10"_s);
-    QCOMPARE(group->isVisible(), code != 2);
-    QCOMPARE(group->isEnabled(), code == 2);
-}
-
-void HeaterPageTest::fieldsFollowEachOther_data()
-{
-    QTest::addColumn<QByteArray>("edit");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("other");
-    const auto celsius = [](const char *typed, const char *other) {
-        QTest::addRow("%s C", typed) << QByteArray("editHeatingTemp") << QString::fromLatin1(typed)
-                                     << QString::fromLatin1(other);
-    };
-    const auto fahrenheit = [](const char *typed, const char *other) {
-        QTest::addRow("%s F", typed) << QByteArray("editHeatingTemp_2")
-                                     << QString::fromLatin1(typed) << QString::fromLatin1(other);
-    };
-    celsius("5", "41");
-    celsius("-25", "-13");
-    celsius("0", "32");
-    celsius("-1", "30");
-    celsius("", "");
-    celsius("-", "");
-    fahrenheit("41", "5");
-    fahrenheit("-13", "-25");
-    fahrenheit("33", "0");
-    fahrenheit("30", "-1");
-    fahrenheit("100", "37");
-    fahrenheit("abc", "");
-    fahrenheit("", "");
-    fahrenheit("2147483647", "1193046452");
-    fahrenheit("-2147483648", "-1193046488");
-    fahrenheit("2147483648", "");
-    fahrenheit("0x20", "");
-    fahrenheit("1,000", "");
-    fahrenheit("+41", "5");
-    fahrenheit(" 41 ", "5");
-}
-
-void HeaterPageTest::fieldsFollowEachOther()
-{
-    QFETCH(QByteArray, edit);
-    QFETCH(QString, typed);
-    QFETCH(QString, other);
-    tabSysConfDlg page;
-    page.show();
-    auto *field = child<QLineEdit>(&page, edit.constData());
-    const bool inCelsius = edit == "editHeatingTemp";
-    const auto *target =
-        child<QLineEdit>(&page, inCelsius ? "editHeatingTemp_2" : "editHeatingTemp");
-    type(field, typed);
-    QCOMPARE(field->text(), typed);
-    QCOMPARE(target->text(), other);
-    // The way back is still connected, once.
-    type(field, QStringLiteral("5"));
-    QCOMPARE(target->text(), inCelsius ? QStringLiteral("41") : QStringLiteral("-15"));
-}
-
-void HeaterPageTest::validatorBindsTypingInCelsius()
-{
-    tabSysConfDlg page;
-    page.show();
-    auto *celsius = child<QLineEdit>(&page, "editHeatingTemp");
-    type(celsius, QStringLiteral("123abc"));
-    QVERIFY(!celsius->text().contains(QLatin1Char('a')));
-    QVERIFY(celsius->text() != QStringLiteral("123"));
-}
-
-void HeaterPageTest::apply_data()
-{
-    QTest::addColumn<QString>("fahrenheit");
-    QTest::addColumn<QString>("celsius");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<int>("written");
-    const QString invalid = QStringLiteral("Heating temperature - invalid format.");
-    const QString range =
-        QStringLiteral("Heating temperature out of allowed range (-25°C to +5°C).");
-    QTest::newRow("highest") << QString() << QStringLiteral("5") << QString() << 5;
-    QTest::newRow("lowest") << QString() << QStringLiteral("-25") << QString() << -25;
-    QTest::newRow("above") << QString() << QStringLiteral("6") << range << 0;
-    QTest::newRow("below") << QString() << QStringLiteral("-26") << range << 0;
-    QTest::newRow("empty") << QString() << QStringLiteral("") << invalid << 0;
-    QTest::newRow("blank") << QString() << QStringLiteral("  ") << invalid << 0;
-    QTest::newRow("signed") << QString() << QStringLiteral("+5") << QString() << 5;
-    QTest::newRow("padded") << QString() << QStringLiteral(" 5 ") << QString() << 5;
-    QTest::newRow("no digits") << QString() << QStringLiteral("five") << invalid << 0;
-    QTest::newRow("fraction") << QString() << QStringLiteral("4.0") << invalid << 0;
-    QTest::newRow("decimal comma") << QString() << QStringLiteral("4,0") << invalid << 0;
-    QTest::newRow("other digits") << QString() << QString(QChar(0x0664)) << invalid << 0;
-    QTest::newRow("highest int") << QString() << QStringLiteral("2147483647") << QString() << -1;
-    QTest::newRow("beyond int") << QString() << QStringLiteral("2147483648") << invalid << 0;
-    QTest::newRow("sign only") << QString() << QStringLiteral("-") << invalid << 0;
-    QTest::newRow("hexadecimal") << QString() << QStringLiteral("0x5") << invalid << 0;
-    QTest::newRow("huge") << QString() << QStringLiteral("99999999999") << invalid << 0;
-    // Cut to 16 bits before the range is tested.
-    QTest::newRow("wraps to 4") << QString() << QStringLiteral("65540") << QString() << 4;
-    QTest::newRow("wraps to -25") << QString() << QStringLiteral("-65561") << QString() << -25;
-    QTest::newRow("118004 F") << QStringLiteral("118004") << QString() << QString() << 4;
-    QTest::newRow("100 F") << QStringLiteral("100") << QString() << range << 0;
-    QTest::newRow("abc F") << QStringLiteral("abc") << QString() << invalid << 0;
-    QTest::newRow("33 F") << QStringLiteral("33") << QString() << QString() << 0;
-}
-
-void HeaterPageTest::apply()
-{
-    QFETCH(QString, fahrenheit);
-    QFETCH(QString, celsius);
-    QFETCH(QString, message);
-    QFETCH(int, written);
-    tabSysConfDlg page;
-    page.show();
-    if (fahrenheit.isNull())
-        child<QLineEdit>(&page, "editHeatingTemp")->setText(celsius);
-    else
-        type(child<QLineEdit>(&page, "editHeatingTemp_2"), fahrenheit);
-    calls();
-    click(&page, "pushButton");
-    if (message.isEmpty()) {
-        QCOMPARE(calls(),
-            QStringList(QStringLiteral("Config_setHeatingTempLimit(%1) = 0").arg(written)));
-        QCOMPARE(unit("Config.heatingTempLimit"_s), QString::number(written));
-        return;
+    void layout()
+    {
+        tabSysConfDlg page;
+        QCOMPARE(page.size(), QSize(600, 320));
+        QCOMPARE(layoutFaults(&page), QStringList());
+        QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
     }
-    QCOMPARE(calls(), QStringList());
-    QCOMPARE(boxes(&page), QStringList(message));
-}
 
-void HeaterPageTest::otherLocales()
-{
-    // Numbers are those of the device, whatever the unit's language.
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    tabSysConfDlg page;
-    page.show();
-    type(child<QLineEdit>(&page, "editHeatingTemp_2"), "1.000"_s);
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QString());
-    type(child<QLineEdit>(&page, "editHeatingTemp_2"), "2147483647"_s);
-    QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), "1193046452"_s);
-    QLocale::setDefault(before);
-}
+    void handles()
+    {
+        {
+            const tabSysConfDlg page;
+            QCOMPARE(calls(), QStringList({"Config_create()"_s, "FrontLED_create()"_s}));
+        }
+        QCOMPARE(calls(), QStringList({"Config_release()"_s, "FrontLED_release()"_s}));
+    }
 
-void HeaterPageTest::failingWrite_data()
-{
-    addFailureRows({"Config_setHeatingTempLimit"_s});
-}
+    void showReadsTheLimit()
+    {
+        tabSysConfDlg page;
+        calls();
+        page.show();
+        QCOMPARE(calls(), QStringList("Config_getHeatingTempLimit() = 0 [-10]"_s));
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), "-10"_s);
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), "14"_s);
+        page.hide();
+        setUnit("Config.heatingTempLimit"_s, "-32768"_s);
+        page.show();
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), "-32768"_s);
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp_2")->text(), "-58950"_s);
+    }
 
-void HeaterPageTest::failingWrite()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    tabSysConfDlg page;
-    page.show();
-    fault(operation, code);
-    calls();
-    click(&page, "pushButton");
-    QCOMPARE(
-        calls(), QStringList(QStringLiteral("Config_setHeatingTempLimit(-10) = %1").arg(code)));
-    QCOMPARE(boxes(&page), QStringList(errorBox(code, "setHeatingTempLimit"_s)));
-    QVERIFY(child<QPushButton>(&page, "pushButton")->isVisible());
-}
+    void failingRead_data() { addFailureRows({"Config_getHeatingTempLimit"_s}); }
 
-void HeaterPageTest::disabledGroupWritesNothing()
-{
-    fault("Config_getHeatingTempLimit"_s, 5);
-    tabSysConfDlg page;
-    page.show();
-    child<QLineEdit>(&page, "editHeatingTemp")->setText("0"_s);
-    calls();
-    click(&page, "pushButton");
-    QCOMPARE(calls(), QStringList());
-}
+    void failingRead()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        tabSysConfDlg page;
+        page.show();
+        page.hide();
+        fault(operation, code, 1);
+        calls();
+        page.show();
+        QCOMPARE(calls(), QStringList("Config_getHeatingTempLimit() = %1"_s.arg(code)));
+        const auto *group = child<QGroupBox>(&page, "groupHeating");
+        const auto *apply = child<QPushButton>(&page, "pushButton");
+        const auto *celsius = child<QLineEdit>(&page, "editHeatingTemp");
+        const auto *fahrenheit = child<QLineEdit>(&page, "editHeatingTemp_2");
+        QCOMPARE(group->isVisible(), code != 2);
+        QCOMPARE(apply->isVisible(), code != 2);
+        QCOMPARE(group->isEnabled(), code == 2);
+        QVERIFY(apply->isEnabled());
+        QCOMPARE(group->toolTip(), code == 2 ? QString() : "Requires newer SS version"_s);
+        QCOMPARE(celsius->text(),
+            code == 2 ? "-10"_s : "getHeatingTempLimit: Error:  "_s + deviceText(code));
+        QCOMPARE(fahrenheit->text(), code == 2 ? "14"_s : QString());
+        // A later success fills the fields, and brings nothing back.
+        page.hide();
+        page.show();
+        QCOMPARE(celsius->text(), "-10"_s);
+        QCOMPARE(group->isVisible(), code != 2);
+        QCOMPARE(group->isEnabled(), code == 2);
+    }
+
+    void fieldsFollowEachOther_data()
+    {
+        QTest::addColumn<QByteArray>("edit");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("other");
+        const auto celsius = [](const char *typed, const char *other) {
+            QTest::addRow("%s C", typed)
+                << QByteArray("editHeatingTemp") << QString::fromLatin1(typed)
+                << QString::fromLatin1(other);
+        };
+        const auto fahrenheit = [](const char *typed, const char *other) {
+            QTest::addRow("%s F", typed)
+                << QByteArray("editHeatingTemp_2") << QString::fromLatin1(typed)
+                << QString::fromLatin1(other);
+        };
+        celsius("5", "41");
+        celsius("-25", "-13");
+        celsius("0", "32");
+        celsius("-1", "30");
+        celsius("", "");
+        celsius("-", "");
+        fahrenheit("41", "5");
+        fahrenheit("-13", "-25");
+        fahrenheit("33", "0");
+        fahrenheit("30", "-1");
+        fahrenheit("100", "37");
+        fahrenheit("abc", "");
+        fahrenheit("", "");
+        fahrenheit("2147483647", "1193046452");
+        fahrenheit("-2147483648", "-1193046488");
+        fahrenheit("2147483648", "");
+        fahrenheit("0x20", "");
+        fahrenheit("1,000", "");
+        fahrenheit("+41", "5");
+        fahrenheit(" 41 ", "5");
+    }
+
+    void fieldsFollowEachOther()
+    {
+        QFETCH(QByteArray, edit);
+        QFETCH(QString, typed);
+        QFETCH(QString, other);
+        tabSysConfDlg page;
+        page.show();
+        auto *field = child<QLineEdit>(&page, edit.constData());
+        const bool inCelsius = edit == "editHeatingTemp";
+        const auto *target =
+            child<QLineEdit>(&page, inCelsius ? "editHeatingTemp_2" : "editHeatingTemp");
+        type(field, typed);
+        QCOMPARE(field->text(), typed);
+        QCOMPARE(target->text(), other);
+        // The way back is still connected, once.
+        type(field, "5"_s);
+        QCOMPARE(target->text(), inCelsius ? "41"_s : "-15"_s);
+    }
+
+    void validatorBindsTypingInCelsius()
+    {
+        tabSysConfDlg page;
+        page.show();
+        auto *celsius = child<QLineEdit>(&page, "editHeatingTemp");
+        type(celsius, "123abc"_s);
+        QVERIFY(!celsius->text().contains(QLatin1Char('a')));
+        QVERIFY(celsius->text() != "123"_s);
+    }
+
+    void apply_data()
+    {
+        QTest::addColumn<QString>("fahrenheit");
+        QTest::addColumn<QString>("celsius");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<int>("written");
+        const QString invalid = "Heating temperature - invalid format."_s;
+        const QString range = "Heating temperature out of allowed range (-25°C to +5°C)."_s;
+        QTest::newRow("highest") << QString() << "5"_s << QString() << 5;
+        QTest::newRow("lowest") << QString() << "-25"_s << QString() << -25;
+        QTest::newRow("above") << QString() << "6"_s << range << 0;
+        QTest::newRow("below") << QString() << "-26"_s << range << 0;
+        QTest::newRow("empty") << QString() << ""_s << invalid << 0;
+        QTest::newRow("blank") << QString() << "  "_s << invalid << 0;
+        QTest::newRow("signed") << QString() << "+5"_s << QString() << 5;
+        QTest::newRow("padded") << QString() << " 5 "_s << QString() << 5;
+        QTest::newRow("no digits") << QString() << "five"_s << invalid << 0;
+        QTest::newRow("fraction") << QString() << "4.0"_s << invalid << 0;
+        QTest::newRow("decimal comma") << QString() << "4,0"_s << invalid << 0;
+        QTest::newRow("other digits") << QString() << QString(QChar(0x0664)) << invalid << 0;
+        QTest::newRow("highest int") << QString() << "2147483647"_s << QString() << -1;
+        QTest::newRow("beyond int") << QString() << "2147483648"_s << invalid << 0;
+        QTest::newRow("sign only") << QString() << "-"_s << invalid << 0;
+        QTest::newRow("hexadecimal") << QString() << "0x5"_s << invalid << 0;
+        QTest::newRow("huge") << QString() << "99999999999"_s << invalid << 0;
+        // Cut to 16 bits before the range is tested.
+        QTest::newRow("wraps to 4") << QString() << "65540"_s << QString() << 4;
+        QTest::newRow("wraps to -25") << QString() << "-65561"_s << QString() << -25;
+        QTest::newRow("118004 F") << "118004"_s << QString() << QString() << 4;
+        QTest::newRow("100 F") << "100"_s << QString() << range << 0;
+        QTest::newRow("abc F") << "abc"_s << QString() << invalid << 0;
+        QTest::newRow("33 F") << "33"_s << QString() << QString() << 0;
+    }
+
+    void apply()
+    {
+        QFETCH(QString, fahrenheit);
+        QFETCH(QString, celsius);
+        QFETCH(QString, message);
+        QFETCH(int, written);
+        tabSysConfDlg page;
+        page.show();
+        if (fahrenheit.isNull())
+            child<QLineEdit>(&page, "editHeatingTemp")->setText(celsius);
+        else
+            type(child<QLineEdit>(&page, "editHeatingTemp_2"), fahrenheit);
+        calls();
+        click(&page, "pushButton");
+        if (message.isEmpty()) {
+            QCOMPARE(calls(), QStringList("Config_setHeatingTempLimit(%1) = 0"_s.arg(written)));
+            QCOMPARE(unit("Config.heatingTempLimit"_s), QString::number(written));
+            return;
+        }
+        QCOMPARE(calls(), QStringList());
+        QCOMPARE(boxes(&page), QStringList(message));
+    }
+
+    void otherLocales()
+    {
+        // Numbers are those of the device, whatever the unit's language.
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        tabSysConfDlg page;
+        page.show();
+        type(child<QLineEdit>(&page, "editHeatingTemp_2"), "1.000"_s);
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), QString());
+        type(child<QLineEdit>(&page, "editHeatingTemp_2"), "2147483647"_s);
+        QCOMPARE(child<QLineEdit>(&page, "editHeatingTemp")->text(), "1193046452"_s);
+        QLocale::setDefault(before);
+    }
+
+    void failingWrite_data() { addFailureRows({"Config_setHeatingTempLimit"_s}); }
+
+    void failingWrite()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        tabSysConfDlg page;
+        page.show();
+        fault(operation, code);
+        calls();
+        click(&page, "pushButton");
+        QCOMPARE(calls(), QStringList("Config_setHeatingTempLimit(-10) = %1"_s.arg(code)));
+        QCOMPARE(boxes(&page), QStringList(errorBox(code, "setHeatingTempLimit"_s)));
+        QVERIFY(child<QPushButton>(&page, "pushButton")->isVisible());
+    }
+
+    void disabledGroupWritesNothing()
+    {
+        fault("Config_getHeatingTempLimit"_s, 5);
+        tabSysConfDlg page;
+        page.show();
+        child<QLineEdit>(&page, "editHeatingTemp")->setText("0"_s);
+        calls();
+        click(&page, "pushButton");
+        QCOMPARE(calls(), QStringList());
+    }
+
+private:
+    static void type(QWidget *edit, const QString &text)
+    {
+        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Delete);
+        QTest::keyClicks(edit, text);
+    }
+};
 
 VORN_TEST_MAIN(HeaterPageTest)
 #include "tst_heaterpage.moc"

@@ -1,8 +1,12 @@
+#include "tests/support/literals.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+using namespace support;
 
 namespace {
 
@@ -10,10 +14,9 @@ namespace {
 QStringList installed(const QTemporaryDir &prefix, const QStringList &component)
 {
     QProcess cmake;
-    cmake.start(QStringLiteral("cmake"),
-        QStringList{QStringLiteral("--install"), QStringLiteral(VORN_BIN_DIR "/.."),
-            QStringLiteral("--prefix"), prefix.path()} +
-            component);
+    cmake.start("cmake"_s, QStringList{"--install"_s, QStringLiteral(VORN_BIN_DIR "/.."),
+                               "--prefix"_s, prefix.path()} +
+                               component);
     if (!cmake.waitForFinished(60'000) || cmake.exitCode() != 0)
         return {QString::fromUtf8(cmake.readAllStandardError())};
     QStringList files;
@@ -32,52 +35,46 @@ class InstallPosixTest : public QObject
     Q_OBJECT
 
 private slots:
-    void files_data();
-    void files();
-    void treeRunsWhereItLies();
+    void files_data()
+    {
+        QTest::addColumn<QString>("component");
+        QTest::addColumn<QStringList>("expected");
+        const QStringList program{"bin/VornSettings"_s};
+        const QStringList unit{"bin/TouchCalibrator.exe"_s, "bin/vornunit"_s, "lib/libCgos.so"_s,
+            "lib/libVornAux2.so"_s, "lib/libjida.so"_s};
+        QStringList all = program + unit;
+        all.sort();
+        // On a real unit a stand-in would take the place of the real part.
+        QTest::newRow("for a unit") << "program"_s << program;
+        QTest::newRow("stand-ins") << "virtualunit"_s << unit;
+        QTest::newRow("all") << QString() << all;
+    }
+
+    void files()
+    {
+        QFETCH(QString, component);
+        const QTemporaryDir prefix;
+        const QStringList one{"--component"_s, component};
+        QTEST(installed(prefix, component.isEmpty() ? QStringList() : one), "expected");
+    }
+
+    void treeRunsWhereItLies()
+    {
+        const QTemporaryDir prefix;
+        QCOMPARE(installed(prefix, {}).size(), 6);
+        QProcess program;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VORN_UNIT"_s, ":memory:"_s);
+        program.setProcessEnvironment(environment);
+        const QString report = prefix.filePath("report.txt"_s);
+        program.start(prefix.filePath("bin/VornSettings"_s), {"--systemreport"_s, report});
+        QVERIFY(program.waitForFinished(60'000));
+        QCOMPARE(program.exitCode(), 0);
+        QFile file(report);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("\nVornaux API: v"));
+    }
 };
-
-void InstallPosixTest::files_data()
-{
-    QTest::addColumn<QString>("component");
-    QTest::addColumn<QStringList>("expected");
-    const QStringList program{QStringLiteral("bin/VornSettings")};
-    const QStringList unit{QStringLiteral("bin/TouchCalibrator.exe"),
-        QStringLiteral("bin/vornunit"), QStringLiteral("lib/libCgos.so"),
-        QStringLiteral("lib/libVornAux2.so"), QStringLiteral("lib/libjida.so")};
-    QStringList all = program + unit;
-    all.sort();
-    // On a real unit a stand-in would take the place of the real part.
-    QTest::newRow("for a unit") << QStringLiteral("program") << program;
-    QTest::newRow("stand-ins") << QStringLiteral("virtualunit") << unit;
-    QTest::newRow("all") << QString() << all;
-}
-
-void InstallPosixTest::files()
-{
-    QFETCH(QString, component);
-    const QTemporaryDir prefix;
-    const QStringList one{QStringLiteral("--component"), component};
-    QTEST(installed(prefix, component.isEmpty() ? QStringList() : one), "expected");
-}
-
-void InstallPosixTest::treeRunsWhereItLies()
-{
-    const QTemporaryDir prefix;
-    QCOMPARE(installed(prefix, {}).size(), 6);
-    QProcess program;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("VORN_UNIT"), QStringLiteral(":memory:"));
-    program.setProcessEnvironment(environment);
-    const QString report = prefix.filePath(QStringLiteral("report.txt"));
-    program.start(prefix.filePath(QStringLiteral("bin/VornSettings")),
-        {QStringLiteral("--systemreport"), report});
-    QVERIFY(program.waitForFinished(60'000));
-    QCOMPARE(program.exitCode(), 0);
-    QFile file(report);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("\nVornaux API: v"));
-}
 
 QTEST_GUILESS_MAIN(InstallPosixTest)
 #include "tst_install_posix.moc"

@@ -24,6 +24,8 @@
 #include <QTabWidget>
 #include <QToolTip>
 
+using namespace support;
+
 namespace {
 
 using Make = std::function<QWidget *()>;
@@ -90,17 +92,17 @@ public:
 Q_DECLARE_METATYPE(Make)
 
 /// The sheet as it comes out on real widgets of a page in the real window.
-class TestStyleSheet : public DeviceTest
+class StyleSheetTest : public DeviceTest
 {
     Q_OBJECT
 
 private:
-    support::SkippedPauses pauses;
+    SkippedPauses pauses;
 
     static void verifyNear(const QColor &seen, const QColor &expected, int tolerance = 16)
     {
         QVERIFY2(near(seen, expected, tolerance),
-            qPrintable(seen.name() + QLatin1String(" instead of ") + expected.name()));
+            qPrintable(seen.name() + " instead of "_s + expected.name()));
     }
 
 private slots:
@@ -110,18 +112,18 @@ private slots:
     void init()
     {
         DeviceTest::init();
-        setUnit(QStringLiteral("Battery.available"), QStringLiteral("0"));
+        setUnit("Battery.available"_s, "0"_s);
     }
 
     // Pictures of the sheet are there, but for those that it has never had.
     void pictures()
     {
         Stage stage;
-        QFile file(QStringLiteral(":/VornSettings/Resources/style.qss"));
+        QFile file(":/VornSettings/Resources/style.qss"_s);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QString sheet = QString::fromUtf8(file.readAll());
         QCOMPARE(stage.window.styleSheet(), sheet);
-        static const QRegularExpression url(QStringLiteral("url\\(\"([^\"]+)\"\\)"));
+        static const QRegularExpression url("url\\(\"([^\"]+)\"\\)"_s);
         QStringList missing;
         auto match = url.globalMatch(sheet);
         while (match.hasNext()) {
@@ -129,8 +131,7 @@ private slots:
             if (!QFile::exists(name))
                 missing << name;
         }
-        QCOMPARE(missing, QStringList({QStringLiteral(":/images/Grey.png"),
-                              QStringLiteral(":/images/Yellow.png")}));
+        QCOMPARE(missing, QStringList({":/images/Grey.png"_s, ":/images/Yellow.png"_s}));
     }
 
     void fonts_data()
@@ -153,7 +154,7 @@ private slots:
         QTest::newRow("QPlainTextEdit") << plain<QPlainTextEdit>() << 12 << black;
         const auto title = [] {
             auto *label = new QLabel;
-            label->setObjectName(QStringLiteral("tabTitle"));
+            label->setObjectName("tabTitle"_s);
             return label;
         };
         QTest::newRow("title strip") << Make(title) << 20 << black;
@@ -166,7 +167,7 @@ private slots:
         QFETCH(int, pixels);
         QFETCH(QColor, colour);
         const QWidget *widget = stage.place(make());
-        QCOMPARE(widget->font().family(), QStringLiteral("Arial"));
+        QCOMPARE(widget->font().family(), "Arial"_s);
         QCOMPARE(widget->font().pixelSize(), pixels);
         QVERIFY(widget->font().bold());
         QCOMPARE(widget->palette().color(widget->foregroundRole()), colour);
@@ -230,7 +231,7 @@ private slots:
     void groupBox()
     {
         Stage stage;
-        auto *box = stage.place(new QGroupBox(QStringLiteral("Title")), QRect(50, 50, 200, 150));
+        auto *box = stage.place(new QGroupBox("Title"_s), QRect(50, 50, 200, 150));
         const QImage image =
             stage.window.grab(QRect(box->mapTo(&stage.window, QPoint()), box->size())).toImage();
         verifyNear(image.pixelColor(20, 18), greyTop);
@@ -285,7 +286,7 @@ private slots:
     void sizes()
     {
         Stage stage;
-        auto *check = stage.place(new QCheckBox(QStringLiteral("Check")));
+        auto *check = stage.place(new QCheckBox("Check"_s));
         QStyleOptionButton option;
         option.initFrom(check);
         QCOMPARE(
@@ -326,7 +327,7 @@ private slots:
         QCOMPARE(text->verticalScrollBar()->sizeHint().width(), 25);
 
         auto *tabs = stage.place(new QTabWidget, QRect(50, 50, 400, 100));
-        tabs->addTab(new QWidget, QStringLiteral("GPS"));
+        tabs->addTab(new QWidget, "GPS"_s);
         const QSize tab = tabs->tabBar()->tabRect(0).size();
         QVERIFY2(
             tab.width() >= 110 && tab.width() <= 120, qPrintable(QString::number(tab.width())));
@@ -401,12 +402,12 @@ private slots:
     {
         Stage stage;
         auto *tabs = stage.place(new QTabWidget, QRect(50, 50, 400, 150));
-        tabs->addTab(new QWidget, QStringLiteral("GPS"));
+        tabs->addTab(new QWidget, "GPS"_s);
         const QImage image = tabs->grab().toImage();
         const int top = tabs->tabBar()->geometry().bottom() + 1;
         const auto band = [&](int y) { return image.pixelColor(300, top + y).red(); };
         QVERIFY2(band(2) > 150 && band(0) < 110 && band(4) < 110,
-            qPrintable(QStringLiteral("%1 %2 %3").arg(band(0)).arg(band(2)).arg(band(4))));
+            qPrintable("%1 %2 %3"_s.arg(band(0)).arg(band(2)).arg(band(4))));
     }
 
     void progressBar()
@@ -416,8 +417,7 @@ private slots:
         bar->setValue(50);
         const QRect caption = darkPart(bar->grab(bar->rect().adjusted(4, 4, -4, -4)).toImage());
         QVERIFY2(qAbs(caption.center().x() - 146) <= 2 && qAbs(caption.center().y() - 16) <= 2,
-            qPrintable(
-                QStringLiteral("%1, %2").arg(caption.center().x()).arg(caption.center().y())));
+            qPrintable("%1, %2"_s.arg(caption.center().x()).arg(caption.center().y())));
         bar->setTextVisible(false);
         const QImage image = bar->grab().toImage();
         verifyNear(image.pixelColor(60, 8), amberTop);
@@ -530,7 +530,7 @@ private slots:
     {
         Stage stage;
         auto *button = stage.place(new QPushButton);
-        QToolTip::showText(QPoint(10, 10), QStringLiteral("Heater is not available"), button);
+        QToolTip::showText(QPoint(10, 10), "Heater is not available"_s, button);
         QWidget *tip = nullptr;
         for (QWidget *candidate : QApplication::topLevelWidgets()) {
             if (candidate->inherits("QTipLabel"))
@@ -554,17 +554,17 @@ private slots:
         stage.window.showTab(0);
         const QImage before = stage.window.grab().toImage();
         QApplication::setPalette(dark);
-        QApplication::setStyle(QStringLiteral("Windows"));
-        QApplication::setFont(QFont(QStringLiteral("Courier"), 20));
+        QApplication::setStyle("Windows"_s);
+        QApplication::setFont(QFont("Courier"_s, 20));
         setApplicationLook();
         VornSettings again;
         again.show();
         QCOMPARE(again.grab().toImage(), before);
         QCOMPARE(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
         QCOMPARE(QApplication::palette().color(QPalette::Text), QColor(Qt::black));
-        QCOMPARE(QApplication::font().family(), QStringLiteral("Arial"));
+        QCOMPARE(QApplication::font().family(), "Arial"_s);
     }
 };
 
-VORN_TEST_MAIN(TestStyleSheet)
+VORN_TEST_MAIN(StyleSheetTest)
 #include "tst_stylesheet.moc"

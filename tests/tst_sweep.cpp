@@ -30,7 +30,6 @@ private:
 
 namespace {
 
-constexpr int codes[] = {2, 18, 20, 5, -1};
 constexpr std::size_t sampledShare = 32; // of the operations in the profiles other than "full"
 
 } // namespace
@@ -46,12 +45,13 @@ void SweepTest::sweep_data()
         for (std::size_t i = 0; i < operations.size(); ++i) {
             if (!all && profile != "full" && (i + shift) % sampledShare != 0)
                 continue;
-            for (std::size_t c = 0; c < std::size(codes); ++c) {
-                if (!all && c != (i + shift) % std::size(codes))
+            for (std::size_t c = 0; c < std::size(support::failureCodes); ++c) {
+                if (!all && c != (i + shift) % std::size(support::failureCodes))
                     continue;
-                QTest::addRow("%s %s %d", profile.c_str(), operations[i].c_str(), codes[c])
+                QTest::addRow(
+                    "%s %s %d", profile.c_str(), operations[i].c_str(), support::failureCodes[c])
                     << QString::fromStdString(profile) << QString::fromStdString(operations[i])
-                    << codes[c];
+                    << support::failureCodes[c];
             }
         }
         ++shift;

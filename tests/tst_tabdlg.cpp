@@ -4,6 +4,8 @@
 
 #include <QLabel>
 
+using namespace support;
+
 namespace {
 
 // What a page can reach of its base.
@@ -18,13 +20,13 @@ public:
 
 QString expectedText(int code, const char *operation)
 {
-    return QStringLiteral("Error(") + QString::number(code) + QStringLiteral(") in ") +
-           QLatin1String(operation) + QStringLiteral(": ") + QLatin1String(deviceErrorText(code));
+    return "Error("_s + QString::number(code) + ") in "_s + QLatin1String(operation) + ": "_s +
+           QLatin1String(deviceErrorText(code));
 }
 
 } // namespace
 
-class TestTabDlg : public DeviceTest
+class TabDlgTest : public DeviceTest
 {
     Q_OBJECT
 
@@ -33,13 +35,13 @@ private:
     {
         const auto seen = dialogs.take();
         QCOMPARE(seen.size(), 1);
-        const support::Dialog &box = seen.constFirst();
-        QCOMPARE(box.className, QStringLiteral("QMessageBox"));
-        QCOMPARE(box.title, QStringLiteral("Vornsettings"));
+        const Dialog &box = seen.constFirst();
+        QCOMPARE(box.className, "QMessageBox"_s);
+        QCOMPARE(box.title, "Vornsettings"_s);
         QCOMPARE(box.text, text);
         QCOMPARE(box.format, Qt::PlainText);
         QCOMPARE(box.icon, QMessageBox::Critical);
-        QCOMPARE(box.buttons, QStringList(QStringLiteral("OK")));
+        QCOMPARE(box.buttons, QStringList("OK"_s));
         QCOMPARE(box.parent, parent);
         QVERIFY(box.modal);
     }
@@ -93,7 +95,7 @@ private slots:
         Page page;
         page.reportError(DEVICE_NOT_SUPPORTED, "getVolume");
         compareDialog(&page, expectedText(2, "getVolume"));
-        QVERIFY(expectedText(2, "getVolume").startsWith(QLatin1String("Error(2) in getVolume: ")));
+        QVERIFY(expectedText(2, "getVolume").startsWith("Error(2) in getVolume: "_s));
         reportError(DEVICE_NOT_SUPPORTED, "getVolume");
         QCOMPARE(dialogs.takeTexts(), QStringList());
     }
@@ -125,8 +127,8 @@ private slots:
     void messages()
     {
         Page page;
-        page.showMessage(QStringLiteral("The value is not a number"));
-        compareDialog(&page, QStringLiteral("The value is not a number"));
+        page.showMessage("The value is not a number"_s);
+        compareDialog(&page, "The value is not a number"_s);
         page.showMessage(QString());
         compareDialog(&page, QString());
     }
@@ -145,5 +147,5 @@ private slots:
     }
 };
 
-VORN_TEST_MAIN(TestTabDlg)
+VORN_TEST_MAIN(TabDlgTest)
 #include "tst_tabdlg.moc"

@@ -7,121 +7,114 @@
 #include <QSet>
 #include <QSignalSpy>
 
+using namespace support;
+
 /** The stand-in for the calibration tool: its window, and its program with its arguments. */
 class TouchCalibratorTest : public DeviceTest
 {
     Q_OBJECT
 
 private slots:
-    void completes_data();
-    void completes();
-    void ignoresTapsFarOff();
-    void escapeGivesUp();
-    void programTakesArguments_data();
-    void programTakesArguments();
+    void completes_data()
+    {
+        QTest::addColumn<bool>("thirteen");
+        QTest::addColumn<int>("count");
+        QTest::newRow("5 points") << false << 5;
+        QTest::newRow("13 points") << true << 13;
+    }
+
+    void completes()
+    {
+        QFETCH(bool, thirteen);
+        QFETCH(int, count);
+        CalibrationWindow window(
+            thirteen ? CalibrationWindow::Points::Thirteen : CalibrationWindow::Points::Five);
+        QSignalSpy ended(&window, &CalibrationWindow::ended);
+        window.resize(800, 480);
+        window.show();
+        const QList<QPointF> targets = window.targets();
+        QCOMPARE(int(targets.size()), count);
+        QSet<QString> places;
+        for (const QPointF &target : targets) {
+            places << "%1 %2"_s.arg(target.x()).arg(target.y());
+            QVERIFY(QRectF(window.rect()).adjusted(40, 40, -40, -40).contains(target));
+        }
+        QCOMPARE(int(places.size()), count);
+        for (int hit = 0; hit < count; ++hit) {
+            QCOMPARE(window.hits(), hit);
+            QVERIFY(!window.isComplete());
+            const QImage before = window.grab().toImage();
+            tap(window, targets[hit] + QPointF(3, 4));
+            QVERIFY(window.grab().toImage() != before);
+        }
+        QVERIFY(window.isComplete());
+        QVERIFY(qAbs(window.meanDeviation() - 5) < 1);
+        QTRY_VERIFY(!window.isVisible());
+        QCOMPARE(ended.count(), 1);
+        QCOMPARE(ended.constFirst().constFirst().toBool(), true);
+    }
+
+    void ignoresTapsFarOff()
+    {
+        CalibrationWindow window(CalibrationWindow::Points::Five);
+        window.resize(800, 480);
+        window.show();
+        tap(window, QPointF(400, 100));
+        tap(window, window.targets().at(1));
+        QCOMPARE(window.hits(), 0);
+        QCOMPARE(window.meanDeviation(), 0.0);
+        tap(window, window.targets().at(0));
+        QCOMPARE(window.hits(), 1);
+    }
+
+    void escapeGivesUp()
+    {
+        CalibrationWindow window(CalibrationWindow::Points::Five);
+        QSignalSpy ended(&window, &CalibrationWindow::ended);
+        window.resize(800, 480);
+        window.show();
+        tap(window, window.targets().at(0));
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QVERIFY(!window.isVisible());
+        QCOMPARE(ended.count(), 1);
+        QCOMPARE(ended.constFirst().constFirst().toBool(), false);
+    }
+
+    void programTakesArguments_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("runs");
+        QTest::newRow("5 points") << QStringList(QString()) << true;
+        QTest::newRow("13 points") << QStringList("--13p"_s) << true;
+        QTest::newRow("none") << QStringList() << true;
+        QTest::newRow("unknown") << QStringList("--5p"_s) << false;
+        QTest::newRow("too many") << QStringList({QString(), "--13p"_s}) << false;
+    }
+
+    void programTakesArguments()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(bool, runs);
+        QProcess program;
+        program.start(QStringLiteral(VORN_BIN_DIR "/TouchCalibrator.exe"), arguments);
+        QVERIFY(program.waitForStarted());
+        if (runs) {
+            QVERIFY(!program.waitForFinished(300));
+            program.kill();
+            QVERIFY(program.waitForFinished(60'000));
+            return;
+        }
+        QVERIFY(program.waitForFinished(60'000));
+        QCOMPARE(program.exitCode(), 2);
+        QVERIFY(program.readAllStandardError().contains("usage: "));
+    }
 
 private:
-    static void tap(CalibrationWindow &window, QPointF place);
+    static void tap(CalibrationWindow &window, QPointF place)
+    {
+        QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, place.toPoint());
+    }
 };
-
-void TouchCalibratorTest::tap(CalibrationWindow &window, QPointF place)
-{
-    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, place.toPoint());
-}
-
-void TouchCalibratorTest::completes_data()
-{
-    QTest::addColumn<bool>("thirteen");
-    QTest::addColumn<int>("count");
-    QTest::newRow("5 points") << false << 5;
-    QTest::newRow("13 points") << true << 13;
-}
-
-void TouchCalibratorTest::completes()
-{
-    QFETCH(bool, thirteen);
-    QFETCH(int, count);
-    CalibrationWindow window(
-        thirteen ? CalibrationWindow::Points::Thirteen : CalibrationWindow::Points::Five);
-    QSignalSpy ended(&window, &CalibrationWindow::ended);
-    window.resize(800, 480);
-    window.show();
-    const QList<QPointF> targets = window.targets();
-    QCOMPARE(int(targets.size()), count);
-    QSet<QString> places;
-    for (const QPointF &target : targets) {
-        places << QStringLiteral("%1 %2").arg(target.x()).arg(target.y());
-        QVERIFY(QRectF(window.rect()).adjusted(40, 40, -40, -40).contains(target));
-    }
-    QCOMPARE(int(places.size()), count);
-    for (int hit = 0; hit < count; ++hit) {
-        QCOMPARE(window.hits(), hit);
-        QVERIFY(!window.isComplete());
-        const QImage before = window.grab().toImage();
-        tap(window, targets[hit] + QPointF(3, 4));
-        QVERIFY(window.grab().toImage() != before);
-    }
-    QVERIFY(window.isComplete());
-    QVERIFY(qAbs(window.meanDeviation() - 5) < 1);
-    QTRY_VERIFY(!window.isVisible());
-    QCOMPARE(ended.count(), 1);
-    QCOMPARE(ended.constFirst().constFirst().toBool(), true);
-}
-
-void TouchCalibratorTest::ignoresTapsFarOff()
-{
-    CalibrationWindow window(CalibrationWindow::Points::Five);
-    window.resize(800, 480);
-    window.show();
-    tap(window, QPointF(400, 100));
-    tap(window, window.targets().at(1));
-    QCOMPARE(window.hits(), 0);
-    QCOMPARE(window.meanDeviation(), 0.0);
-    tap(window, window.targets().at(0));
-    QCOMPARE(window.hits(), 1);
-}
-
-void TouchCalibratorTest::escapeGivesUp()
-{
-    CalibrationWindow window(CalibrationWindow::Points::Five);
-    QSignalSpy ended(&window, &CalibrationWindow::ended);
-    window.resize(800, 480);
-    window.show();
-    tap(window, window.targets().at(0));
-    QTest::keyClick(&window, Qt::Key_Escape);
-    QVERIFY(!window.isVisible());
-    QCOMPARE(ended.count(), 1);
-    QCOMPARE(ended.constFirst().constFirst().toBool(), false);
-}
-
-void TouchCalibratorTest::programTakesArguments_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("runs");
-    QTest::newRow("5 points") << QStringList(QString()) << true;
-    QTest::newRow("13 points") << QStringList(QStringLiteral("--13p")) << true;
-    QTest::newRow("none") << QStringList() << true;
-    QTest::newRow("unknown") << QStringList(QStringLiteral("--5p")) << false;
-    QTest::newRow("too many") << QStringList({QString(), QStringLiteral("--13p")}) << false;
-}
-
-void TouchCalibratorTest::programTakesArguments()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(bool, runs);
-    QProcess program;
-    program.start(QStringLiteral(VORN_BIN_DIR "/TouchCalibrator.exe"), arguments);
-    QVERIFY(program.waitForStarted());
-    if (runs) {
-        QVERIFY(!program.waitForFinished(300));
-        program.kill();
-        QVERIFY(program.waitForFinished(60'000));
-        return;
-    }
-    QVERIFY(program.waitForFinished(60'000));
-    QCOMPARE(program.exitCode(), 2);
-    QVERIFY(program.readAllStandardError().contains("usage: "));
-}
 
 VORN_TEST_MAIN(TouchCalibratorTest)
 #include "tst_touchcalibrator.moc"

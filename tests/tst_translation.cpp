@@ -13,6 +13,8 @@
 
 #include <set>
 
+using namespace support;
+
 namespace {
 
 const QString sourceDir = QStringLiteral(VORN_SOURCE_DIR "/");
@@ -25,17 +27,16 @@ using Captions = std::set<Caption>;
 // What pages set at run time and translate all the same.
 Captions runTimeCaptions()
 {
-    const QString about = QStringLiteral("tabAboutDlg");
-    return {{about, QStringLiteral("Save Data")},
-        {about, QStringLiteral("Text Files (*.txt);;All Files (*)")},
-        {about, QStringLiteral("Unable to open file")}};
+    const QString about = "tabAboutDlg"_s;
+    return {{about, "Save Data"_s}, {about, "Text Files (*.txt);;All Files (*)"_s},
+        {about, "Unable to open file"_s}};
 }
 
 QStringList formFiles()
 {
     QStringList files;
-    for (const auto *room : {"frame", "report", "pages", "telematics"}) {
-        QDirIterator it(sourceDir + QLatin1String(room), {QStringLiteral("*.ui")}, QDir::Files);
+    for (const auto *room : {"frame", "frame/window", "report", "pages", "telematics"}) {
+        QDirIterator it(sourceDir + QLatin1String(room), {"*.ui"_s}, QDir::Files);
         while (it.hasNext())
             files << it.next();
     }
@@ -61,16 +62,16 @@ FormTexts readForm(const QString &file)
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        if (xml.name() == QLatin1String("class") && form.name.isEmpty())
+        if (xml.name() == "class"_s && form.name.isEmpty())
             form.name = xml.readElementText();
-        if (xml.attributes().hasAttribute(QStringLiteral("name")))
-            property = xml.attributes().value(QStringLiteral("name")).toString();
-        if (xml.name() != QLatin1String("string"))
+        if (xml.attributes().hasAttribute("name"_s))
+            property = xml.attributes().value("name"_s).toString();
+        if (xml.name() != "string"_s)
             continue;
-        const bool fixed = xml.attributes().hasAttribute(QStringLiteral("notr"));
+        const bool fixed = xml.attributes().hasAttribute("notr"_s);
         const QString text = xml.readElementText();
         if (fixed && !text.isEmpty())
-            form.untranslated << property + QStringLiteral(": ") + text;
+            form.untranslated << property + ": "_s + text;
         else if (!text.isEmpty())
             form.captions.insert({form.name, text});
     }
@@ -87,7 +88,7 @@ Captions formCaptions()
 
 Captions readTranslationSource()
 {
-    QFile source(sourceDir + QStringLiteral("translations/VornSettings_en.ts"));
+    QFile source(sourceDir + "translations/VornSettings_en.ts"_s);
     if (!source.open(QIODevice::ReadOnly))
         qFatal("no translation source");
     QXmlStreamReader xml(&source);
@@ -96,9 +97,9 @@ Captions readTranslationSource()
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        if (xml.name() == QLatin1String("name"))
+        if (xml.name() == "name"_s)
             context = xml.readElementText();
-        else if (xml.name() == QLatin1String("source"))
+        else if (xml.name() == "source"_s)
             all.insert({context, xml.readElementText()});
     }
     return all;
@@ -130,7 +131,7 @@ QStringList lines(const Captions &captions)
 {
     QStringList list;
     for (const auto &[context, text] : captions)
-        list << context + QStringLiteral(": ") + text;
+        list << context + ": "_s + text;
     return list;
 }
 
@@ -143,7 +144,7 @@ Captions without(Captions captions, const Captions &others)
 
 } // namespace
 
-class TestTranslation : public DeviceTest
+class TranslationTest : public DeviceTest
 {
     Q_OBJECT
 
@@ -189,7 +190,7 @@ private slots:
     {
         QFETCH(QString, file);
         for (const QString &text : readForm(file).untranslated)
-            QVERIFY2(text.startsWith(QLatin1String("styleSheet: ")), qPrintable(text));
+            QVERIFY2(text.startsWith("styleSheet: "_s), qPrintable(text));
     }
 
     // Each caption is asked for under its form's name, and nothing else is.
@@ -199,11 +200,9 @@ private slots:
         {
             VornSettings window;
             seeEverything(window);
-            QCOMPARE(window.windowTitle(), mark + QStringLiteral("Settings"));
-            QCOMPARE(
-                support::child<QLabel>(&window, "tabTitle")->text(), mark + QStringLiteral("Menu"));
-            QCOMPARE(support::child<QLabel>(&window, "label_15")->text(),
-                mark + QStringLiteral("Telematics"));
+            QCOMPARE(window.windowTitle(), mark + "Settings"_s);
+            QCOMPARE(child<QLabel>(&window, "tabTitle")->text(), mark + "Menu"_s);
+            QCOMPARE(child<QLabel>(&window, "label_15")->text(), mark + "Telematics"_s);
         }
         const Captions captions = formCaptions();
         QCOMPARE(lines(without(captions, locale.asked)), QStringList());
@@ -213,32 +212,30 @@ private slots:
 
     void toolTipsOfAbsentFeaturesAreNot()
     {
-        useProfile(QStringLiteral("basic"));
-        setUnit(QStringLiteral("Telematics.available"), QStringLiteral("0"));
+        useProfile("basic"_s);
+        setUnit("Telematics.available"_s, "0"_s);
         PseudoLocale locale;
         VornSettings window;
-        QCOMPARE(support::child<QPushButton>(&window, "pushButtonTelematics")->toolTip(),
-            QStringLiteral("Telematics module is not available"));
+        QCOMPARE(child<QPushButton>(&window, "pushButtonTelematics")->toolTip(),
+            "Telematics module is not available"_s);
     }
 
     void emptiedGpsFieldsAre()
     {
         const PseudoLocale locale;
         tabTelematicsDlg page;
-        auto *tabs = support::child<QTabWidget>(&page, "tabWidget");
-        const QString translated = mark + QStringLiteral("INVALID");
-        const QList<QLineEdit *> fields{support::child<QLineEdit>(&page, "editGpsDate"),
-            support::child<QLineEdit>(&page, "editGpsPos"),
-            support::child<QLineEdit>(&page, "editGpsSat"),
-            support::child<QLineEdit>(&page, "editGpsAlt"),
-            support::child<QLineEdit>(&page, "editGpsSpeed")};
+        auto *tabs = child<QTabWidget>(&page, "tabWidget");
+        const QString translated = mark + "INVALID"_s;
+        const QList<QLineEdit *> fields{child<QLineEdit>(&page, "editGpsDate"),
+            child<QLineEdit>(&page, "editGpsPos"), child<QLineEdit>(&page, "editGpsSat"),
+            child<QLineEdit>(&page, "editGpsAlt"), child<QLineEdit>(&page, "editGpsSpeed")};
         for (QLineEdit *field : fields)
-            field->setText(QStringLiteral("old"));
+            field->setText("old"_s);
         tabs->setCurrentIndex(2);
         for (const QLineEdit *field : fields)
             QCOMPARE(field->text(), translated);
         tabs->setCurrentIndex(1);
-        QCOMPARE(fields[0]->text(), QStringLiteral("INVALID"));
+        QCOMPARE(fields[0]->text(), "INVALID"_s);
         for (const QLineEdit *field : fields.mid(1))
             QCOMPARE(field->text(), translated);
         tabs->setCurrentIndex(0);
@@ -256,7 +253,7 @@ private slots:
         }
         const auto seen = dialogs.take();
         QVERIFY(seen.size() > 10);
-        for (const support::Dialog &box : seen) {
+        for (const Dialog &box : seen) {
             QVERIFY2(!box.text.contains(mark), qPrintable(box.text));
             QVERIFY2(!box.title.contains(mark), qPrintable(box.title));
         }
@@ -274,5 +271,5 @@ private slots:
     }
 };
 
-VORN_TEST_MAIN(TestTranslation)
+VORN_TEST_MAIN(TranslationTest)
 #include "tst_translation.moc"

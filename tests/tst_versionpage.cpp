@@ -3,38 +3,12 @@
 
 #include <QFormLayout>
 
-using support::child;
-using support::operator""_s;
-
-class VersionPageTest : public PageTest
-{
-    Q_OBJECT
-
-private slots:
-    void init();
-    void form();
-    void layout();
-    void handleLivesWithThePage();
-    void showReadsAllVersions();
-    void failureStandsInItsRow_data();
-    void failureStandsInItsRow();
-    void installationWarning_data();
-    void installationWarning();
-    void hiddenRowStaysHidden();
-    void everythingFails();
-    void missingLibraryVersionIsAnError();
-
-private:
-    static QString text(const QWidget &page, const char *edit)
-    {
-        return child<QLineEdit>(&page, edit)->text();
-    }
-};
+using namespace support;
 
 namespace {
 
-const QString warning = QStringLiteral(
-    "Warning - The driver or API version could not be read. Consider reinstalling VornAux.");
+const QString warning =
+    "Warning - The driver or API version could not be read. Consider reinstalling VornAux."_s;
 
 /** The calls of one showing on the unit that init() makes. */
 const QStringList showing{"Versions_getFPGAVersion() = 0 [1, 2, 3, 4]"_s,
@@ -47,209 +21,223 @@ const QStringList showing{"Versions_getFPGAVersion() = 0 [1, 2, 3, 4]"_s,
 
 } // namespace
 
-void VersionPageTest::form()
+class VersionPageTest : public PageTest
 {
-    const tabVersionDlg page;
-    QCOMPARE(page.objectName(), "tabVersion"_s);
-    QCOMPARE(page.windowTitle(), "Version"_s);
-    QCOMPARE(support::widgets(&page),
-        QStringList({"groupBox: QGroupBox \"Peripheral software\""_s, "label_2: QLabel \"FPGA:\""_s,
-            "editFPGA: QLineEdit \"\" read-only"_s, "label_4: QLabel \"System Supervisor:\""_s,
-            "editSS: QLineEdit \"\" read-only"_s, "label_5: QLabel \"Front controller:\""_s,
-            "editFront: QLineEdit \"\" read-only"_s,
-            "groupBox_2: QGroupBox \"Application interface\""_s, "label: QLabel \"Vornaux API:\""_s,
-            "editVornAux: QLineEdit \"\" read-only"_s, "label_3: QLabel \"Vornsettings:\""_s,
-            "editVornSettings: QLineEdit \"\" read-only"_s, "label_6: QLabel \"Vornaux Driver:\""_s,
-            "editVornAuxDrv: QLineEdit \"\" read-only"_s,
-            "groupBox_3: QGroupBox \"Operating System\""_s, "label_7: QLabel \"OS version:\""_s,
-            "editOS: QLineEdit \"\" read-only"_s, "icon: QLabel hwinfo.png centred"_s}));
-}
+    Q_OBJECT
 
-void VersionPageTest::layout()
-{
-    tabVersionDlg page;
-    QCOMPARE(page.size(), QSize(600, 320));
-    QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 0, 431, 120));
-    QCOMPARE(child<QWidget>(&page, "groupBox_2")->geometry(), QRect(10, 121, 431, 120));
-    QCOMPARE(child<QWidget>(&page, "groupBox_3")->geometry(), QRect(10, 242, 431, 70));
-    QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox")->layout()));
-    QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox_2")->layout()));
-    QVERIFY(qobject_cast<QHBoxLayout *>(child<QWidget>(&page, "groupBox_3")->layout()));
-    QCOMPARE(support::layoutFaults(&page, QRect(490, 30, 60, 60)), QStringList());
-}
+private slots:
+    void init()
+    {
+        PageTest::init();
+        setUnit("Versions.fpga"_s, "1.2.3.4"_s);
+        setUnit("Versions.ss"_s, "255.0.1.2"_s);
+        setUnit("Versions.front"_s, "5.6.7.8"_s);
+        setUnit("Versions.vornAux"_s, "9.8.7.6"_s);
+        setUnit("Versions.vornAuxDrv"_s, "4.3.2.1"_s);
+        setUnit("Versions.os"_s, "0.0.0.0"_s);
+    }
 
-void VersionPageTest::handleLivesWithThePage()
-{
+    void form()
     {
         const tabVersionDlg page;
-        QCOMPARE(calls(), QStringList({"Versions_create()"_s}));
+        QCOMPARE(page.objectName(), "tabVersion"_s);
+        QCOMPARE(page.windowTitle(), "Version"_s);
+        QCOMPARE(widgets(&page),
+            QStringList({"groupBox: QGroupBox \"Peripheral software\""_s,
+                "label_2: QLabel \"FPGA:\""_s, "editFPGA: QLineEdit \"\" read-only"_s,
+                "label_4: QLabel \"System Supervisor:\""_s, "editSS: QLineEdit \"\" read-only"_s,
+                "label_5: QLabel \"Front controller:\""_s, "editFront: QLineEdit \"\" read-only"_s,
+                "groupBox_2: QGroupBox \"Application interface\""_s,
+                "label: QLabel \"Vornaux API:\""_s, "editVornAux: QLineEdit \"\" read-only"_s,
+                "label_3: QLabel \"Vornsettings:\""_s,
+                "editVornSettings: QLineEdit \"\" read-only"_s,
+                "label_6: QLabel \"Vornaux Driver:\""_s,
+                "editVornAuxDrv: QLineEdit \"\" read-only"_s,
+                "groupBox_3: QGroupBox \"Operating System\""_s, "label_7: QLabel \"OS version:\""_s,
+                "editOS: QLineEdit \"\" read-only"_s, "icon: QLabel hwinfo.png centred"_s}));
     }
-    QCOMPARE(calls(), QStringList({"Versions_release()"_s}));
-}
 
-void VersionPageTest::init()
-{
-    PageTest::init();
-    setUnit("Versions.fpga"_s, "1.2.3.4"_s);
-    setUnit("Versions.ss"_s, "255.0.1.2"_s);
-    setUnit("Versions.front"_s, "5.6.7.8"_s);
-    setUnit("Versions.vornAux"_s, "9.8.7.6"_s);
-    setUnit("Versions.vornAuxDrv"_s, "4.3.2.1"_s);
-    setUnit("Versions.os"_s, "0.0.0.0"_s);
-}
-
-void VersionPageTest::showReadsAllVersions()
-{
-    tabVersionDlg page;
-    calls();
-    page.show();
-    QCOMPARE(calls(), showing);
-    QCOMPARE(text(page, "editFPGA"), "v1.2.3.4"_s);
-    QCOMPARE(text(page, "editSS"), "v255.0.1.2"_s);
-    QCOMPARE(text(page, "editFront"), "v5.6.7.8"_s);
-    QCOMPARE(text(page, "editVornAux"), "v9.8.7.6"_s);
-    QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
-    QCOMPARE(text(page, "editVornAuxDrv"), "v4.3.2.1"_s);
-    QCOMPARE(text(page, "editOS"), "v0.0.0.0"_s);
-
-    page.hide();
-    setUnit("Versions.os"_s, "1.0.0.0"_s);
-    page.show();
-    QCOMPARE(text(page, "editOS"), "v1.0.0.0"_s);
-}
-
-void VersionPageTest::failureStandsInItsRow_data()
-{
-    struct Row {
-        const char *operation;
-        const char *edit;
-        const char *before; ///< whose text it shows when the unit doesn't have it
-        QStringList hidden;
-    };
-    const Row rows[] = {
-        {"getFPGAVersion", "editFPGA", "", {"editFPGA"_s, "label_2"_s}},
-        {"getSSVersion", "editSS", "editFPGA", {"editSS"_s}},
-        {"getFrontVersion", "editFront", "editSS", {"editFront"_s, "label_5"_s}},
-        {"getVornAuxVersion", "editVornAux", nullptr, {}},
-        {"getVornAuxDrvVersion", "editVornAuxDrv", "editVornSettings",
-            {"editVornAuxDrv"_s, "label_6"_s}},
-        {"getOSVersion", "editOS", nullptr, {}},
-    };
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QByteArray>("edit");
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QStringList>("hidden");
-    for (const Row &row : rows) {
-        for (const int code : failureCodes) {
-            const bool absent = code == 2 && row.before;
-            QTest::addRow("%s %d", row.operation, code)
-                << QString::fromLatin1(row.operation) << code << QByteArray(row.edit)
-                << (absent ? QByteArray(row.before) : QByteArray("-"))
-                << (absent ? row.hidden : QStringList());
-        }
+    void layout()
+    {
+        tabVersionDlg page;
+        QCOMPARE(page.size(), QSize(600, 320));
+        QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 0, 431, 120));
+        QCOMPARE(child<QWidget>(&page, "groupBox_2")->geometry(), QRect(10, 121, 431, 120));
+        QCOMPARE(child<QWidget>(&page, "groupBox_3")->geometry(), QRect(10, 242, 431, 70));
+        QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox")->layout()));
+        QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox_2")->layout()));
+        QVERIFY(qobject_cast<QHBoxLayout *>(child<QWidget>(&page, "groupBox_3")->layout()));
+        QCOMPARE(layoutFaults(&page, QRect(490, 30, 60, 60)), QStringList());
     }
-}
 
-void VersionPageTest::failureStandsInItsRow()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    QFETCH(QByteArray, edit);
-    QFETCH(QByteArray, before);
-    QFETCH(QStringList, hidden);
-    fault(QLatin1String("Versions_") + operation, code);
-    tabVersionDlg page;
-    calls();
-    page.show();
-    QCOMPARE(calls(), failing(showing, QLatin1String("Versions_") + operation, code));
-
-    if (before == "-")
-        QCOMPARE(text(page, edit.constData()),
-            operation + QLatin1String(": Error:  ") + QString::fromLatin1(deviceErrorText(code)));
-    else
-        QCOMPARE(text(page, edit.constData()),
-            before.isEmpty() ? QString() : text(page, before.constData()));
-    for (const QWidget *widget : page.findChildren<QWidget *>())
-        QCOMPARE(!widget->isVisible(), hidden.contains(widget->objectName()));
-    const bool warned = operation.contains(QLatin1String("VornAux"));
-    QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
-}
-
-void VersionPageTest::installationWarning_data()
-{
-    QTest::addColumn<int>("driver");
-    QTest::addColumn<int>("library");
-    QTest::addColumn<bool>("warned");
-    QTest::newRow("both fail") << 5 << 18 << true;
-    QTest::newRow("absent driver") << 2 << 0 << true;
-    QTest::newRow("extreme codes") << int(INT32_MIN) << int(INT32_MIN) << true;
-    QTest::newRow("codes that cancel out") << 5 << -5 << false;
-}
-
-void VersionPageTest::installationWarning()
-{
-    QFETCH(int, driver);
-    QFETCH(int, library);
-    QFETCH(bool, warned);
-    fault("Versions_getVornAuxDrvVersion"_s, driver);
-    fault("Versions_getVornAuxVersion"_s, library);
-    tabVersionDlg page;
-    for (int visit = 0; visit < 2; ++visit) {
-        // The check's handle is held until somebody has read the warning.
-        QStringList before;
-        if (warned) {
-            dialogs.plan([&](QDialog *dialog) {
-                before = calls();
-                dialog->accept();
-            });
+    void handleLivesWithThePage()
+    {
+        {
+            const tabVersionDlg page;
+            QCOMPARE(calls(), QStringList({"Versions_create()"_s}));
         }
+        QCOMPARE(calls(), QStringList({"Versions_release()"_s}));
+    }
+
+    void showReadsAllVersions()
+    {
+        tabVersionDlg page;
+        calls();
         page.show();
-        QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
-        QCOMPARE(calls().value(warned ? 0 : -1), warned ? "Versions_release()"_s : QString());
-        QCOMPARE(before.isEmpty(), !warned);
-        if (warned)
-            QVERIFY(before.constLast().startsWith("Versions_getVornAuxVersion("_s));
+        QCOMPARE(calls(), showing);
+        QCOMPARE(text(page, "editFPGA"), "v1.2.3.4"_s);
+        QCOMPARE(text(page, "editSS"), "v255.0.1.2"_s);
+        QCOMPARE(text(page, "editFront"), "v5.6.7.8"_s);
+        QCOMPARE(text(page, "editVornAux"), "v9.8.7.6"_s);
+        QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
+        QCOMPARE(text(page, "editVornAuxDrv"), "v4.3.2.1"_s);
+        QCOMPARE(text(page, "editOS"), "v0.0.0.0"_s);
+
         page.hide();
+        setUnit("Versions.os"_s, "1.0.0.0"_s);
+        page.show();
+        QCOMPARE(text(page, "editOS"), "v1.0.0.0"_s);
     }
-}
 
-void VersionPageTest::hiddenRowStaysHidden()
-{
-    fault("Versions_getFPGAVersion"_s, 2);
-    tabVersionDlg page;
-    page.show();
-    page.hide();
-    clearFaults();
-    page.show();
-    QVERIFY(!child<QLineEdit>(&page, "editFPGA")->isVisible());
-    QVERIFY(!child<QLabel>(&page, "label_2")->isVisible());
-}
-
-void VersionPageTest::everythingFails()
-{
-    for (const QString &call : showing) {
-        if (call.contains(" = "_s))
-            fault(call.section(QLatin1Char('('), 0, 0), 18);
+    void failureStandsInItsRow_data()
+    {
+        struct Row {
+            const char *operation;
+            const char *edit;
+            const char *before; ///< whose text it shows when the unit doesn't have it
+            QStringList hidden;
+        };
+        const Row rows[] = {
+            {"getFPGAVersion", "editFPGA", "", {"editFPGA"_s, "label_2"_s}},
+            {"getSSVersion", "editSS", "editFPGA", {"editSS"_s}},
+            {"getFrontVersion", "editFront", "editSS", {"editFront"_s, "label_5"_s}},
+            {"getVornAuxVersion", "editVornAux", nullptr, {}},
+            {"getVornAuxDrvVersion", "editVornAuxDrv", "editVornSettings",
+                {"editVornAuxDrv"_s, "label_6"_s}},
+            {"getOSVersion", "editOS", nullptr, {}},
+        };
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("edit");
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QStringList>("hidden");
+        for (const Row &row : rows) {
+            for (const int code : failureCodes) {
+                const bool absent = code == 2 && row.before;
+                QTest::addRow("%s %d", row.operation, code)
+                    << QString::fromLatin1(row.operation) << code << QByteArray(row.edit)
+                    << (absent ? QByteArray(row.before) : QByteArray("-"))
+                    << (absent ? row.hidden : QStringList());
+            }
+        }
     }
-    tabVersionDlg page;
-    page.show();
-    QCOMPARE(boxes(&page), QStringList(warning));
-    const QString error = ": Error:  "_s + QString::fromLatin1(deviceErrorText(18));
-    QCOMPARE(text(page, "editFPGA"), "getFPGAVersion"_s + error);
-    QCOMPARE(text(page, "editOS"), "getOSVersion"_s + error);
-    QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
-}
 
-void VersionPageTest::missingLibraryVersionIsAnError()
-{
-    fault("Versions_getVornAuxVersion"_s, 2);
-    tabVersionDlg page;
-    page.show();
-    QCOMPARE(boxes(&page), QStringList(warning));
-    QVERIFY(child<QLineEdit>(&page, "editVornAux")->isVisible());
-    QVERIFY(text(page, "editVornAux").startsWith(QLatin1String("getVornAuxVersion: Error: ")));
-}
+    void failureStandsInItsRow()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        QFETCH(QByteArray, edit);
+        QFETCH(QByteArray, before);
+        QFETCH(QStringList, hidden);
+        fault("Versions_"_s + operation, code);
+        tabVersionDlg page;
+        calls();
+        page.show();
+        QCOMPARE(calls(), failing(showing, "Versions_"_s + operation, code));
+
+        if (before == "-")
+            QCOMPARE(text(page, edit.constData()),
+                operation + ": Error:  "_s + QString::fromLatin1(deviceErrorText(code)));
+        else
+            QCOMPARE(text(page, edit.constData()),
+                before.isEmpty() ? QString() : text(page, before.constData()));
+        for (const QWidget *widget : page.findChildren<QWidget *>())
+            QCOMPARE(!widget->isVisible(), hidden.contains(widget->objectName()));
+        const bool warned = operation.contains("VornAux"_s);
+        QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
+    }
+
+    void installationWarning_data()
+    {
+        QTest::addColumn<int>("driver");
+        QTest::addColumn<int>("library");
+        QTest::addColumn<bool>("warned");
+        QTest::newRow("both fail") << 5 << 18 << true;
+        QTest::newRow("absent driver") << 2 << 0 << true;
+        QTest::newRow("extreme codes") << int(INT32_MIN) << int(INT32_MIN) << true;
+        QTest::newRow("codes that cancel out") << 5 << -5 << false;
+    }
+
+    void installationWarning()
+    {
+        QFETCH(int, driver);
+        QFETCH(int, library);
+        QFETCH(bool, warned);
+        fault("Versions_getVornAuxDrvVersion"_s, driver);
+        fault("Versions_getVornAuxVersion"_s, library);
+        tabVersionDlg page;
+        for (int visit = 0; visit < 2; ++visit) {
+            // The check's handle is held until somebody has read the warning.
+            QStringList before;
+            if (warned) {
+                dialogs.plan([&](QDialog *dialog) {
+                    before = calls();
+                    dialog->accept();
+                });
+            }
+            page.show();
+            QCOMPARE(boxes(&page), warned ? QStringList(warning) : QStringList());
+            QCOMPARE(calls().value(warned ? 0 : -1), warned ? "Versions_release()"_s : QString());
+            QCOMPARE(before.isEmpty(), !warned);
+            if (warned)
+                QVERIFY(before.constLast().startsWith("Versions_getVornAuxVersion("_s));
+            page.hide();
+        }
+    }
+
+    void hiddenRowStaysHidden()
+    {
+        fault("Versions_getFPGAVersion"_s, 2);
+        tabVersionDlg page;
+        page.show();
+        page.hide();
+        clearFaults();
+        page.show();
+        QVERIFY(!child<QLineEdit>(&page, "editFPGA")->isVisible());
+        QVERIFY(!child<QLabel>(&page, "label_2")->isVisible());
+    }
+
+    void everythingFails()
+    {
+        for (const QString &call : showing) {
+            if (call.contains(" = "_s))
+                fault(call.section(QLatin1Char('('), 0, 0), 18);
+        }
+        tabVersionDlg page;
+        page.show();
+        QCOMPARE(boxes(&page), QStringList(warning));
+        const QString error = ": Error:  "_s + QString::fromLatin1(deviceErrorText(18));
+        QCOMPARE(text(page, "editFPGA"), "getFPGAVersion"_s + error);
+        QCOMPARE(text(page, "editOS"), "getOSVersion"_s + error);
+        QCOMPARE(text(page, "editVornSettings"), "v2.7.2.0 - 64 bit"_s);
+    }
+
+    void missingLibraryVersionIsAnError()
+    {
+        fault("Versions_getVornAuxVersion"_s, 2);
+        tabVersionDlg page;
+        page.show();
+        QCOMPARE(boxes(&page), QStringList(warning));
+        QVERIFY(child<QLineEdit>(&page, "editVornAux")->isVisible());
+        QVERIFY(text(page, "editVornAux").startsWith("getVornAuxVersion: Error: "_s));
+    }
+
+private:
+    static QString text(const QWidget &page, const char *edit)
+    {
+        return child<QLineEdit>(&page, edit)->text();
+    }
+};
 
 VORN_TEST_MAIN(VersionPageTest)
 #include "tst_versionpage.moc"

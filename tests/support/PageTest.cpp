@@ -1,7 +1,7 @@
 #include "tests/support/PageTest.h"
 
+#include "frame/VornAux2.h"
 #include "frame/window/graphicalMode.h"
-#include "tests/support/Boxes.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMap>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -219,7 +220,20 @@ QString styleSheet()
     return QString::fromUtf8(file.readAll());
 }
 
-QString difference(const support::Dialog &box, const QWidget *page)
+/** Read before any test, since each call on the library goes to the journal. */
+QMap<int, QString> readErrorTexts()
+{
+    QMap<int, QString> texts;
+    for (int code = -1; code <= 40; ++code)
+        texts[code] = QString::fromLatin1(deviceErrorText(code));
+    for (const int code : support::failureCodes)
+        texts[code] = QString::fromLatin1(deviceErrorText(code));
+    return texts;
+}
+const QMap<int, QString> errorTexts = readErrorTexts();
+
+/** In what a box isn't a page's usual error box. */
+QString difference(const support::Dialog &box)
 {
     QStringList odd;
     if (box.className != QLatin1String("QMessageBox"))
@@ -232,8 +246,6 @@ QString difference(const support::Dialog &box, const QWidget *page)
         odd << QStringLiteral("icon %1").arg(box.icon);
     if (box.buttons != QStringList{QStringLiteral("OK")})
         odd << QLatin1String("buttons ") + box.buttons.join(QLatin1Char(' '));
-    if (box.parent != page)
-        odd << QStringLiteral("other parent");
     if (!box.modal)
         odd << QStringLiteral("not modal");
     return odd.isEmpty() ? QString()
@@ -277,6 +289,24 @@ QStringList items(const QComboBox *list)
     return captions;
 }
 
+QString deviceText(int code)
+{
+    return errorTexts[code];
+}
+
+QString box(QMessageBox::Icon icon, const char *title, const QString &text, const char *buttons,
+    Qt::TextFormat format)
+{
+    Dialog box;
+    box.className = "QMessageBox"_s;
+    box.title = QString::fromLatin1(title);
+    box.icon = icon;
+    box.format = format;
+    box.buttons = QString::fromLatin1(buttons).split(QLatin1Char(' '));
+    box.modal = true;
+    return text + difference(box);
+}
+
 void click(const QWidget *page, const char *name)
 {
     auto *button = child<QAbstractButton>(page, name);
@@ -311,6 +341,15 @@ bool HeldTimer::eventFilter(QObject *, QEvent *event)
 }
 
 } // namespace support
+
+using namespace support;
+
+void PageTest::addFailureCodes()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : failureCodes)
+        QTest::addRow("%d", code) << code;
+}
 
 void PageTest::addFailureRows(const QStringList &operations)
 {
@@ -358,13 +397,13 @@ QStringList PageTest::withoutErrorTexts(const QStringList &calls)
 
 QString PageTest::errorBox(int code, const QString &operation)
 {
-    return support::deviceError(code, operation.toLatin1().constData());
+    return "Error(%1) in %2: %3"_s.arg(QString::number(code), operation, deviceText(code));
 }
 
 QStringList PageTest::boxes(const QWidget *page)
 {
     QStringList texts;
-    for (const support::Dialog &box : dialogs.take())
-        texts << box.text + difference(box, page);
+    for (const Dialog &box : dialogs.take())
+        texts << (box.parent == page ? QString() : "elsewhere: "_s) + box.text + difference(box);
     return texts;
 }

@@ -7,12 +7,6 @@
 
 namespace support {
 
-/** A Latin-1 text without ceremony: "Buzzer.volume"_s. */
-inline QString operator""_s(const char *text, std::size_t size)
-{
-    return QString::fromLatin1(text, int(size));
-}
-
 /**
  * Every widget of a page's form in the form's order, one line each: object name, kind, and what
  * the form sets: caption, picture, range and steps, items, state, tool-tip.
@@ -39,6 +33,13 @@ QStringList layoutFaults(QWidget *page, const QRect &iconPlace = usualIconPlace)
 
 /** The captions of a list's items, in order. */
 QStringList items(const QComboBox *list);
+
+/** The library's text of a code, the failure codes among them. Doesn't call the library. */
+QString deviceText(int code);
+
+/** A message box as PageTest::boxes() tells of it. */
+QString box(QMessageBox::Icon icon, const char *title, const QString &text,
+    const char *buttons = "OK", Qt::TextFormat format = Qt::PlainText);
 
 /** Presses the button or check box with the mouse, as a finger would. */
 void click(const QWidget *page, const char *name);
@@ -76,7 +77,8 @@ class PageTest : public DeviceTest
     Q_OBJECT
 
 protected:
-    static constexpr auto &failureCodes = support::failureCodes;
+    /** A row for each failure code. Column: code. */
+    static void addFailureCodes();
 
     /** A row "operation = code" for each of these operations and each of those codes. Columns:
      *  operation, code. */
@@ -97,6 +99,7 @@ protected:
     static QString errorBox(int code, const QString &operation);
 
     /** Texts of the boxes that came since the last time. A box that isn't one of this page's error
-     *  boxes in title, icon, buttons, modality and parent says so after its text. */
+     *  boxes in title, text format, icon, buttons, modality and parent says so beside its text, as
+     *  support::box() has it. */
     QStringList boxes(const QWidget *page);
 };

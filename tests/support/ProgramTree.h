@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/literals.h"
+
 #include <QByteArray>
 #include <QProcess>
 #include <QString>

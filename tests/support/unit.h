@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/literals.h"
 #include "tests/support/operations.h"
 
 #include "frame/DeviceHandle.h"
