@@ -24,6 +24,7 @@ private slots:
         QTest::newRow("gps") << Check(checkGpsBytes) << "gps"_s;
         QTest::newRow("report") << Check(checkReport) << "report"_s;
         QTest::newRow("reply") << Check(checkModemReply) << "reply"_s;
+        QTest::newRow("trace") << Check(checkTrace) << "trace"_s;
     }
 
     void replay()

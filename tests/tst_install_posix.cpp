@@ -39,14 +39,16 @@ private slots:
     {
         QTest::addColumn<QString>("component");
         QTest::addColumn<QStringList>("expected");
-        const QStringList program{"bin/VornSettings"_s};
+        const QStringList program{"bin/VornSettings"_s, "bin/vornreport"_s};
         const QStringList unit{"bin/TouchCalibrator.exe"_s, "bin/vornunit"_s, "lib/libCgos.so"_s,
             "lib/libVornAux2.so"_s, "lib/libjida.so"_s};
-        QStringList all = program + unit;
+        const QStringList tools{"bin/vorntrace"_s, "lib/vorntrace/libvorntrace.so"_s};
+        QStringList all = program + unit + tools;
         all.sort();
         // On a real unit a stand-in would take the place of the real part.
         QTest::newRow("for a unit") << "program"_s << program;
         QTest::newRow("stand-ins") << "virtualunit"_s << unit;
+        QTest::newRow("for whoever looks into one") << "tools"_s << tools;
         QTest::newRow("all") << QString() << all;
     }
 
@@ -61,7 +63,7 @@ private slots:
     void treeRunsWhereItLies()
     {
         const QTemporaryDir prefix;
-        QCOMPARE(installed(prefix, {}).size(), 6);
+        QCOMPARE(installed(prefix, {}).size(), 9);
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VORN_UNIT"_s, ":memory:"_s);

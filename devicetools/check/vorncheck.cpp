@@ -169,7 +169,7 @@ int main(int argc, char **argv)
         const auto arguments = virtualunit::system::arguments(argc, argv);
         if (check::isTestProcess(arguments))
             return check::runTestProcess(arguments);
-        virtualunit::system::prepareStreams();
+        virtualunit::system::prepareProcess();
         const int code = run(arguments);
         std::cout.flush();
         if (!std::cout)

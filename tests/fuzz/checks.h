@@ -17,3 +17,6 @@ void checkModemReply(const std::uint8_t *bytes, std::size_t size);
 
 /** A system report, and what a report of made-up values says. */
 void checkReport(const std::uint8_t *bytes, std::size_t size);
+
+/** A trace of calls: what can be read is written so that it is read again the same. */
+void checkTrace(const std::uint8_t *bytes, std::size_t size);
