@@ -8,8 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
-#include <QGroupBox>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -100,38 +98,6 @@ private slots:
         folder.reset();
         QFile::remove(serviceLog());
         PageTest::cleanup();
-    }
-
-    void form()
-    {
-        Page page;
-        page.info->clear();
-        QCOMPARE(page.objectName(), "tabAbout"_s);
-        QCOMPARE(page.windowTitle(), "About"_s);
-        QCOMPARE(widgets(&page),
-            QStringList({"icon: QLabel kblackbox.png centred"_s,
-                "groupBox: QGroupBox \"Information\""_s, "label: QLabel \"Selection:\""_s,
-                "comboBoxSelection: QComboBox [EEPROM data | Diagnostic data | ADC values | CPU board data | System report | Battery data]"_s,
-                "textEditInfo: QPlainTextEdit \"\" read-only"_s,
-                "pushButtonSaveAs: QPushButton \"Save As\" tip \"Save the displayed data to a file\""_s}));
-    }
-
-    void layout()
-    {
-        Page page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(page.styleSheet(), QString());
-        const auto *group = child<QGroupBox>(&page, "groupBox");
-        for (const QWidget *inside : {static_cast<QWidget *>(child<QLabel>(&page, "label")),
-                 static_cast<QWidget *>(page.selection), static_cast<QWidget *>(page.info)})
-            QCOMPARE(inside->parentWidget(), group);
-        QCOMPARE(page.save->parentWidget(), &page);
-        QVERIFY(page.save->x() > group->geometry().right());
-        QVERIFY(page.info->isReadOnly());
-        QCOMPARE(page.info->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
-        QCOMPARE(child<QLabel>(&page, "label")->buddy(), page.selection);
-        QVERIFY(!page.info->accessibleName().isEmpty());
-        QCOMPARE(layoutFaults(&page), QStringList());
     }
 
     void readsFirstSectionWhenMade()

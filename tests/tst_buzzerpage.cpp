@@ -33,41 +33,6 @@ private slots:
         setUnit("Buzzer.trigger"_s, "false"_s);
     }
 
-    void form()
-    {
-        const tabBuzzerDlg page;
-        QCOMPARE(page.objectName(), "tabBuzzer"_s);
-        QCOMPARE(page.windowTitle(), "Buzzer"_s);
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(widgets(&page), (QStringList{
-                                     "icon: QLabel arts.png"_s,
-                                     "groupBox: QGroupBox \"Settings\""_s,
-                                     "labelFreq: QLabel \"Freq\""_s,
-                                     "sliderFreq: QSlider 700 to 10000 by 10/100"_s,
-                                     "labelVolume: QLabel \"Volume\""_s,
-                                     "sliderVol: QSlider 0 to 51 by 1/10"_s,
-                                     "buttonOn: QPushButton \"Off\" checkable"_s,
-                                 }));
-        QCOMPARE(child<QSlider>(&page, "sliderFreq")->accessibleName(), "Frequency"_s);
-        QCOMPARE(child<QSlider>(&page, "sliderVol")->accessibleName(), "Volume"_s);
-    }
-
-    void layout()
-    {
-        tabBuzzerDlg page;
-        const QStringList faults = layoutFaults(&page);
-        QCOMPARE(faults, QStringList());
-    }
-
-    void handleLivesAsLongAsThePage()
-    {
-        {
-            const tabBuzzerDlg page;
-            QCOMPARE(calls(), QStringList{"Buzzer_create()"_s});
-        }
-        QCOMPARE(calls(), QStringList{"Buzzer_release()"_s});
-    }
-
     // What moves a slider goes back to the device; what is there already doesn't.
     void loadsOnShow()
     {

@@ -2,7 +2,6 @@
 #include "tests/support/PageTest.h"
 
 #include <QComboBox>
-#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -48,46 +47,6 @@ class CanPageTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void form()
-    {
-        Page page;
-        QCOMPARE(page.objectName(), "tabCan"_s);
-        QCOMPARE(page.windowTitle(), "CAN"_s);
-        QCOMPARE(widgets(&page),
-            QStringList({"icon: QLabel input_device.png centred"_s,
-                "groupBoxSettings_2: QGroupBox \"CAN Device\""_s, "gridLayoutWidget_3: QWidget"_s,
-                "comboBoxDevice: QComboBox [CAN1 | CAN2 | CAN3 | CAN4]"_s,
-                "groupBoxSettings: QGroupBox \"Settings\""_s, "gridLayoutWidget: QWidget"_s,
-                "labelBaudRate: QLabel \"Baud rate (kbp/s)\""_s,
-                "comboBoxBaudRate: QComboBox [100 | 125 | 250 | 500 | 800 | 1000]"_s,
-                "labelFramType: QLabel \"Frame type\""_s,
-                "comboBoxFrameType: QComboBox [Standard | Extended | Standard Extended]"_s,
-                "buttonApply: QPushButton \"Apply\""_s}));
-    }
-
-    void layout()
-    {
-        Page page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        const auto *grid = page.findChild<QGridLayout *>("gridLayout"_s);
-        QVERIFY(grid);
-        QCOMPARE(grid->contentsMargins(), QMargins());
-        QCOMPARE(page.findChild<QGridLayout *>("gridLayout_3"_s)->contentsMargins(), QMargins());
-        QVERIFY(!page.apply->autoDefault());
-        QCOMPARE(grid->itemAtPosition(1, 0)->widget(), page.baudRateLabel);
-        QCOMPARE(grid->itemAtPosition(1, 1)->widget(), page.baudRate);
-        QCOMPARE(grid->itemAtPosition(2, 0)->widget(), page.frameTypeLabel);
-        QCOMPARE(grid->itemAtPosition(2, 1)->widget(), page.frameType);
-        QCOMPARE(page.baudRate->minimumWidth(), 230);
-        QCOMPARE(page.baudRate->maximumWidth(), 230);
-        QCOMPARE(page.frameType->minimumWidth(), 230);
-        QCOMPARE(page.frameType->maximumWidth(), 230);
-        QCOMPARE(page.baudRateLabel->buddy(), page.baudRate);
-        QCOMPARE(page.frameTypeLabel->buddy(), page.frameType);
-        QVERIFY(!page.device->accessibleName().isEmpty());
-        QCOMPARE(layoutFaults(&page), QStringList());
-    }
-
     void findsFourNets()
     {
         {

@@ -44,55 +44,6 @@ private slots:
         setUnit("Backlight.ledDimming"_s, "1"_s);
     }
 
-    void form()
-    {
-        const tabBacklightDlg page;
-        QCOMPARE(page.objectName(), "tabBacklight"_s);
-        QCOMPARE(page.windowTitle(), "Display"_s);
-        QCOMPARE(page.size(), QSize(600, 320));
-        const QString tip = " tip \"Change the reject window size\""_s;
-        QCOMPARE(widgets(&page), (QStringList{
-                                     "icon: QLabel background.png"_s,
-                                     "groupBox: QGroupBox \"Backlight level\""_s,
-                                     "label_2: QLabel Min.ico"_s,
-                                     "sliderBacklightLevel: QSlider 0 to 255 by 1/10"_s,
-                                     "label: QLabel Full.ico"_s,
-                                     "labelBLLevel: QLabel \"0\" centred"_s,
-                                     "groupBox_2: QGroupBox \"Automatic backlight\""_s,
-                                     "checkBoxABLEnable: QCheckBox \"Enable\""_s,
-                                     "checkBoxABLSoftTransitions: QCheckBox \"Soft transitions\""_s,
-                                     "label_3: QLabel \"Sensitivity\" centred"_s + tip,
-                                     "sliderSensitivity: QSlider 2 to 17 by 1/10"_s + tip,
-                                     "labelKLevel: QLabel \"0\" centred"_s,
-                                     "groupBox_3: QGroupBox \"LED dimming\""_s,
-                                     "checkBoxLedDim: QCheckBox \"Enable\""_s,
-                                     "label_hwstatus0: QLabel \"Backlight HW\" centred"_s + tip,
-                                     "label_hwstatus1: QLabel \"status:   \" centred"_s + tip,
-                                 }));
-        const auto *level = child<QSlider>(&page, "sliderBacklightLevel");
-        QCOMPARE(level->minimumHeight(), 61);
-        QCOMPARE(level->accessibleName(), "Backlight level"_s);
-        const auto *sensitivity = child<QSlider>(&page, "sliderSensitivity");
-        QCOMPARE(sensitivity->accessibleName(), "Sensitivity"_s);
-        QCOMPARE(child<QLabel>(&page, "label_3")->buddy(), sensitivity);
-    }
-
-    void layout()
-    {
-        tabBacklightDlg page;
-        const QStringList faults = layoutFaults(&page);
-        QCOMPARE(faults, QStringList());
-    }
-
-    void handleLivesAsLongAsThePage()
-    {
-        {
-            const tabBacklightDlg page;
-            QCOMPARE(calls(), QStringList{"Backlight_create()"_s});
-        }
-        QCOMPARE(calls(), QStringList{"Backlight_release()"_s});
-    }
-
     void loadsOnShow()
     {
         tabBacklightDlg page;

@@ -2,8 +2,6 @@
 #include "tests/support/PageTest.h"
 
 #include <QGroupBox>
-#include <QTextBlock>
-#include <QTextDocument>
 
 using namespace support;
 
@@ -12,54 +10,6 @@ class HeaterPageTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void form()
-    {
-        const tabSysConfDlg page;
-        QCOMPARE(page.objectName(), "tabSysConf"_s);
-        QCOMPARE(page.windowTitle(), "Heater"_s);
-        // Its two paragraphs are read apart.
-        auto *label = child<QLabel>(&page, "label_4");
-        QTextDocument text;
-        text.setHtml(label->text());
-        QCOMPARE(text.toPlainText(),
-            "Enable internal heater and delay start-up\nwhen internal temperature is lower than:"_s);
-        QVERIFY(label->text().contains("font-size:8pt"_s));
-        QVERIFY(text.firstBlock().blockFormat().alignment() & Qt::AlignRight);
-        QVERIFY(text.lastBlock().blockFormat().alignment() & Qt::AlignRight);
-        label->clear();
-        QCOMPARE(widgets(&page),
-            QStringList(
-                {"groupHeating: QGroupBox \"Heating temperature\""_s, "label_4: QLabel \"\""_s,
-                    "editHeatingTemp: QLineEdit \"\" tip \"Range: -25°C to +5°C\""_s,
-                    "label_5: QLabel \"°C\""_s,
-                    "editHeatingTemp_2: QLineEdit \"\" tip \"Range: -13°F to +41°F\""_s,
-                    "label_6: QLabel \"°F\""_s, "pushButton: QPushButton \"Apply\""_s,
-                    "icon: QLabel heater.png centred"_s}));
-        const auto *validator = qobject_cast<const QIntValidator *>(
-            child<QLineEdit>(&page, "editHeatingTemp")->validator());
-        QVERIFY(validator);
-        QCOMPARE(validator->bottom(), -25);
-        QCOMPARE(validator->top(), 5);
-        QVERIFY(!child<QLineEdit>(&page, "editHeatingTemp_2")->validator());
-    }
-
-    void layout()
-    {
-        tabSysConfDlg page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(layoutFaults(&page), QStringList());
-        QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
-    }
-
-    void handles()
-    {
-        {
-            const tabSysConfDlg page;
-            QCOMPARE(calls(), QStringList({"Config_create()"_s, "FrontLED_create()"_s}));
-        }
-        QCOMPARE(calls(), QStringList({"Config_release()"_s, "FrontLED_release()"_s}));
-    }
-
     void showReadsTheLimit()
     {
         tabSysConfDlg page;

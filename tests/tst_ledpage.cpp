@@ -1,4 +1,5 @@
 #include "pages/tabLEDDlg.h"
+#include "tests/support/PageForm.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/system.h"
 
@@ -90,44 +91,6 @@ private slots:
         setUnit("FrontLED.enabledDuringStartup"_s, "0"_s);
     }
 
-    void form()
-    {
-        const tabLEDDlg page;
-        QCOMPARE(page.objectName(), "tabLED"_s);
-        QCOMPARE(page.windowTitle(), "Led"_s);
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(widgets(&page),
-            (QStringList{
-                "icon: QLabel ksame.png"_s,
-                "buttonOff: QPushButton \"Off\" checkable"_s,
-                "groupBox: QGroupBox \"Signal\""_s,
-                "sliderDutyC: QSlider 0 to 100 by 1/10"_s,
-                "sliderFreq: QSlider 2 to 300 by 1/10"_s,
-                "labelFreq: QLabel \"Freq\""_s,
-                "labelDutyC: QLabel \"Duty cycle\""_s,
-                "label_8: QLabel \"Color\""_s,
-                "comboBoxColor: QComboBox [Red | Blue | Green | Magenta | Cyan | Yellow | Custom color]"_s,
-                "label_customcolor: QLabel \"R:15 G:15 B:15\""_s,
-                "buttonColorpick: QPushButton \"\" checkable"_s,
-                "groupBox_2: QGroupBox \"Repetition\""_s,
-                "label_5: QLabel \"Pulses\""_s,
-                "spinBoxPulses: QSpinBox 1 (0 to 99 by 1)"_s,
-                "label_4: QLabel \"Idle time (ms)\""_s,
-                "spinBoxIdleTime: QSpinBox 100 (0 to 10000 by 100)"_s,
-                "groupFrontLED: QGroupBox \"Front LED\""_s,
-                "checkEnFrontLED: QCheckBox \"Enable\""_s,
-                "label_7: QLabel \"Enable LED during system start-up.\""_s,
-            }));
-        QCOMPARE(child<QSlider>(&page, "sliderFreq")->accessibleName(), "Frequency"_s);
-        QCOMPARE(child<QSlider>(&page, "sliderDutyC")->accessibleName(), "Duty cycle"_s);
-        QCOMPARE(child<QPushButton>(&page, "buttonColorpick")->accessibleName(), "Select color"_s);
-        const QList<QPair<const char *, const char *>> buddies{{"label_8", "comboBoxColor"},
-            {"label_5", "spinBoxPulses"}, {"label_4", "spinBoxIdleTime"},
-            {"label_7", "checkEnFrontLED"}};
-        for (const auto &[label, field] : buddies)
-            QCOMPARE(child<QLabel>(&page, label)->buddy(), child<QWidget>(&page, field));
-    }
-
     void layout()
     {
         tabLEDDlg page;
@@ -136,15 +99,6 @@ private slots:
         child<QLabel>(&page, "labelDutyC")->setText("Duty cycle\n 100% on"_s);
         const QStringList faults = layoutFaults(&page);
         QCOMPARE(faults, QStringList());
-    }
-
-    void handleLivesAsLongAsThePage()
-    {
-        {
-            const tabLEDDlg page;
-            QCOMPARE(calls(), QStringList{"FrontLED_create()"_s});
-        }
-        QCOMPARE(calls(), QStringList{"FrontLED_release()"_s});
     }
 
     // Before the first loading, what moves a widget is no wish of the user's.

@@ -3,7 +3,6 @@
 
 #include <QComboBox>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -32,53 +31,6 @@ private slots:
         setUnit("Backlight.automaticBLStatus"_s, "0"_s);
         setUnit("LightSensor.illuminance"_s, "230"_s);
         setUnit("LightSensor.operatingRange"_s, "0"_s);
-    }
-
-    void form()
-    {
-        const tabLightSensorDlg page;
-        QCOMPARE(page.objectName(), "tabLightSensor"_s);
-        QCOMPARE(page.windowTitle(), "Light sensor"_s);
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(widgets(&page),
-            (QStringList{
-                "icon: QLabel Full.png"_s,
-                "groupBoxLightsensor: QGroupBox \"Light sensor\""_s,
-                "label_3: QLabel \"Illumination\""_s,
-                "editIlumination: QLineEdit \"Light Sensor is not running\" read-only"_s,
-                "groupBox: QGroupBox \"Settings\""_s,
-                "label_4: QLabel \"Mode\""_s,
-                "comboBoxSamplingsMode: QComboBox [Standard range | Extended range | Auto range]"_s,
-                "label: QLabel \"Average Wnd size\\n(Samples)\""_s,
-                "spinBoxAverageWndSize: QSpinBox 1 (1 to 99 by 1)"_s,
-                "label_2: QLabel \"Reject Wnd size\\n(Samples)\""_s,
-                "spinBoxRejectWndSize: QSpinBox 0 (0 to 99 by 1)"_s,
-                "label_5: QLabel \"Reject delta\\n(Lux)\""_s,
-                "spinBoxRejectDelta: QSpinBox 100 (1 to 65000 by 1)"_s,
-                "pushButtonOn: QPushButton \"On\" checkable"_s,
-            }));
-        QCOMPARE(child<QComboBox>(&page, "comboBoxSamplingsMode")->currentIndex(), 0);
-        const QList<QPair<const char *, const char *>> buddies{{"label_3", "editIlumination"},
-            {"label_4", "comboBoxSamplingsMode"}, {"label", "spinBoxAverageWndSize"},
-            {"label_2", "spinBoxRejectWndSize"}, {"label_5", "spinBoxRejectDelta"}};
-        for (const auto &[label, field] : buddies)
-            QCOMPARE(child<QLabel>(&page, label)->buddy(), child<QWidget>(&page, field));
-    }
-
-    void layout()
-    {
-        tabLightSensorDlg page;
-        const QStringList faults = layoutFaults(&page);
-        QCOMPARE(faults, QStringList());
-    }
-
-    void handleLivesAsLongAsThePage()
-    {
-        {
-            const tabLightSensorDlg page;
-            QCOMPARE(calls(), QStringList{"LightSensor_create()"_s});
-        }
-        QCOMPARE(calls(), QStringList{"LightSensor_release()"_s});
     }
 
     void startsOnShow()

@@ -25,59 +25,6 @@ class OnOffPageTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void form()
-    {
-        const tabOnOffDlg page;
-        QCOMPARE(page.objectName(), "tabOnOff"_s);
-        QCOMPARE(page.windowTitle(), "On/Off Settings"_s);
-        const auto actions = "[No Action | Suspend | Shut down]"_s;
-        QCOMPARE(widgets(&page),
-            QStringList({"groupButton: QGroupBox \"Short press - ON/OFF button\""_s,
-                "comboBox_2: QComboBox "_s + actions,
-                "groupButton_2: QGroupBox \"Long press - ON/OFF button\""_s,
-                "comboBox_4: QComboBox "_s + actions,
-                "label_4: QLabel \"Required time to press:\""_s,
-                "editButtonPressTime: QLineEdit \"\" tip \"Range: 0 to 65535\""_s,
-                "label: QLabel \"ms\""_s, "groupSuspend: QGroupBox \"Suspend mode\""_s,
-                "label_3: QLabel \"Maximum time in suspend mode (0 = Infinite):\""_s,
-                "editTimeSuspend: QLineEdit \"\" tip \"Range: 0 to 65535\""_s,
-                "label_6: QLabel \"min\""_s, "groupSignal: QGroupBox \"ON/OFF signal\""_s,
-                "comboBox: QComboBox "_s + actions,
-                "label_2: QLabel \"Required state change time:\""_s,
-                "editTimeSignal: QLineEdit \"\" tip \"Range: 0 to 4294967295\""_s,
-                "label_5: QLabel \"s\""_s, "groupButton_3: QGroupBox \"Unit start-up\""_s,
-                "comboBox_3: QComboBox [Button | ON/OFF signal | Both button and signal]"_s,
-                "checkBoxPowerOnStartup: QCheckBox \"Always start when\\n power turned on\""_s,
-                "pushButton: QPushButton \"Apply\""_s, "icon: QLabel exit.png centred"_s}));
-        const auto parentOf = [&](const char *name) {
-            return child<QWidget>(&page, name)->parentWidget()->objectName();
-        };
-        QCOMPARE(parentOf("comboBox_2"), "groupButton"_s);
-        QCOMPARE(parentOf("comboBox_4"), "groupButton_2"_s);
-        QCOMPARE(parentOf("editButtonPressTime"), "groupButton_2"_s);
-        QCOMPARE(parentOf("comboBox"), "groupSignal"_s);
-        QCOMPARE(parentOf("editTimeSignal"), "groupSignal"_s);
-        QCOMPARE(parentOf("editTimeSuspend"), "groupSuspend"_s);
-        QCOMPARE(parentOf("comboBox_3"), "groupButton_3"_s);
-        for (const char *edit : {"editButtonPressTime", "editTimeSuspend"}) {
-            const auto *validator =
-                qobject_cast<const QIntValidator *>(child<QLineEdit>(&page, edit)->validator());
-            QVERIFY(validator && validator->bottom() == 0 && validator->top() == 65535);
-        }
-        const auto *validator = qobject_cast<const QDoubleValidator *>(
-            child<QLineEdit>(&page, "editTimeSignal")->validator());
-        QVERIFY(validator && validator->bottom() == 0.0 && validator->top() == 4294967295.0);
-        QCOMPARE(validator->decimals(), 0);
-    }
-
-    void layout()
-    {
-        tabOnOffDlg page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(layoutFaults(&page), QStringList());
-        QVERIFY(!child<QPushButton>(&page, "pushButton")->autoDefault());
-    }
-
     void validatorsBindTyping_data()
     {
         QTest::addColumn<QByteArray>("edit");

@@ -1,4 +1,5 @@
 #include "pages/tabPowerDlg.h"
+#include "tests/support/PageForm.h"
 #include "tests/support/PageTest.h"
 
 #include <QCheckBox>
@@ -32,47 +33,6 @@ private slots:
         setUnit("Config.canStartupPower"_s, "0"_s);
         setUnit("Config.extFanStartupPower"_s, "1"_s);
         setUnit("Config.videoStartupPower"_s, "10"_s);
-    }
-
-    void form()
-    {
-        const tabPowerDlg page;
-        QCOMPARE(page.objectName(), "tabPower"_s);
-        QCOMPARE(page.windowTitle(), "Power"_s);
-        QCOMPARE(widgets(&page),
-            QStringList({"tabWidget_2: QTabWidget"_s, "tabWidget_2Page2: QWidget hidden"_s,
-                "label: QLabel \"Battery voltage\""_s, "progressBar: QProgressBar"_s,
-                "label_2: QLabel \"Error Status\""_s, "line: QFrame"_s,
-                "label_3: QLabel \"Charge status\""_s, "label_4: QLabel \"Powersource: \""_s,
-                "tabWidget_2Page1: QWidget"_s,
-                "comboBoxMode: QComboBox [Power settings at start-up | Current power settings]"_s,
-                "checkBoxCAN: QCheckBox \"CAN power\" checked"_s,
-                "checkBoxExtFan: QCheckBox \"External fan power\""_s,
-                "checkBoxVideo_1: QCheckBox \"Video Ch 1\" checked"_s,
-                "checkBoxVideo_2: QCheckBox \"Video Ch 2\""_s,
-                "checkBoxVideo_3: QCheckBox \"Video Ch 3\" checked"_s,
-                "checkBoxVideo_4: QCheckBox \"Video Ch 4\""_s,
-                "icon: QLabel energy.png centred"_s}));
-        for (const char *label : {"label", "label_2", "label_3"})
-            QCOMPARE(child<QLabel>(&page, label)->textFormat(), Qt::PlainText);
-        const auto *level = child<QProgressBar>(&page, "progressBar");
-        QCOMPARE(level->value(), 24);
-        QCOMPARE(level->minimum(), 0);
-        QCOMPARE(level->maximum(), 100);
-        QCOMPARE(child<QFrame>(&page, "line")->frameShape(), QFrame::HLine);
-        const auto *tabs = child<QTabWidget>(&page, "tabWidget_2");
-        QCOMPARE(tabs->count(), 2);
-        QCOMPARE(tabs->currentIndex(), 0);
-        QCOMPARE(tabs->tabText(0), "Power"_s);
-        QCOMPARE(tabs->tabText(1), "Battery"_s);
-        QCOMPARE(tabs->indexOf(child<QWidget>(&page, "tabWidget_2Page2")), 1);
-    }
-
-    void layout()
-    {
-        tabPowerDlg page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(layoutFaults(&page), QStringList());
     }
 
     void layoutHoldsLongTexts()

@@ -13,8 +13,7 @@
 #include <memory>
 #include <thread>
 
-using support::child;
-using support::operator""_s;
+using namespace support;
 
 /** The Telematics page but for its modem console, which has a test of its own. */
 class TelematicsPageTest : public PageTest
@@ -24,8 +23,6 @@ class TelematicsPageTest : public PageTest
 private slots:
     void init();
     void cleanup();
-    void form();
-    void layout();
     void constructionAndDestruction();
     void storedNamesAreShownAndKept();
     void namesWithoutSetting_data();
@@ -83,8 +80,8 @@ private:
         return child<QLineEdit>(&page, edit)->text();
     }
 
-    std::unique_ptr<support::PseudoTerminal> gps;
-    std::unique_ptr<support::PseudoTerminal> gsm;
+    std::unique_ptr<PseudoTerminal> gps;
+    std::unique_ptr<PseudoTerminal> gsm;
 };
 
 namespace {
@@ -111,7 +108,7 @@ QByteArray fullChunk(const QByteArray &text)
 /** A program that ends while the GPS tab shows and its thread is in a read. */
 int endWhileReading(int argc, char *argv[])
 {
-    support::prepareEnvironment();
+    prepareEnvironment();
     const QApplication application(argc, argv);
     tabTelematicsDlg page;
     page.show();
@@ -130,7 +127,7 @@ int endWhileReading(int argc, char *argv[])
 void TelematicsPageTest::init()
 {
     PageTest::init();
-    support::useNoOtherLines();
+    useNoOtherLines();
 }
 
 void TelematicsPageTest::cleanup()
@@ -145,8 +142,8 @@ void TelematicsPageTest::cleanup()
 /** A receiver and a modem under the names that the unit holds. */
 void TelematicsPageTest::useLines()
 {
-    gsm = std::make_unique<support::PseudoTerminal>();
-    gps = std::make_unique<support::PseudoTerminal>();
+    gsm = std::make_unique<PseudoTerminal>();
+    gps = std::make_unique<PseudoTerminal>();
     gsm->setName("COM3"_s);
     gps->setName("COM4"_s);
 }
@@ -176,86 +173,6 @@ void TelematicsPageTest::leaveGpsTab(const QWidget &page)
     });
     tabs(page)->setCurrentIndex(0);
     talker.join();
-}
-
-void TelematicsPageTest::form()
-{
-    tabTelematicsDlg page;
-    QCOMPARE(page.objectName(), "tabTelematics"_s);
-    QCOMPARE(page.windowTitle(), "Telematics"_s);
-    QCOMPARE(page.size(), QSize(595, 319));
-    QCOMPARE(tabs(page)->currentIndex(), 0);
-    QCOMPARE(tabs(page)->count(), 3);
-    QCOMPARE(tabs(page)->tabText(0), "Settings"_s);
-    QCOMPARE(tabs(page)->tabText(1), "GPS"_s);
-    QCOMPARE(tabs(page)->tabText(2), "GSM/GPRS"_s);
-    QVERIFY(!tabs(page)->usesScrollButtons());
-    QCOMPARE(support::widgets(&page),
-        QStringList({"tabWidget: QTabWidget"_s, "tabGsm: QWidget hidden"_s,
-            "editPinStatus: QLineEdit \"PIN code status: Unknown\" read-only"_s,
-            "editPin: QLineEdit \"\" tip \"Enter PIN code\""_s,
-            "pushButtonSetPin: QPushButton \" Set PIN \""_s,
-            "pushButtonGetPIN: QPushButton \"Get PIN status\""_s,
-            "editNetworkStatus: QLineEdit \"Network status: Unknown\" read-only"_s,
-            "pushButtonGetNetwork: QPushButton \"Get network status\""_s,
-            "editTestCall: QLineEdit \"Send SMS\" read-only"_s,
-            "editNumber: QLineEdit \"\" tip \"Phone number to send to\""_s,
-            "editSMStext: QLineEdit \"SMS text\" tip \"Enter the text to send\""_s,
-            "pushButtonCall: QPushButton \"Send\""_s,
-            "editTestCall_2: QLineEdit \"Custom AT command:\" read-only"_s,
-            "editCustomAT: QLineEdit \"\" tip \"Enter a custom AT command\""_s,
-            "pushButtonCustomExec: QPushButton \"\""_s,
-            "textEditGSM: QPlainTextEdit \"\" read-only"_s, "tabGps: QWidget hidden"_s,
-            "groupBox_2: QGroupBox \"GPS data\""_s, "label: QLabel \"Date and time:  \""_s,
-            "editGpsDate: QLineEdit \"INVALID\" read-only"_s, "label_3: QLabel \"Position:\""_s,
-            "editGpsPos: QLineEdit \"INVALID\" read-only"_s,
-            "label_4: QLabel \"Satelites in fix:\""_s,
-            "editGpsSat: QLineEdit \"INVALID\" read-only"_s, "label_5: QLabel \"Altitude:\""_s,
-            "editGpsAlt: QLineEdit \"INVALID\" read-only"_s, "label_6: QLabel \"Speed:\""_s,
-            "editGpsSpeed: QLineEdit \"INVALID\" read-only"_s, "label_7: QLabel \"Accuracy:\""_s,
-            "editGpsAcc: QLineEdit \"\" read-only"_s,
-            "textEdit: QPlainTextEdit \"\" read-only hidden"_s,
-            "label_GPSantenna: QLabel \"GPS antenna status: OK\""_s,
-            "buttonToggleData: QPushButton \"Serial data\" hidden"_s, "tabSettings: QWidget"_s,
-            "checkBoxGPRS: QCheckBox \"GSM/GPRS Enabled\""_s,
-            "checkBoxGPRS_Startup: QCheckBox \"Enabled at start-up\""_s,
-            "checkBoxWLAN: QCheckBox \"WLAN Enabled\""_s,
-            "checkBoxWLAN_Startup: QCheckBox \"Enabled at start-up\""_s,
-            "checkBoxBT: QCheckBox \"Bluetooth Enabled\""_s,
-            "checkBoxBT_Startup: QCheckBox \"Enabled at start-up\""_s,
-            "checkBoxGPS: QCheckBox \"GPS Enabled\""_s,
-            "checkBoxGPS_Startup: QCheckBox \"Enabled at start-up\""_s,
-            "label_9: QLabel \"GSM/GPRS device:\""_s, "lineEditGSMdev: QLineEdit \"COM3\""_s,
-            "label_8: QLabel \"GPS device:\""_s, "lineEditGPSdev: QLineEdit \"COM4\""_s,
-            "lineEditAvailInterfaces: QLineEdit \"Available interfaces: "
-            "Bluetooth, WLAN, GSM/GPRS, GPS\""_s,
-            "icon: QLabel Globe.png"_s}));
-    QVERIFY(child<QLabel>(&page, "icon")->hasScaledContents());
-    const QSize size(32, 32);
-    QCOMPARE(child<QPushButton>(&page, "pushButtonCustomExec")->icon().pixmap(size).toImage(),
-        QIcon(":/VornSettings/Resources/ok.png"_s).pixmap(size).toImage());
-    const auto *raw = child<QPlainTextEdit>(&page, "textEdit");
-    QVERIFY(raw->isReadOnly());
-    QCOMPARE(raw->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
-    QCOMPARE(raw->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
-    QCOMPARE(raw->lineWrapMode(), QPlainTextEdit::WidgetWidth);
-    const auto *modem = child<QPlainTextEdit>(&page, "textEditGSM");
-    QVERIFY(modem->isReadOnly());
-    QCOMPARE(modem->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
-    QCOMPARE(modem->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
-    QCOMPARE(modem->lineWrapMode(), QPlainTextEdit::WidgetWidth);
-    QVERIFY(child<QWidget>(&page, "buttonToggleData")->isHidden());
-}
-
-void TelematicsPageTest::layout()
-{
-    tabTelematicsDlg page;
-    QStringList views; // that lie over one another and take turns
-    for (const char *name :
-        {"label", "editGpsDate", "label_3", "editGpsPos", "label_4", "editGpsSat", "label_5",
-            "editGpsAlt", "label_6", "editGpsSpeed", "label_7", "editGpsAcc"})
-        views << QString::fromLatin1(name) + ": lies over textEdit"_s;
-    QCOMPARE(support::layoutFaults(&page), views);
 }
 
 void TelematicsPageTest::constructionAndDestruction()
@@ -572,10 +489,10 @@ void TelematicsPageTest::switchesWriteTheirState()
     tabTelematicsDlg page;
     page.show();
     calls();
-    support::click(&page, box.constData());
+    click(&page, box.constData());
     QCOMPARE(calls(), QStringList({"Telematics_"_s + operation + "(0) = 0"_s}));
     QCOMPARE(unit(property), "0"_s);
-    support::click(&page, box.constData());
+    click(&page, box.constData());
     QCOMPARE(calls(), QStringList({"Telematics_"_s + operation + "(1) = 0"_s}));
 }
 
@@ -606,7 +523,7 @@ void TelematicsPageTest::failingSwitch()
     page.show();
     fault("Telematics_"_s + operation, code);
     const bool before = child<QCheckBox>(&page, box.constData())->isChecked();
-    support::click(&page, box.constData());
+    click(&page, box.constData());
     QVERIFY(child<QCheckBox>(&page, box.constData())->isChecked() != before);
     QCOMPARE(boxes(&page), QStringList({errorBox(code, operation)}));
 }
@@ -666,7 +583,7 @@ void TelematicsPageTest::gpsTabShowsLiveData()
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
     QVERIFY(child<QWidget>(&page, "buttonToggleData")->isEnabled());
     QCOMPARE(gps->speed(), 9600);
-    QCOMPARE(support::formatOf(gpsPort),
+    QCOMPARE(formatOf(gpsPort),
         (QList<int>{SERIAL_9600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     QVERIFY(gps->send(fullChunk(fix)));
     QTRY_COMPARE(text(page, "editGpsAcc"), "12.5 meters"_s);
@@ -729,7 +646,7 @@ void TelematicsPageTest::rawViewIsKept()
     tabTelematicsDlg page;
     page.show();
     tabs(page)->setCurrentIndex(1);
-    support::click(&page, "buttonToggleData");
+    click(&page, "buttonToggleData");
     leaveGpsTab(page);
     tabs(page)->setCurrentIndex(1);
     QVERIFY(child<QWidget>(&page, "textEdit")->isVisible());
@@ -796,7 +713,7 @@ void TelematicsPageTest::stopRightAfterASecondEntry()
     tabTelematicsDlg page;
     page.show();
     calls();
-    const support::SkippedPauses pauses;
+    const SkippedPauses pauses;
     int ended = 0;
     for (int round = 1; round <= 20; ++round) {
         dialogs.plan([&](QDialog *box) {
@@ -921,7 +838,7 @@ void TelematicsPageTest::tabChangesInOrder()
     const QStringList gpsPower{"Telematics_getGPSPowerStatus() = 0 [1]"_s};
 
     {
-        support::SkippedPauses pauses;
+        SkippedPauses pauses;
         tabs(page)->setCurrentIndex(2);
         QCOMPARE(pauses.take(), std::vector<int>{50}); // for the line to settle
     }
@@ -994,7 +911,7 @@ void TelematicsPageTest::gsmTabWithoutPower()
 
     // The switch is taken note of at the next change of the tab.
     tabs(page)->setCurrentIndex(0);
-    support::click(&page, "checkBoxGPRS");
+    click(&page, "checkBoxGPRS");
     tabs(page)->setCurrentIndex(2);
     for (const char *name : consoleButtons) {
         QVERIFY(child<QPushButton>(&page, name)->isEnabled());
@@ -1013,7 +930,7 @@ void TelematicsPageTest::gsmTabOpensAndClosesTheLine()
     tabs(page)->setCurrentIndex(2);
     QVERIFY(gsmPort);
     QCOMPARE(gsm->speed(), 57600);
-    QCOMPARE(support::formatOf(gsmPort),
+    QCOMPARE(formatOf(gsmPort),
         (QList<int>{SERIAL_57600, SERIAL_8_BITS, SERIAL_NO_PARITY, SERIAL_1_STOP_BIT}));
     page.hide();
     QVERIFY2(gsmPort, "leaving the page keeps the line");
@@ -1062,7 +979,7 @@ void TelematicsPageTest::gsmTabWithUnopenablePort()
     QCOMPARE(seen[0].icon, QMessageBox::Critical);
     QCOMPARE(seen[0].parent, static_cast<QWidget *>(&page));
     QVERIFY(!gsmPort);
-    support::click(&page, "pushButtonGetPIN");
+    click(&page, "pushButtonGetPIN");
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
@@ -1117,7 +1034,7 @@ void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
     QVERIFY(!child<QPushButton>(&page, "buttonToggleData")->isEnabled());
     QVERIFY(!threadStarts());
     QVERIFY(child<QPushButton>(&page, "pushButtonGetPIN")->isEnabled());
-    support::click(&page, "pushButtonGetPIN");
+    click(&page, "pushButtonGetPIN");
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
@@ -1125,7 +1042,7 @@ int main(int argc, char *argv[])
 {
     if (argc == 2 && qstrcmp(argv[1], endOnGpsTab) == 0)
         return endWhileReading(argc, argv);
-    support::prepareEnvironment();
+    prepareEnvironment();
     const QApplication application(argc, argv);
     TelematicsPageTest test;
     return QTest::qExec(&test, argc, argv);

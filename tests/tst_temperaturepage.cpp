@@ -1,4 +1,6 @@
+#include "frame/window/graphicalMode.h"
 #include "pages/tabTempDlg.h"
+#include "tests/support/PageForm.h"
 #include "tests/support/PageTest.h"
 
 #include <QGridLayout>
@@ -10,50 +12,7 @@ class TemperaturePageTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void form()
-    {
-        setProcessorSensors({{55, 0}, {45, 3}});
-        const tabTempDlg page;
-        QCOMPARE(page.objectName(), "tabTemp"_s);
-        QCOMPARE(page.windowTitle(), "Temperature"_s);
-        QCOMPARE(widgets(&page),
-            QStringList({"groupBox: QGroupBox \"Current temperature\""_s, "layoutWidget: QWidget"_s,
-                "label_2: QLabel \"System Supervisor:\""_s,
-                "editTemp_SS: QLineEdit \"\" read-only"_s, "label_3: QLabel \"PCB:\""_s,
-                "editTemp_PCB: QLineEdit \"\" read-only"_s, "label_5: QLabel \"CPU:\""_s,
-                "editTemp_CPU: QLineEdit \"\" read-only"_s, "label_4: QLabel \"CPU board:\""_s,
-                "editTemp_CPUBoard: QLineEdit \"\" read-only"_s,
-                "icon: QLabel thermometer.png centred"_s,
-                "buttonRefresh: QPushButton \"Refresh\""_s,
-                "editTemp: QLineEdit \"Hidden\" read-only hidden"_s,
-                "comboBoxSensor: QComboBox [System supervisor | PCB | CPU | CPU board] hidden"_s}));
-    }
-
-    void layout()
-    {
-        tabTempDlg page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 20, 431, 209));
-        QCOMPARE(child<QWidget>(&page, "layoutWidget")->geometry(), QRect(21, 40, 387, 143));
-        QCOMPARE(child<QWidget>(&page, "buttonRefresh")->geometry(), QRect(450, 250, 131, 51));
-        QCOMPARE(child<QWidget>(&page, "editTemp")->geometry(), QRect(94, 264, 260, 20));
-        QCOMPARE(child<QWidget>(&page, "comboBoxSensor")->geometry(), QRect(94, 288, 261, 22));
-        const auto *grid = page.findChild<QGridLayout *>("gridLayout"_s);
-        const char *const rows[][2] = {{"label_2", "editTemp_SS"}, {nullptr, nullptr},
-            {"label_3", "editTemp_PCB"}, {"label_5", "editTemp_CPU"},
-            {"label_4", "editTemp_CPUBoard"}};
-        for (int row = 0; row < 5; ++row) {
-            for (int column = 0; column < 2; ++column) {
-                QLayoutItem *item = grid->itemAtPosition(row, column);
-                QCOMPARE(item ? item->widget()->objectName() : QString(),
-                    QString::fromLatin1(rows[row][column]));
-            }
-        }
-        // The last two are never to be seen.
-        QCOMPARE(layoutFaults(&page, QRect(490, 30, 60, 60)),
-            QStringList({"editTemp: is clipped"_s, "comboBoxSensor: is clipped"_s,
-                "comboBoxSensor: is too low for a finger"_s}));
-    }
+    void initTestCase() { setApplicationLook(); }
 
     void remainingRowsKeepTheirPlace_data()
     {

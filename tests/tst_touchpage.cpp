@@ -1,11 +1,11 @@
 #include "pages/tabTouchDlg.h"
+#include "tests/support/PageForm.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/system.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
@@ -137,40 +137,6 @@ private slots:
         PageTest::cleanup();
     }
 
-    void form()
-    {
-        Page page;
-        // Its two paragraphs are read apart.
-        QTextDocument text;
-        text.setHtml(page.defaultsLabel->text());
-        QCOMPARE(text.toPlainText(), "Restore all \nadvanced settings"_s);
-        QVERIFY(page.defaultsLabel->text().contains("font-size:8pt"_s));
-        page.defaultsLabel->clear();
-        QCOMPARE(page.tabs->tabText(0), "Settings"_s);
-        QCOMPARE(page.tabs->tabText(1), "Advanced"_s);
-        QCOMPARE(page.tabs->indexOf(child<QWidget>(&page, "tab")), 0);
-        QCOMPARE(page.tabs->indexOf(child<QWidget>(&page, "tab_2")), 1);
-        QCOMPARE(page.objectName(), "tabTouch"_s);
-        QCOMPARE(page.windowTitle(), "Touch Screen"_s);
-        QCOMPARE(withoutTabBar(widgets(&page)),
-            QStringList({"icon: QLabel tablet.png centred"_s, "tabWidget: QTabWidget"_s,
-                "groupBox: QGroupBox \"Settings\""_s,
-                "comboBoxParameter: QComboBox [RightClickTime | LowLevel | UnTouchLevel | DebounceTime | DebounceTimeoutTime | DoubleClickMaxClickTime | DoubleClickTime | MaxRightClickDistance | UseDejitter | CalibrationWidth | CalibrationMeasurements]"_s,
-                "editTimeData: QLineEdit \"500\" tip \"Range: 0 to 65535\""_s,
-                "label_DataType: QLabel \"Milliseconds (0..65535)\""_s,
-                "pushButtonApplySetting: QPushButton \"Apply\""_s, "textEdit: QTextEdit"_s,
-                "groupSettings: QGroupBox \"Profile\""_s,
-                "checkBoxMouse: QCheckBox \"Use mouse profile\""_s,
-                "checkBox_Touch: QCheckBox \"Use touch profile\""_s,
-                "pushButtonApply: QPushButton \"Apply\""_s,
-                "pushButtonApplyNextBoot: QPushButton \"Apply at next boot\""_s,
-                "groupCalibration: QGroupBox \"Calibration\""_s,
-                "pushButtonCalib: QPushButton \"Calibrate Now\""_s,
-                "comboBoxCalib: QComboBox [5-point calibration | 13-point calibration] tip \"Use the 13p calibration if the 5p gives poor result at the edges of the display\""_s,
-                "label_defaults: QLabel \"\" centred hidden"_s,
-                "pushButtonDefaults: QPushButton \"Defaults\" hidden"_s}));
-    }
-
     // The form without its page, whose slots Qt then misses.
     void unitTextBeforeAnyParameter()
     {
@@ -187,19 +153,6 @@ private slots:
     void layout()
     {
         Page page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(page.tabs->count(), 2);
-        QCOMPARE(page.tabs->currentIndex(), 0);
-        QCOMPARE(page.value->maxLength(), 32767);
-        QVERIFY(page.value->alignment() & Qt::AlignRight);
-        QCOMPARE(page.defaults->parentWidget(), &page);
-        QCOMPARE(page.defaultsLabel->parentWidget(), &page);
-        QVERIFY(page.defaults->isHidden());
-        QVERIFY(page.defaultsLabel->isHidden());
-        for (const QWidget *unnamed : {static_cast<QWidget *>(page.points),
-                 static_cast<QWidget *>(page.parameter), static_cast<QWidget *>(page.dump)})
-            QVERIFY(!unnamed->accessibleName().isEmpty());
-        QCOMPARE(withoutTabBar(layoutFaults(&page)), QStringList());
         page.show();
         // All of a box can be pressed.
         QTest::mouseClick(page.mouse, Qt::LeftButton, Qt::NoModifier,

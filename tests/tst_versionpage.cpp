@@ -1,8 +1,6 @@
 #include "pages/tabVersionDlg.h"
 #include "tests/support/PageTest.h"
 
-#include <QFormLayout>
-
 using namespace support;
 
 namespace {
@@ -35,48 +33,6 @@ private slots:
         setUnit("Versions.vornAux"_s, "9.8.7.6"_s);
         setUnit("Versions.vornAuxDrv"_s, "4.3.2.1"_s);
         setUnit("Versions.os"_s, "0.0.0.0"_s);
-    }
-
-    void form()
-    {
-        const tabVersionDlg page;
-        QCOMPARE(page.objectName(), "tabVersion"_s);
-        QCOMPARE(page.windowTitle(), "Version"_s);
-        QCOMPARE(widgets(&page),
-            QStringList({"groupBox: QGroupBox \"Peripheral software\""_s,
-                "label_2: QLabel \"FPGA:\""_s, "editFPGA: QLineEdit \"\" read-only"_s,
-                "label_4: QLabel \"System Supervisor:\""_s, "editSS: QLineEdit \"\" read-only"_s,
-                "label_5: QLabel \"Front controller:\""_s, "editFront: QLineEdit \"\" read-only"_s,
-                "groupBox_2: QGroupBox \"Application interface\""_s,
-                "label: QLabel \"Vornaux API:\""_s, "editVornAux: QLineEdit \"\" read-only"_s,
-                "label_3: QLabel \"Vornsettings:\""_s,
-                "editVornSettings: QLineEdit \"\" read-only"_s,
-                "label_6: QLabel \"Vornaux Driver:\""_s,
-                "editVornAuxDrv: QLineEdit \"\" read-only"_s,
-                "groupBox_3: QGroupBox \"Operating System\""_s, "label_7: QLabel \"OS version:\""_s,
-                "editOS: QLineEdit \"\" read-only"_s, "icon: QLabel hwinfo.png centred"_s}));
-    }
-
-    void layout()
-    {
-        tabVersionDlg page;
-        QCOMPARE(page.size(), QSize(600, 320));
-        QCOMPARE(child<QWidget>(&page, "groupBox")->geometry(), QRect(10, 0, 431, 120));
-        QCOMPARE(child<QWidget>(&page, "groupBox_2")->geometry(), QRect(10, 121, 431, 120));
-        QCOMPARE(child<QWidget>(&page, "groupBox_3")->geometry(), QRect(10, 242, 431, 70));
-        QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox")->layout()));
-        QVERIFY(qobject_cast<QFormLayout *>(child<QWidget>(&page, "groupBox_2")->layout()));
-        QVERIFY(qobject_cast<QHBoxLayout *>(child<QWidget>(&page, "groupBox_3")->layout()));
-        QCOMPARE(layoutFaults(&page, QRect(490, 30, 60, 60)), QStringList());
-    }
-
-    void handleLivesWithThePage()
-    {
-        {
-            const tabVersionDlg page;
-            QCOMPARE(calls(), QStringList({"Versions_create()"_s}));
-        }
-        QCOMPARE(calls(), QStringList({"Versions_release()"_s}));
     }
 
     void showReadsAllVersions()

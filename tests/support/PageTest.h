@@ -7,30 +7,6 @@
 
 namespace support {
 
-/**
- * Every widget of a page's form in the form's order, one line each: object name, kind, and what
- * the form sets: caption, picture, range and steps, items, state, tool-tip.
- *
- *     label_2: QLabel Min.ico
- *     sliderFreq: QSlider 700 to 10000 by 10/100
- *     spinBoxPulses: QSpinBox 1 (0 to 99 by 1)
- *     comboBoxMode: QComboBox [Standard | Auto]
- *     buttonOn: QPushButton "Off" checkable
- *     labelLevel: QLabel "0" centred tip "Level"
- */
-QStringList widgets(const QWidget *page);
-
-/** Where most pages have their picture. */
-constexpr QRect usualIconPlace{525, 15, 60, 60};
-
-/**
- * What is wrong with the page's layout at 600x320 in the program's look: what is clipped,
- * lies outside its parent, over a neighbour or over a group's title strip, is less than 30 pixels
- * high where it is to be pressed, or an icon that isn't in its place. Hidden widgets and all tabs
- * count too. Shows the page for a moment.
- */
-QStringList layoutFaults(QWidget *page, const QRect &iconPlace = usualIconPlace);
-
 /** The captions of a list's items, in order. */
 QStringList items(const QComboBox *list);
 
