@@ -85,7 +85,7 @@ const QByteArray banner(const char *title)
 } // namespace
 
 /** The reader of reports on the reports of this very program. */
-class tst_reportreader : public PageTest
+class ReportReaderTest : public PageTest
 {
     Q_OBJECT
 
@@ -114,7 +114,7 @@ private:
 
 /** The report of the present unit holds nothing that the table of the reader doesn't know, and what
  *  the reader makes of it is the same report. */
-void tst_reportreader::look()
+void ReportReaderTest::look()
 {
     const QByteArray text = report();
     const Reading reading(text);
@@ -126,7 +126,7 @@ void tst_reportreader::look()
         seen.insert(entry.item);
 }
 
-void tst_reportreader::everyLineIsKnown_data()
+void ReportReaderTest::everyLineIsKnown_data()
 {
     QTest::addColumn<QString>("profile");
     QTest::addColumn<int>("code");
@@ -137,7 +137,7 @@ void tst_reportreader::everyLineIsKnown_data()
     }
 }
 
-void tst_reportreader::everyLineIsKnown()
+void ReportReaderTest::everyLineIsKnown()
 {
     QFETCH(QString, profile);
     QFETCH(int, code);
@@ -156,7 +156,7 @@ void tst_reportreader::everyLineIsKnown()
     look();
 }
 
-void tst_reportreader::randomUnits()
+void ReportReaderTest::randomUnits()
 {
     QRandomGenerator random(1);
     for (int round = 0; round < 200; ++round) {
@@ -180,19 +180,19 @@ void tst_reportreader::randomUnits()
 }
 
 /** A row of the reader's table that no report has is wrong, or of a report that is no more. */
-void tst_reportreader::everyRowStandsInAReport()
+void ReportReaderTest::everyRowStandsInAReport()
 {
     for (const reports::Item &item : reports::items())
         QVERIFY2(seen.count(&item), std::string(item.name).c_str());
 }
 
-void tst_reportreader::valuesAreTheUnits()
+void ReportReaderTest::valuesAreTheUnits()
 {
     useProfile("full"_s);
     setUnit("Battery.chargingStatus"_s, "1"_s);
     setUnit("Hardware.unitSerialNumber"_s, "Error(3) no "_s);
     setUnit("Hardware.mainHardwareVersion"_s, "N/A"_s);
-    std::vector<virtualunit::Property> pinned;
+    std::vector<virtualunit::Value> pinned;
     QCOMPARE(virtualunit::list(pinned), std::string());
     for (const auto &property : pinned) {
         if (property.range.find("or live") != std::string::npos)
@@ -226,7 +226,7 @@ void tst_reportreader::valuesAreTheUnits()
     QVERIFY2(compared > 120, QByteArray::number(compared).constData());
 }
 
-void tst_reportreader::failuresHaveTheirCodes()
+void ReportReaderTest::failuresHaveTheirCodes()
 {
     useProfile("full"_s);
     setUnit("Battery.chargingStatus"_s, "1"_s);
@@ -254,7 +254,7 @@ void tst_reportreader::failuresHaveTheirCodes()
 }
 
 /** What the About page saves, entry by entry of its list. */
-void tst_reportreader::savedSections()
+void ReportReaderTest::savedSections()
 {
     useProfile("full"_s);
     setUnit("Battery.chargingStatus"_s, "1"_s);
@@ -283,7 +283,7 @@ void tst_reportreader::savedSections()
     dialogs.take();
 }
 
-void tst_reportreader::rails_data()
+void ReportReaderTest::rails_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QByteArray>("number");
@@ -301,7 +301,7 @@ void tst_reportreader::rails_data()
 }
 
 /** Only what is a number for certain is taken for one; the text stands there all the same. */
-void tst_reportreader::rails()
+void ReportReaderTest::rails()
 {
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, number);
@@ -313,7 +313,7 @@ void tst_reportreader::rails()
     QCOMPARE(rail->unit.empty(), number.isEmpty());
 }
 
-void tst_reportreader::malformed_data()
+void ReportReaderTest::malformed_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QStringList>("unknown");
@@ -366,7 +366,7 @@ void tst_reportreader::malformed_data()
                                << true;
 }
 
-void tst_reportreader::malformed()
+void ReportReaderTest::malformed()
 {
     QFETCH(QByteArray, text);
     QFETCH(QStringList, unknown);
@@ -378,7 +378,7 @@ void tst_reportreader::malformed()
 }
 
 /** A log says anything, the report's own frame too. */
-void tst_reportreader::logs()
+void ReportReaderTest::logs()
 {
     useProfile("basic"_s);
     QByteArray whole = report();
@@ -396,5 +396,5 @@ void tst_reportreader::logs()
     QCOMPARE(reading.find("ADC data", "", "Voltage 12V")->number == "1", false);
 }
 
-VORN_TEST_MAIN(tst_reportreader)
+VORN_TEST_MAIN(ReportReaderTest)
 #include "tst_reportreader.moc"

@@ -52,7 +52,7 @@ QList<QByteArrayList> rowsOf(const QByteArray &csv)
 } // namespace
 
 /** The command line tool for reports, started as a user starts it. */
-class tst_vornreport : public PageTest
+class VornreportTest : public PageTest
 {
     Q_OBJECT
 
@@ -86,7 +86,7 @@ private:
     QByteArray report;
 };
 
-void tst_vornreport::init()
+void VornreportTest::init()
 {
     DeviceTest::init();
     folder = std::make_unique<QTemporaryDir>();
@@ -94,7 +94,7 @@ void tst_vornreport::init()
         report = generateSystemReport().toLatin1();
 }
 
-Outcome tst_vornreport::run(const QStringList &arguments, const QByteArray &input) const
+Outcome VornreportTest::run(const QStringList &arguments, const QByteArray &input) const
 {
     QProcess tool;
     tool.setWorkingDirectory(folder->path());
@@ -106,7 +106,7 @@ Outcome tst_vornreport::run(const QStringList &arguments, const QByteArray &inpu
     return {tool.exitCode(), tool.readAllStandardOutput(), tool.readAllStandardError()};
 }
 
-QString tst_vornreport::write(const QString &name, const QByteArray &text) const
+QString VornreportTest::write(const QString &name, const QByteArray &text) const
 {
     QFile file(folder->filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
@@ -115,7 +115,7 @@ QString tst_vornreport::write(const QString &name, const QByteArray &text) const
 }
 
 /** One object for each line; ends the test program where a line is none. */
-QList<QJsonObject> tst_vornreport::json(const QStringList &arguments, const QByteArray &input) const
+QList<QJsonObject> VornreportTest::json(const QStringList &arguments, const QByteArray &input) const
 {
     QList<QJsonObject> objects;
     const QByteArray out = run(QStringList{"json"_s} + arguments, input).out;
@@ -130,12 +130,12 @@ QList<QJsonObject> tst_vornreport::json(const QStringList &arguments, const QByt
     return objects;
 }
 
-void tst_vornreport::helps()
+void VornreportTest::helps()
 {
     const Outcome help = run({"--help"_s});
     QCOMPARE(help.exitCode, 0);
     QCOMPARE(help.err, QByteArray());
-    for (const char *command : {"json", "table", "diff", "check"}) {
+    for (const char *command : {"json", "table", "diff", "check", "html"}) {
         QVERIFY2(help.out.contains(command), command);
         const Outcome more = run({QString::fromLatin1(command), "--help"_s});
         QCOMPARE(more.exitCode, 0);
@@ -145,7 +145,7 @@ void tst_vornreport::helps()
     QCOMPARE(version.out, QByteArray("vornreport 2.7.2.0\n"));
 }
 
-void tst_vornreport::refusesWrongUsage_data()
+void VornreportTest::refusesWrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("nothing") << QStringList();
@@ -154,7 +154,7 @@ void tst_vornreport::refusesWrongUsage_data()
     QTest::newRow("unknown option") << QStringList{"json"_s, "--fast"_s, "x"_s};
 }
 
-void tst_vornreport::refusesWrongUsage()
+void VornreportTest::refusesWrongUsage()
 {
     QFETCH(QStringList, arguments);
     const Outcome outcome = run(arguments);
@@ -163,7 +163,7 @@ void tst_vornreport::refusesWrongUsage()
     QVERIFY(!outcome.err.isEmpty());
 }
 
-void tst_vornreport::writesJson()
+void VornreportTest::writesJson()
 {
     QByteArray text = report;
     text.replace("System report generated on: " + text.split('\n').at(1).mid(28),
@@ -188,13 +188,13 @@ void tst_vornreport::writesJson()
         R"({"error":null,"group":"","name":null,"section":"ADC data","text":"An unknown line","unit":null,"value":null})"_s));
     QVERIFY(lines.contains(
         R"({"error":null,"group":"","name":"Maximum temp","section":"Diagnostic data","text":")"_s +
-        "82 \260C\",\"unit\":\"\260C\",\"value\":82}"_s));
+        "82 \302\260C\",\"unit\":\"\302\260C\",\"value\":82}"_s));
     QVERIFY(lines.contains(
         R"({"error":null,"group":"CAN","name":"CAN1 Baud rate","section":"Settings","text":"250","unit":null,"value":250})"_s));
-    QVERIFY(lines.last().contains(R"("text":"a \"b\"\n\\\t)"_s + "\344"_s + R"(\n")"_s));
+    QVERIFY(lines.last().contains(R"("text":"a \"b\"\n\\\t)"_s + "\303\244"_s + R"(\n")"_s));
 }
 
-void tst_vornreport::writesTable()
+void VornreportTest::writesTable()
 {
     QByteArray text = report;
     text.replace("Unit serial number: VU-100-004711", "Unit serial number: a,\"b\" \344");
@@ -222,7 +222,7 @@ void tst_vornreport::writesTable()
 }
 
 /** All cores at work, and yet one report after the other. */
-void tst_vornreport::keepsTheOrder()
+void VornreportTest::keepsTheOrder()
 {
     QVERIFY(QDir(folder->path()).mkpath("many/deep"_s));
     QStringList expected;
@@ -247,7 +247,7 @@ void tst_vornreport::keepsTheOrder()
     QCOMPARE(names, expected);
 }
 
-void tst_vornreport::takesListsAndStandardInput()
+void VornreportTest::takesListsAndStandardInput()
 {
     write("a.txt"_s, report);
     write("b.txt"_s, report);
@@ -274,7 +274,7 @@ void tst_vornreport::takesListsAndStandardInput()
 }
 
 /** Each file that can't be read has its word, and the others go on. */
-void tst_vornreport::tellsTrouble()
+void VornreportTest::tellsTrouble()
 {
     write("good.txt"_s, report);
     write("empty.txt"_s, "");
@@ -295,7 +295,7 @@ void tst_vornreport::tellsTrouble()
 
 /** Texts of a unit stay texts, whatever they are; what isn't UTF-8 in a file's name neither harms.
  */
-void tst_vornreport::marksText()
+void VornreportTest::marksText()
 {
     QByteArray text = report;
     text.replace(
@@ -304,12 +304,12 @@ void tst_vornreport::marksText()
     const auto object = json({"one.txt"_s}).constFirst();
     bool found = false;
     for (const auto &value : object["entries"_s].toArray())
-        found = found || value.toObject()["text"_s].toString() == "\"},\1\x7f\200"_s;
+        found = found || value.toObject()["text"_s].toString() == "\"},\1\x7f\302\200"_s;
     QVERIFY(found);
 }
 
 /** What changed, counters and numbers by how much. */
-void tst_vornreport::comparesReports()
+void VornreportTest::comparesReports()
 {
     write("a.txt"_s, report + "");
     QByteArray text = report;
@@ -328,9 +328,9 @@ void tst_vornreport::comparesReports()
     QCOMPARE(outcome.exitCode, 1);
     QCOMPARE(QString::fromUtf8(outcome.out),
         "EEPROM data, Mainboard\n"
-        "  Unit serial number: VU-100-004711 -> \344\n"
+        "  Unit serial number: VU-100-004711 -> \303\244\n"
         "Diagnostic data\n"
-        "  Minimum temp: -19 \260C -> -25 \260C (-6 \260C)\n"
+        "  Minimum temp: -19 \302\260C -> -25 \302\260C (-6 \302\260C)\n"
         "  Number of power cycles: 1289 -> 1301 (+12)\n"
         "ADC data\n"
         "  (unknown line): absent -> Another line\n"
@@ -357,7 +357,7 @@ void tst_vornreport::comparesReports()
 }
 
 /** Living values move, and yet nothing has changed. */
-void tst_vornreport::sameUnitIsTheSame()
+void VornreportTest::sameUnitIsTheSame()
 {
     write("a.txt"_s, report);
     QCOMPARE(virtualunit::advanceClock(1000), std::string());
@@ -372,14 +372,14 @@ void tst_vornreport::sameUnitIsTheSame()
     QVERIFY(strict.out.startsWith("ADC data\n  Voltage 24V in: "));
 }
 
-void tst_vornreport::refusesTolerances_data()
+void VornreportTest::refusesTolerances_data()
 {
     QTest::addColumn<QString>("tolerance");
     for (const char *text : {"rai=2%", "rail", "rail=", "rail=x", "rail=-1", "rail=2%%", "=2"})
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 
-void tst_vornreport::refusesTolerances()
+void VornreportTest::refusesTolerances()
 {
     QFETCH(QString, tolerance);
     write("a.txt"_s, report);
@@ -388,7 +388,7 @@ void tst_vornreport::refusesTolerances()
     QVERIFY(outcome.err.contains("is no tolerance: "));
 }
 
-void tst_vornreport::everyProfileIsChecked_data()
+void VornreportTest::everyProfileIsChecked_data()
 {
     QTest::addColumn<QString>("profile");
     QTest::addColumn<QByteArrayList>("expected"); // how the findings begin
@@ -416,7 +416,7 @@ void tst_vornreport::everyProfileIsChecked_data()
 }
 
 /** What is sound is clean, and what is not is found. */
-void tst_vornreport::everyProfileIsChecked()
+void VornreportTest::everyProfileIsChecked()
 {
     QFETCH(QString, profile);
     QFETCH(QByteArrayList, expected);
@@ -436,7 +436,7 @@ void tst_vornreport::everyProfileIsChecked()
     }
 }
 
-void tst_vornreport::takesRules()
+void VornreportTest::takesRules()
 {
     const Outcome printed = run({"check"_s, "--print-rules"_s});
     write("builtin.json"_s, printed.out);
@@ -457,7 +457,7 @@ void tst_vornreport::takesRules()
                                  "WARN cut.txt: the report is not complete: cut\n"));
 }
 
-void tst_vornreport::refusesRules_data()
+void VornreportTest::refusesRules_data()
 {
     QTest::addColumn<QByteArray>("rules");
     QTest::addColumn<QByteArray>("words");
@@ -481,7 +481,7 @@ void tst_vornreport::refusesRules_data()
     QTest::newRow("type") << one(R"({"failed": 7, "reason": "x"})") << QByteArray("rule 1: ");
 }
 
-void tst_vornreport::refusesRules()
+void VornreportTest::refusesRules()
 {
     QFETCH(QByteArray, rules);
     QFETCH(QByteArray, words);
@@ -493,5 +493,5 @@ void tst_vornreport::refusesRules()
         outcome.err.constData());
 }
 
-VORN_TEST_MAIN(tst_vornreport)
+VORN_TEST_MAIN(VornreportTest)
 #include "tst_vornreport.moc"

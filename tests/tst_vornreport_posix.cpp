@@ -34,7 +34,7 @@ QStringList blocks(const QString &heading, const QString &kind)
 } // namespace
 
 /** vornreport beside other programs, and within limits that only POSIX systems set. */
-class tst_vornreport_posix : public PageTest
+class VornreportLimitsTest : public PageTest
 {
     Q_OBJECT
 
@@ -54,14 +54,14 @@ private:
     QByteArray words; ///< what the last script said on its standard error stream
 };
 
-void tst_vornreport_posix::init()
+void VornreportLimitsTest::init()
 {
     DeviceTest::init();
     folder = std::make_unique<QTemporaryDir>();
     report = generateSystemReport().toLatin1();
 }
 
-QByteArray tst_vornreport_posix::shell(const QString &script, int expected)
+QByteArray VornreportLimitsTest::shell(const QString &script, int expected)
 {
     QProcess process;
     auto environment = QProcessEnvironment::systemEnvironment();
@@ -77,7 +77,7 @@ QByteArray tst_vornreport_posix::shell(const QString &script, int expected)
     return process.readAllStandardOutput();
 }
 
-void tst_vornreport_posix::write(const QString &name, const QByteArray &text) const
+void VornreportLimitsTest::write(const QString &name, const QByteArray &text) const
 {
     QDir(folder->path()).mkpath("reports"_s);
     QFile file(folder->filePath(name));
@@ -86,7 +86,7 @@ void tst_vornreport_posix::write(const QString &name, const QByteArray &text) co
 }
 
 /** What the manual shows for SQLite, as it stands there. */
-void tst_vornreport_posix::sqliteExamples()
+void VornreportLimitsTest::sqliteExamples()
 {
     if (QStandardPaths::findExecutable("sqlite3"_s).isEmpty())
         QSKIP("no sqlite3 here");
@@ -111,7 +111,7 @@ void tst_vornreport_posix::sqliteExamples()
     QCOMPARE(answer(2), QByteArray("reports/c.txt|Second storage device|7\n"));
 }
 
-void tst_vornreport_posix::folderWithoutPermission()
+void VornreportLimitsTest::folderWithoutPermission()
 {
     write("reports/a.txt"_s, report);
     const QString locked = folder->filePath("locked"_s);
@@ -127,7 +127,7 @@ void tst_vornreport_posix::folderWithoutPermission()
     QVERIFY(QFile::setPermissions(locked, QFile::Permissions(0x7755)));
 }
 
-void tst_vornreport_posix::fullDisk()
+void VornreportLimitsTest::fullDisk()
 {
     write("reports/a.txt"_s, report);
     shell("vornreport table reports > /dev/full"_s, 2);
@@ -135,7 +135,7 @@ void tst_vornreport_posix::fullDisk()
 }
 
 /** A log of a gigabyte takes no more memory than one of a line. */
-void tst_vornreport_posix::hugeLog()
+void VornreportLimitsTest::hugeLog()
 {
 #ifdef __SANITIZE_ADDRESS__
     constexpr int size = 20'000'000; // it counts its own memory, and takes its time
@@ -157,5 +157,5 @@ void tst_vornreport_posix::hugeLog()
 #endif
 }
 
-VORN_TEST_MAIN(tst_vornreport_posix)
+VORN_TEST_MAIN(VornreportLimitsTest)
 #include "tst_vornreport_posix.moc"

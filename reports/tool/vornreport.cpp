@@ -2,6 +2,7 @@
 #include "reports/check.h"
 #include "reports/diff.h"
 #include "reports/exchange.h"
+#include "reports/html.h"
 #include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
@@ -187,6 +188,35 @@ void addCheck(CLI::App &app, Options &options)
     });
 }
 
+void addHtml(CLI::App &app, Options &options)
+{
+    auto *html = app.add_subcommand("html", "Prints one page to look at, for a browser or paper");
+    addFiles(*html, options);
+    html->add_option("--rules", options.rules, "A file with rules, instead of the built-in ones");
+    html->footer("Two reports stand side by side, several of one unit become trends.\n"
+                 "Example: vornreport html march.txt april.txt > page.html");
+    html->final_callback([&options] {
+        requireFiles(options);
+        attempt([&] {
+            const std::vector<Rule> rules = rulesOf(options);
+            Inputs inputs(options.files, options.list);
+            std::vector<Report> all;
+            bool sound = true;
+            for (Input input; inputs.next(input);) {
+                try {
+                    all.emplace_back(input);
+                } catch (const Trouble &trouble) {
+                    tell(trouble);
+                    sound = false;
+                }
+            }
+            if (!all.empty())
+                std::cout << htmlPage(all, rules);
+            leave(sound ? Done : InTrouble);
+        });
+    });
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -202,5 +232,6 @@ int main(int argc, char **argv)
     addExchange(app, options);
     addDiff(app, options);
     addCheck(app, options);
+    addHtml(app, options);
     return commandline::run(app, argc, argv);
 }
