@@ -69,6 +69,8 @@ QString statementFor(const QString &kind)
             "REPLACE INTO fault VALUES ('Buzzer_getVolume', 'no', 0, 0, 0)"},
         {QStringLiteral("text for a delay"),
             "REPLACE INTO delay VALUES ('Buzzer_getVolume', 'long')"},
+        {QStringLiteral("bytes for a string"),
+            "REPLACE INTO string VALUES ('key', CAST(x'FF' AS TEXT))"},
         {QStringLiteral("text for the clock"), "INSERT INTO unit VALUES ('clock', 'noon')"}};
     return QString::fromLatin1(statements[kind]);
 }
@@ -392,7 +394,7 @@ void UnitRobustnessTest::leavesBadFilesAlone_data()
     QTest::addColumn<QString>("kind");
     for (const char *kind : {"text", "zero bytes", "damaged middle", "cut", "foreign database",
              "folder", "below a file", "text for a value", "text for a time", "text for a pin",
-             "text for a fault", "text for a delay", "text for the clock"})
+             "text for a fault", "text for a delay", "text for the clock", "bytes for a string"})
         QTest::newRow(kind) << QString::fromLatin1(kind);
 }
 
@@ -432,7 +434,7 @@ void UnitRobustnessTest::leavesBadFilesAlone()
             unit.write(QByteArray(int(unit.size()) - 100, '\xA5'));
         } else if (kind == QLatin1String("cut")) {
             unit.resize(unit.size() / 2);
-        } else if (kind.startsWith(QLatin1String("text for"))) {
+        } else if (kind.contains(QLatin1String(" for "))) {
             execute(file, statementFor(kind));
         } else {
             path = file + QLatin1String("/unit.sqlite");
@@ -444,7 +446,7 @@ void UnitRobustnessTest::leavesBadFilesAlone()
         return bad.open(QIODevice::ReadOnly) ? bad.readAll() : QByteArray();
     };
     const auto before = content();
-    if (kind.startsWith(QLatin1String("text for"))) {
+    if (kind.contains(QLatin1String(" for "))) {
         QVERIFY(!virtualunit::open(path.toStdString()).empty());
         uint16_t volume = 0;
         QCOMPARE(Buzzer_getVolume(DeviceHandle<Buzzer_create, Buzzer_release>(), &volume), 9);

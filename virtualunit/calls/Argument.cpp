@@ -50,9 +50,9 @@ std::string journalText(const FirmwareUpgradeStatus &status)
     return listed({status.state, status.percent, status.errorCode});
 }
 
-Argument Argument::flag(const DeviceBool *out)
+Argument Argument::flag(DeviceBool *out)
 {
-    Argument argument(const_cast<DeviceBool *>(out));
+    Argument argument(out);
     argument.printer = printFlag;
     return argument;
 }

@@ -53,7 +53,7 @@ public:
         , isPointer(true)
     {}
     /** A buffer that is filled with a text on success; the caller gives its size. */
-    Argument(char *buffer, std::uint32_t size)
+    Argument(const char *buffer, std::uint32_t size)
         : object(buffer)
         , printer(printText)
         , way(Way::Buffer)
@@ -61,7 +61,7 @@ public:
         , bufferSize(size)
     {}
     /** A DeviceBool, which is filled on success; other bytes have the same type. */
-    static Argument flag(const DeviceBool *out);
+    static Argument flag(DeviceBool *out);
 
     bool isGiven() const { return way != Way::Filled; }
     bool isFilled() const { return way != Way::Given; }

@@ -73,13 +73,18 @@ T wholeNumber(const Json &json)
                     std::to_string(highest) + ".");
 }
 
+Failure strangeFault(const std::string &operation, const std::string &what)
+{
+    return malformed("the fault of " + operation + " " + what);
+}
+
 Fault readFault(const std::string &operation, const Json &json)
 {
     if (!json.is_object())
         return {wholeNumber<DeviceCode>(json)};
     Fault fault;
     if (!json.contains("code"))
-        throw malformed("the fault of " + operation + " has no code.");
+        throw strangeFault(operation, "has no code.");
     for (const auto &[name, number] : json.items()) {
         if (name == "code")
             fault.code = wholeNumber<DeviceCode>(number);
@@ -88,7 +93,7 @@ Fault readFault(const std::string &operation, const Json &json)
         else if (name == "after")
             fault.after = wholeNumber<std::uint32_t>(number);
         else
-            throw malformed("the fault of " + operation + " knows no \"" + name + "\".");
+            throw strangeFault(operation, "knows no \"" + name + "\".");
     }
     return fault;
 }

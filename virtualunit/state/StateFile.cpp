@@ -1,5 +1,7 @@
 #include "virtualunit/state/StateFile.h"
 
+#include "virtualunit/state/Assignment.h"
+
 #include <cmath>
 #include <iterator>
 
@@ -42,6 +44,17 @@ bool plausible(const Property &property, const Cell &cell)
         return within({property.reports.low - 1, property.reports.high + 1}, cell.number);
     try {
         checkedText(property, cell.text);
+        return true;
+    } catch (const Failure &) {
+        return false;
+    }
+}
+
+/** A string, or the key of one, as the operations may have stored it. */
+bool storable(const std::string &text)
+{
+    try {
+        checkedString(text);
         return true;
     } catch (const Failure &) {
         return false;
@@ -166,8 +179,11 @@ void StateFile::loadCells(Snapshot &snapshot)
         snapshot.cells[index] = cell;
     }
     auto strings = database.prepare("SELECT name, value FROM string");
-    while (strings.step())
+    while (strings.step()) {
+        if (!storable(strings.text(0)) || !storable(strings.text(1)))
+            throw damaged("a stored string makes no sense");
         snapshot.strings[strings.text(0)] = strings.text(1);
+    }
     auto faults = database.prepare("SELECT operation, code, times, after, seen FROM fault");
     while (faults.step()) {
         snapshot.faults[faults.text(0)] = {static_cast<std::int32_t>(faults.integer(1)),

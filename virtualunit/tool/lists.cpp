@@ -172,6 +172,7 @@ void printValues(const std::vector<std::string> &names, Format format)
 {
     // Nothing is printed unless all of them are there.
     std::vector<std::string> values;
+    values.reserve(names.size());
     for (const auto &name : names)
         values.push_back(valueOf(name));
     if (format == Format::Text)
