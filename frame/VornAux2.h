@@ -437,11 +437,11 @@ VORNAUX2_API void Config_release(ConfigHandle handle);
 VORNAUX2_API DeviceCode Config_getStartupTriggerConfig(ConfigHandle handle, int32_t *trigger);
 /** Sets it. */
 VORNAUX2_API DeviceCode Config_setStartupTriggerConfig(ConfigHandle handle, int32_t trigger);
-/** How long the front button is pressed to start the computer, in milliseconds. */
+/** The front button's press time, in milliseconds. */
 VORNAUX2_API DeviceCode Config_getFrontBtnTrigTime(ConfigHandle handle, uint16_t *milliseconds);
 /** Sets it. */
 VORNAUX2_API DeviceCode Config_setFrontBtnTrigTime(ConfigHandle handle, uint16_t milliseconds);
-/** How long the on/off signal lasts to start the computer, in seconds. */
+/** The on/off signal's time, in seconds. */
 VORNAUX2_API DeviceCode Config_getExtOnOffSigTrigTime(ConfigHandle handle, uint32_t *seconds);
 /** Sets it. */
 VORNAUX2_API DeviceCode Config_setExtOnOffSigTrigTime(ConfigHandle handle, uint32_t seconds);

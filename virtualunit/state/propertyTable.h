@@ -254,8 +254,8 @@ inline constexpr auto properties = std::to_array<Property>({
 
     choice("Config.startupTrigger", 1, 3, 1, "(1 button, 2 signal, 3 both)",
         "what starts the computer"),
-    integer("Config.frontBtnTrigTime", 0, 65535, 2500, "ms", "front button press to start"),
-    integer("Config.extOnOffSigTrigTime", 0, UINT32_MAX, 2, "s", "on/off signal to start"),
+    integer("Config.frontBtnTrigTime", 0, 65535, 2500, "ms", "press time of the front button"),
+    integer("Config.extOnOffSigTrigTime", 0, UINT32_MAX, 2, "s", "time of the on/off signal"),
     integer("Config.suspendMaxTime", 0, 65535, 120, "min", "longest time in suspend, 0 no limit")
         .needing("Feature.suspend"),
     onOff("Config.canStartupPower", true, "CAN power at start-up").needing("Hardware.canCount"),
