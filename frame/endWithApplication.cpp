@@ -5,6 +5,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -13,7 +14,7 @@ constexpr int longestEnd = 10000; // milliseconds, for all threads together
 
 struct Ending {
     QThread *thread;
-    std::atomic<std::uint8_t> *keepRunning;
+    std::function<void()> stop;
 };
 
 std::vector<Ending> &endings()
@@ -25,7 +26,7 @@ std::vector<Ending> &endings()
 void endAll()
 {
     for (const Ending &ending : endings())
-        ending.keepRunning->store(0, std::memory_order_relaxed);
+        ending.stop();
     const QDeadlineTimer end(longestEnd);
     for (const Ending &ending : endings()) {
         if (ending.thread->wait(end))
@@ -49,10 +50,10 @@ void deleteEnded()
 
 } // namespace
 
-void endWithApplication(QThread *thread, std::atomic<std::uint8_t> &keepRunning)
+void endWithApplication(QThread *thread, std::function<void()> stop)
 {
     if (endings().empty())
         qAddPostRoutine(endAll);
     deleteEnded();
-    endings().push_back({thread, &keepRunning});
+    endings().push_back({thread, std::move(stop)});
 }

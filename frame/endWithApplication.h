@@ -1,16 +1,15 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
+#include <functional>
 
 class QThread;
 
 /**
  * Takes a thread over from a page that neither waits for it nor deletes it. Both are done when the
- * application object goes, after the last window: the flag, at which the thread ends, is set to 0
- * then. A thread that takes more than 10 s to end is left to the end of the process.
+ * application object goes, after the last window; it is told to end then. A thread that takes more
+ * than 10 s to end is left to the end of the process.
  *
- * @param keepRunning lives as long as the process
+ * @param stop tells the thread to end, and doesn't wait for it
  * Main thread only.
  */
-void endWithApplication(QThread *thread, std::atomic<std::uint8_t> &keepRunning);
+void endWithApplication(QThread *thread, std::function<void()> stop);

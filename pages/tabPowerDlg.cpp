@@ -59,7 +59,7 @@ tabPowerDlg::tabPowerDlg(QWidget *parent)
     loadCurrentSettings();
 
     monitor = new MyThread;
-    endWithApplication(monitor, batteryKeepRunning);
+    endWithApplication(monitor, [] { batteryKeepRunning.store(0, std::memory_order_relaxed); });
     monitor->start(QThread::InheritPriority);
     // It sets its flag itself; a stop that came before that would be lost. Without a battery it has
     // cleared the flag again and is about to end, and on a system without a thread to spare it

@@ -1,7 +1,6 @@
 #include "telematics/MyGPSThread.h"
 
 #include "frame/DeviceHandle.h"
-#include "telematics/telematicsState.h"
 
 #include <array>
 #include <cstring>
@@ -11,7 +10,8 @@ namespace {
 constexpr unsigned long pauseBetweenChunks = 10; // milliseconds
 constexpr int mostLabelsUnderWay = 500;
 
-/** A thread that its page gave up ends by itself, though the next one has set the flag again. */
+/** The flag is everybody's: a thread whose page has left it ends though the next one has set the
+ *  flag again, and one that was stopped before it came to set the flag itself. */
 bool keepsRunning()
 {
     return gpsKeepRunning.load(std::memory_order_relaxed) != 0 &&
@@ -39,9 +39,14 @@ MyGPSThread::MyGPSThread()
     connect(this, &MyGPSThread::newLabel, this, [this] { --labelsUnderWay; });
 }
 
+void MyGPSThread::stop()
+{
+    requestInterruption();
+    reading.request();
+}
+
 void MyGPSThread::run()
 {
-    GpsLineShare line;
     gpsKeepRunning.store(1, std::memory_order_relaxed);
     GpsFields fields;
     DeviceHandle<Telematics_create, Telematics_release> telematics;
@@ -51,7 +56,7 @@ void MyGPSThread::run()
         showAntenna(antennaText(code, antenna));
         std::array<char, 512> buffer{};
         // A result would say nothing that the buffer doesn't: what came in time is there.
-        serialRead(gpsPort, buffer.data(), buffer.size());
+        serialRead(gpsPort, buffer.data(), buffer.size(), &reading);
         const std::string_view chunk(buffer.data(), ::strnlen(buffer.data(), buffer.size()));
         if (chunk.empty())
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 /**
@@ -20,6 +21,7 @@ enum SerialResult : std::int32_t {
     SERIAL_PARITY_REFUSED = 5,    ///< parity code out of range
     SERIAL_STOP_BITS_REFUSED = 6, ///< stop bits code out of range
     SERIAL_TIMED_OUT = 7,         ///< silence before the requested count was reached
+    SERIAL_STOPPED = 8,           ///< a SerialStop ended the read
 };
 
 /** Codes of the line speeds, in baud. The code 1 has none. */
@@ -58,10 +60,38 @@ enum SerialStopBitsCode : std::int32_t {
 /** Silence in milliseconds after which a read gives up. */
 inline constexpr std::int32_t serialSilence = 3000;
 
+/** Time in milliseconds without a byte going out after which a write gives up. */
+inline constexpr std::int32_t serialStandstill = 5000;
+
+/**
+ * Ends the reads of one reader from another thread: the one that waits, at once, and all that
+ * begin later, before they take anything from the line. Lives longer than these reads.
+ */
+class SerialStop
+{
+public:
+    SerialStop();
+    ~SerialStop();
+    SerialStop(const SerialStop &) = delete;
+    SerialStop &operator=(const SerialStop &) = delete;
+
+    /** Any thread, any number of times. There is no way back. */
+    void request();
+    bool isRequested() const { return requested.load(std::memory_order_relaxed); }
+
+    /** The system's own object that a waiting read looks at: a descriptor or an event. */
+    std::intptr_t signal() const { return wakeUp; }
+
+private:
+    std::atomic<bool> requested{false};
+    const std::intptr_t wakeUp;
+};
+
 /**
  * Opens the line of that name, such as "COM3", for reading and writing. Null if there is no such
- * line, if the name stands for something else than a serial line, or if somebody holds it. Never
- * waits for a carrier. The record belongs to the caller, who gives it to serialClose.
+ * line or if somebody holds it; whether a name that stands for something else than a serial line is
+ * refused here or by serialConfigure is up to the system. The record belongs to the caller, who
+ * gives it to serialClose.
  */
 SerialPort *serialOpen(const char *name);
 
@@ -72,15 +102,22 @@ SerialPort *serialOpen(const char *name);
 std::int32_t serialConfigure(SerialPort *port, std::int32_t baudCode, std::int32_t dataBitsCode,
     std::int32_t parityCode, std::int32_t stopBitsCode);
 
-/** Writes all bytes, however long the line takes; SERIAL_OK or SERIAL_NO_LINE. */
+/**
+ * Writes all bytes and returns when they are out, however long that takes; SERIAL_OK, or
+ * SERIAL_NO_LINE if the line is gone. A line that stands still for serialStandstill counts as gone;
+ * on Windows it is left to the driver to find that out.
+ */
 std::int32_t serialWrite(SerialPort *port, const void *bytes, std::uint32_t count);
 
 /**
  * Fills the buffer. SERIAL_OK when it is full, SERIAL_TIMED_OUT when the line has been silent for
  * serialSilence before that; what came until then is in the buffer, the rest of which keeps what
  * it held. A line that vanished is a silent one. Adds no zero byte.
+ *
+ * @param stop ends the read with SERIAL_STOPPED when it is requested; may be null
  */
-std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count);
+std::int32_t serialRead(
+    SerialPort *port, void *buffer, std::uint32_t count, const SerialStop *stop = nullptr);
 
 /** Drops what waits to be sent. Bytes received but not read yet stay. Null is allowed. */
 void serialPurge(SerialPort *port);

@@ -1,18 +1,21 @@
 #include "telematics/serialPort_posix.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <iterator>
 #include <memory>
 #include <new>
+#include <thread>
 
 #include <fcntl.h>
 #include <limits.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -52,15 +55,23 @@ bool findLine(const char *name, Path &path)
     return length > 0 && static_cast<std::size_t>(length) < path.size();
 }
 
+/** Makes that open line this caller's alone. The lock is for our own kind, and goes with its
+ * holder; the exclusiveness is for everybody, but lets the super user pass, who has to ask for it.
+ */
+bool holdAlone(int handle)
+{
+    int heldByAnother = 0;
+    // What is no serial line knows nothing of these requests.
+    return ::flock(handle, LOCK_EX | LOCK_NB) == 0 &&
+           ::ioctl(handle, TIOCGEXCL, &heldByAnother) == 0 && heldByAnother == 0 &&
+           ::ioctl(handle, TIOCEXCL) == 0;
+}
+
 /** The descriptor of that serial line for this caller alone, or -1. */
 int openExclusively(const char *path)
 {
     const int handle = ::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (handle == invalidHandle)
-        return invalidHandle;
-    // What is no serial line knows no TIOCEXCL. The lock refuses also root, whom that lets pass.
-    const bool ours = ::flock(handle, LOCK_EX | LOCK_NB) == 0 && ::ioctl(handle, TIOCEXCL) == 0;
-    if (ours)
+    if (handle == invalidHandle || holdAlone(handle))
         return handle;
     ::close(handle);
     return invalidHandle;
@@ -151,106 +162,131 @@ bool setWorkingState(const SerialPort *port)
            ::cfgetospeed(&taken) == ::cfgetospeed(&port->workingState);
 }
 
-constexpr long nanosecondsPerMillisecond = 1'000'000;
-constexpr long nanosecondsPerSecond = 1'000'000'000;
-
-/** The time of serialSilence from now on a clock that nobody sets. */
-timespec endOfSilence()
-{
-    timespec end{};
-    ::clock_gettime(CLOCK_MONOTONIC, &end);
-    end.tv_sec += serialSilence / 1000;
-    end.tv_nsec += serialSilence % 1000 * nanosecondsPerMillisecond;
-    if (end.tv_nsec >= nanosecondsPerSecond) {
-        end.tv_nsec -= nanosecondsPerSecond;
-        ++end.tv_sec;
-    }
-    return end;
-}
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
 /** Milliseconds until then, rounded up; 0 if it has passed. */
-int millisecondsUntil(const timespec &end)
+int millisecondsUntil(Clock::time_point end)
 {
-    timespec now{};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    const auto nanoseconds =
-        static_cast<long long>(end.tv_sec - now.tv_sec) * nanosecondsPerSecond +
-        (end.tv_nsec - now.tv_nsec);
-    if (nanoseconds <= 0)
-        return 0;
-    return static_cast<int>(
-        (nanoseconds + nanosecondsPerMillisecond - 1) / nanosecondsPerMillisecond);
+    const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
+    return static_cast<int>(std::max(left, milliseconds::zero()).count());
 }
 
-void sleepUntil(const timespec &end)
+/** Waits until bytes can be read. False at the end, or when the signal of a stop comes. A line that
+ *  is gone, or none (-1), is waited for all the same: callers turn in loops that only the silence
+ *  slows down. */
+bool waitForBytes(int handle, int stopSignal, Clock::time_point end)
 {
-    while (::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
-    }
-}
-
-/** Waits until bytes can be read. False at the end of the silence, which a line that is gone keeps
- *  too: its callers turn in loops that only the silence slows down. */
-bool waitForBytes(int handle, const timespec &end)
-{
+    pollfd waitedFor[] = {{handle, POLLIN, 0}, {stopSignal, POLLIN, 0}}; // but for what is -1
+    pollfd &line = waitedFor[0];
+    const pollfd &stop = waitedFor[1];
     for (;;) {
-        pollfd line{handle, POLLIN, 0};
         const int wait = millisecondsUntil(end);
-        const int ready = ::poll(&line, 1, wait);
+        const int ready = ::poll(waitedFor, std::size(waitedFor), wait);
+        if (ready > 0 && stop.revents != 0)
+            return false;
         if (ready > 0 && (line.revents & POLLIN) != 0)
             return true;
-        if (ready > 0 || (ready < 0 && errno != EINTR)) {
-            sleepUntil(end);
-            return false;
-        }
-        if (wait == 0)
+        if (ready > 0)
+            line.fd = invalidHandle;
+        if (ready < 0 && errno != EINTR)
+            std::this_thread::sleep_until(end);
+        if (ready <= 0 && wait == 0)
             return false;
     }
 }
 
-/** At most so many bytes of what is there, waiting for the first one; 0 after the silence. */
-std::uint32_t readSome(int handle, char *buffer, std::uint32_t count)
+/** At most so many bytes of what is there, waiting for the first one; 0 after the silence or when
+ *  the signal of a stop comes. */
+std::uint32_t readSome(int handle, char *buffer, std::uint32_t count, int stopSignal)
 {
-    const timespec end = endOfSilence();
+    const auto end = Clock::now() + milliseconds(serialSilence);
     for (;;) {
         const auto got = ::read(handle, buffer, count);
         if (got > 0)
             return static_cast<std::uint32_t>(got);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
-            sleepUntil(end);
-            return 0;
-        }
-        if (!waitForBytes(handle, end))
+        const bool nothingYet = got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+        if (!waitForBytes(nothingYet ? handle : invalidHandle, stopSignal, end))
             return 0;
     }
 }
 
-constexpr int millisecondsForRoom = 100;
+bool isStopped(const SerialStop *stop)
+{
+    return stop != nullptr && stop->isRequested();
+}
 
-/** At most so many bytes, waiting for room without end; 0 if the line takes no more. */
+// The system tells of room that a reader made, and not of what it made itself when it passed bytes
+// on, nor of bytes that have gone out; so who waits looks again from time to time.
+constexpr int millisecondsForRoom = 100;
+constexpr milliseconds forBytesToGo(2);
+
+/** At most so many bytes, waiting for room; 0 if the line is gone or stands still. */
 std::uint32_t writeSome(int handle, const char *bytes, std::uint32_t count)
 {
+    const auto end = Clock::now() + milliseconds(serialStandstill);
     for (;;) {
         const auto taken = ::write(handle, bytes, count);
         if (taken >= 0)
             return static_cast<std::uint32_t>(taken);
-        if (errno == EAGAIN || errno == EWOULDBLOCK) {
-            // The system tells of room that a reader made, and not of what it made itself when it
-            // passed bytes on; so who waits looks again from time to time.
-            pollfd line{handle, POLLOUT, 0};
-            const int ready = ::poll(&line, 1, millisecondsForRoom);
-            if (ready > 0 && (line.revents & POLLOUT) == 0)
-                return 0;
-            if (ready < 0 && errno != EINTR)
-                return 0;
-        } else if (errno != EINTR) {
+        if (errno == EINTR)
+            continue;
+        if ((errno != EAGAIN && errno != EWOULDBLOCK) || Clock::now() >= end)
             return 0;
-        }
+        pollfd line{handle, POLLOUT, 0};
+        const int ready = ::poll(&line, 1, millisecondsForRoom);
+        if (ready > 0 && (line.revents & POLLOUT) == 0)
+            return 0;
+        if (ready < 0 && errno != EINTR)
+            return 0;
     }
 }
 
+/** Waits until what was written is out; false if the line is gone or stands still. */
+bool waitUntilSent(int handle)
+{
+    int before = 0;
+    if (::ioctl(handle, TIOCOUTQ, &before) != 0)
+        return false;
+    auto end = Clock::now() + milliseconds(serialStandstill);
+    for (int waiting = before; waiting > 0; before = waiting) {
+        std::this_thread::sleep_for(forBytesToGo);
+        if (::ioctl(handle, TIOCOUTQ, &waiting) != 0)
+            return false;
+        if (waiting < before)
+            end = Clock::now() + milliseconds(serialStandstill);
+        else if (Clock::now() >= end)
+            return false;
+    }
+    // That was the system's queue, for which this call would wait without end. What is left are
+    // some bytes in the hardware.
+    int result = 0;
+    do {
+        result = ::tcdrain(handle);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
 } // namespace
+
+// Without a descriptor to spare, a waiting read is not woken and keeps its silence.
+SerialStop::SerialStop()
+    : wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{}
+
+SerialStop::~SerialStop()
+{
+    if (wakeUp != invalidHandle)
+        ::close(static_cast<int>(wakeUp));
+}
+
+void SerialStop::request()
+{
+    requested.store(true, std::memory_order_relaxed);
+    ::eventfd_write(static_cast<int>(wakeUp), 1); // fails if so many have come before
+}
 
 SerialPort *serialOpen(const char *name)
 {
@@ -301,6 +337,8 @@ std::int32_t serialWrite(SerialPort *port, const void *bytes, std::uint32_t coun
 {
     if (!isUsable(port))
         return SERIAL_NO_LINE;
+    if (count == 0)
+        return SERIAL_OK;
     const auto *next = static_cast<const char *>(bytes);
     while (count > 0) {
         const auto taken = writeSome(port->handle, next, count);
@@ -309,17 +347,20 @@ std::int32_t serialWrite(SerialPort *port, const void *bytes, std::uint32_t coun
         next += taken;
         count -= taken;
     }
-    return SERIAL_OK;
+    return waitUntilSent(port->handle) ? SERIAL_OK : SERIAL_NO_LINE;
 }
 
-std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count)
+std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count, const SerialStop *stop)
 {
     if (!isUsable(port))
         return SERIAL_NO_LINE;
+    const int stopSignal = stop ? static_cast<int>(stop->signal()) : invalidHandle;
     auto *next = static_cast<char *>(buffer);
     while (count > 0) {
-        const auto got = readSome(port->handle, next, count);
-        if (got == 0)
+        if (isStopped(stop))
+            return SERIAL_STOPPED;
+        const auto got = readSome(port->handle, next, count, stopSignal);
+        if (got == 0 && !isStopped(stop))
             return SERIAL_TIMED_OUT;
         next += got;
         count -= got;

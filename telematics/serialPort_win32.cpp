@@ -1,6 +1,8 @@
 #include "telematics/serialPort_win32.h"
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -83,7 +85,64 @@ void storeTransparency(DCB &state)
     state.fAbortOnError = FALSE;
 }
 
+/** What is there, else the first bytes to come, else nothing after the silence. */
+DWORD readSome(HANDLE handle, char *buffer, DWORD count)
+{
+    // The system counts no bytes when it fails, and bytes alone are what is wanted.
+    DWORD got = 0;
+    ReadFile(handle, buffer, count, &got, nullptr);
+    return got;
+}
+
+/**
+ * The same, ended by a stop. A line that is opened for transfers at once gives nothing to wait for
+ * beside it, and a transfer that is cancelled must have begun; so this looks from time to time
+ * whether there is something to read.
+ */
+DWORD readSome(HANDLE handle, char *buffer, DWORD count, const SerialStop &stop)
+{
+    using std::chrono::milliseconds;
+    using Clock = std::chrono::steady_clock;
+    constexpr DWORD lookInterval = 10; // milliseconds
+
+    const auto end = Clock::now() + milliseconds(serialSilence);
+    const auto signal = reinterpret_cast<HANDLE>(stop.signal());
+    while (!stop.isRequested()) {
+        COMSTAT status{};
+        if (ClearCommError(handle, nullptr, &status) && status.cbInQue > 0) {
+            if (const DWORD got = readSome(handle, buffer, std::min(count, status.cbInQue)))
+                return got;
+        }
+        if (Clock::now() >= end)
+            return 0;
+        if (WaitForSingleObject(signal, lookInterval) == WAIT_FAILED)
+            Sleep(lookInterval);
+    }
+    return 0;
+}
+
+bool isStopped(const SerialStop *stop)
+{
+    return stop != nullptr && stop->isRequested();
+}
+
 } // namespace
+
+// Without an event, a stop is seen at the next look.
+SerialStop::SerialStop()
+    : wakeUp(reinterpret_cast<std::intptr_t>(CreateEventW(nullptr, TRUE, FALSE, nullptr)))
+{}
+
+SerialStop::~SerialStop()
+{
+    CloseHandle(reinterpret_cast<HANDLE>(wakeUp));
+}
+
+void SerialStop::request()
+{
+    requested.store(true, std::memory_order_relaxed);
+    SetEvent(reinterpret_cast<HANDLE>(wakeUp));
+}
 
 SerialPort *serialOpen(const char *name)
 {
@@ -151,16 +210,17 @@ std::int32_t serialWrite(SerialPort *port, const void *bytes, std::uint32_t coun
     return SERIAL_OK;
 }
 
-std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count)
+std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count, const SerialStop *stop)
 {
     if (!isUsable(port))
         return SERIAL_NO_LINE;
     auto *next = static_cast<char *>(buffer);
     while (count > 0) {
-        // The system counts no bytes when it fails, and bytes alone are what is wanted.
-        DWORD got = 0;
-        ReadFile(port->handle, next, count, &got, nullptr);
-        if (got == 0)
+        if (isStopped(stop))
+            return SERIAL_STOPPED;
+        const DWORD got =
+            stop ? readSome(port->handle, next, count, *stop) : readSome(port->handle, next, count);
+        if (got == 0 && !isStopped(stop))
             return SERIAL_TIMED_OUT;
         next += got;
         count -= static_cast<std::uint32_t>(got);

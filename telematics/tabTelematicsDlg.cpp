@@ -3,6 +3,7 @@
 #include "frame/deviceStatus.h"
 #include "frame/endWithApplication.h"
 #include "platform/platform.h"
+#include "telematics/rawView.h"
 #include "telematics/telematicsState.h"
 
 #include <array>
@@ -32,12 +33,13 @@ QString portName(SettingsHandle settings, const char *key, const char *usual)
     return QString::fromUtf8(name.data()); // as the page stores it; other texts are Latin-1
 }
 
-/** Leaves a thread to end when its read does. What is left of it has nothing to show. */
+/** Leaves a thread to end when its read or its device call does, but no later than the program.
+ *  What is left of it has nothing to show. */
 void giveUp(MyGPSThread *thread)
 {
     thread->disconnect();
     thread->requestInterruption();
-    endWithApplication(thread, gpsKeepRunning);
+    endWithApplication(thread, [thread] { thread->stop(); });
 }
 
 } // namespace
@@ -314,11 +316,7 @@ void tabTelematicsDlg::enterGsmTab()
         return refuseConsole(QStringLiteral("Please enable GSM/GPRS power!"));
     if (!hasGsm)
         return refuseConsole(QStringLiteral("GSM/GPRS is not available!"));
-    for (QPushButton *button : {ui->pushButtonCall, ui->pushButtonCustomExec,
-             ui->pushButtonGetNetwork, ui->pushButtonGetPIN, ui->pushButtonSetPin}) {
-        button->setEnabled(true);
-        button->setToolTip(QString());
-    }
+    enableConsole(true, {});
     if (!gsmPort)
         openGsmPort();
     platform::pause(lineSettling);
@@ -326,12 +324,17 @@ void tabTelematicsDlg::enterGsmTab()
 
 void tabTelematicsDlg::refuseConsole(const QString &reason)
 {
+    enableConsole(false, reason);
+    ui->textEditGSM->insertPlainText(reason);
+}
+
+void tabTelematicsDlg::enableConsole(bool enabled, const QString &toolTip)
+{
     for (QPushButton *button : {ui->pushButtonCall, ui->pushButtonCustomExec,
              ui->pushButtonGetNetwork, ui->pushButtonGetPIN, ui->pushButtonSetPin}) {
-        button->setEnabled(false);
-        button->setToolTip(reason);
+        button->setEnabled(enabled);
+        button->setToolTip(toolTip);
     }
-    ui->textEditGSM->insertPlainText(reason);
 }
 
 void tabTelematicsDlg::leaveGsmTab()
@@ -365,17 +368,13 @@ void tabTelematicsDlg::enterGpsTab()
 void tabTelematicsDlg::startGpsThread()
 {
     if (gpsThread) { // a dialog on the way let the tab be entered a second time
+        gpsThread->stop();
         giveUp(gpsThread);
-        gpsKeepRunning.store(0, std::memory_order_relaxed); // it is the new one's from here on
     }
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
-    // It sets its flag itself; a stop that came before that would be lost.
-    while (gpsKeepRunning.load(std::memory_order_relaxed) == 0 && gpsThread->isRunning())
-        platform::pause(1);
-    connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::insertPlainText);
-    // Else the view would stay at the first lines.
-    connect(gpsThread, &MyGPSThread::newText, ui->textEdit, &QPlainTextEdit::ensureCursorVisible);
+    connect(gpsThread, &MyGPSThread::newText, ui->textEdit,
+        [view = ui->textEdit](const QString &text) { addRawText(view, text); });
     connect(gpsThread, &MyGPSThread::newTime, ui->editGpsDate, &QLineEdit::setText);
     connect(gpsThread, &MyGPSThread::newPos, ui->editGpsPos, &QLineEdit::setText);
     connect(gpsThread, &MyGPSThread::newSat, ui->editGpsSat, &QLineEdit::setText);
@@ -394,6 +393,7 @@ void tabTelematicsDlg::leaveGpsTab()
     if (!gpsThread)
         return;
     MyGPSThread *thread = std::exchange(gpsThread, nullptr);
+    thread->stop();
     if (thread->wait(longestThreadEnd))
         delete thread;
     else

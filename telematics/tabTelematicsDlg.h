@@ -66,6 +66,7 @@ private:
     void openGsmPort();
     void enterGsmTab();
     void refuseConsole(const QString &reason);
+    void enableConsole(bool enabled, const QString &toolTip);
     void leaveGsmTab();
     void enterGpsTab();
     void startGpsThread();

@@ -2,8 +2,6 @@
 
 #include "platform/platform.h"
 
-#include <utility>
-
 std::atomic<SerialPort *> gpsPort{nullptr};
 SerialPort *gsmPort = nullptr;
 std::atomic<std::uint8_t> gpsKeepRunning{0};
@@ -29,7 +27,7 @@ GpsLineShare::GpsLineShare()
 
 void GpsLineShare::giveBack()
 {
-    if (!std::exchange(held, false))
+    if (!held.exchange(false))
         return;
     int count = shares;
     while (!shares.compare_exchange_weak(count, count == 1 ? closing : count - 1)) {

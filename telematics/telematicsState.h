@@ -18,8 +18,8 @@ extern std::atomic<SerialPort *> gpsPort;
 
 /**
  * A share in gpsPort: whoever gives the last one back closes the line and clears gpsPort. There is
- * more than one GPS thread only while an earlier one still sits in a read that outlasted its page's
- * patience; the line mustn't go from under either of them.
+ * more than one GPS thread only while an earlier one still sits in a device call that outlasted its
+ * page's patience; the line mustn't go from under either of them.
  */
 class GpsLineShare
 {
@@ -30,11 +30,11 @@ public:
     GpsLineShare(const GpsLineShare &) = delete;
     GpsLineShare &operator=(const GpsLineShare &) = delete;
 
-    /** Before the end of the scope. */
+    /** Before the end of the scope; any thread. */
     void giveBack();
 
 private:
-    bool held = true;
+    std::atomic<bool> held{true};
 };
 
 /** The line to the modem; null when closed. Main thread only. */

@@ -4,6 +4,7 @@
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/SerialLine.h"
 #include "tests/support/system.h"
+#include "virtualunit/VirtualUnit.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
@@ -409,6 +410,58 @@ private slots:
         QTRY_VERIFY(reader.labels.size() > 3);
         QVERIFY(reader.thread.isRunning());
         QVERIFY(reader.stop());
+    }
+
+    void stopWakesTheRead()
+    {
+        const PseudoTerminal line;
+        gpsPort = openLine(line);
+        Reader reader;
+        reader.start();
+        QThread::msleep(100); // behind the label comes the read
+        QElapsedTimer timer;
+        timer.start();
+        reader.thread.stop();
+        QVERIFY(reader.thread.waitForEnd());
+        QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void stopRightAfterTheStart()
+    {
+        PseudoTerminal line;
+        for (int round = 0; round < 50; ++round) {
+            gpsPort = openLine(line);
+            Reader reader;
+            QElapsedTimer timer;
+            timer.start();
+            reader.thread.start();
+            reader.thread.stop();
+            QVERIFY(reader.thread.waitForEnd());
+            QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+            QVERIFY(gpsPort == nullptr);
+        }
+    }
+
+    void stoppedThreadLeavesTheBytes()
+    {
+        PseudoTerminal line;
+        gpsPort = openLine(line);
+        GpsLineShare share; // as the next thread has one
+        QCOMPARE(virtualunit::setDelay("Telematics_getGPSAntennaStatus", 500), std::string());
+        Reader reader;
+        reader.thread.start();
+        QStringList made;
+        QTRY_VERIFY((made += calls()).contains(QStringLiteral("Telematics_create()")));
+        QVERIFY(line.send("for the next"));
+        reader.thread.stop();
+        QVERIFY(reader.thread.waitForEnd());
+        QCOMPARE(reader.raw, QStringList());
+        QByteArray bytes(12, '\0');
+        QCOMPARE(serialRead(gpsPort, bytes.data(), 12), 0);
+        QCOMPARE(bytes, QByteArray("for the next"));
+        share.giveBack();
+        QVERIFY(gpsPort == nullptr);
     }
 
     void vanishingLine()

@@ -102,7 +102,7 @@ void GpsVisitsTest::manyVisits()
                 QVERIFY(QTest::qWaitFor([&] { return position->text() != "INVALID"_s; }));
             tabs->setCurrentIndex(0);
             QVERIFY(!gpsPort.load());
-            QCOMPARE(pauses.take().front(), 50); // behind it come those for the thread's start
+            QCOMPARE(pauses.take(), std::vector<int>{50});
             QCoreApplication::processEvents();
         }
     };

@@ -12,8 +12,12 @@
 #include <functional>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -92,14 +96,57 @@ double processorSeconds()
     return double(used.tv_sec) + double(used.tv_nsec) / 1e9;
 }
 
+// What a pseudo-terminal never does and other lines may; the linker leads the layer's calls here.
+// Without an answer of the test's, the system's own is given.
+std::function<int(pollfd *, nfds_t, int)> pollInstead;
+std::function<int(int, int *)> queueInstead; // the bytes that wait to be sent
+std::function<int()> drainInstead;
+
+int failure(int error)
+{
+    errno = error;
+    return -1;
+}
+
 } // namespace
+
+extern "C" {
+int systemPoll(pollfd *waitedFor, nfds_t count, int wait) __asm__("__real_poll");
+int testPoll(pollfd *waitedFor, nfds_t count, int wait) __asm__("__wrap_poll");
+int systemIoctl(int handle, unsigned long request, void *argument) __asm__("__real_ioctl");
+int testIoctl(int handle, unsigned long request, void *argument) __asm__("__wrap_ioctl");
+int systemDrain(int handle) __asm__("__real_tcdrain");
+int testDrain(int handle) __asm__("__wrap_tcdrain");
+}
+
+int testPoll(pollfd *waitedFor, nfds_t count, int wait)
+{
+    return pollInstead ? pollInstead(waitedFor, count, wait) : systemPoll(waitedFor, count, wait);
+}
+
+int testIoctl(int handle, unsigned long request, void *argument)
+{
+    return request == TIOCOUTQ && queueInstead ? queueInstead(handle, static_cast<int *>(argument))
+                                               : systemIoctl(handle, request, argument);
+}
+
+int testDrain(int handle)
+{
+    return drainInstead ? drainInstead() : systemDrain(handle);
+}
 
 class TestSerialPortPosix : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void cleanup() { qunsetenv("VORN_SERIAL_DIR"); }
+    void cleanup()
+    {
+        qunsetenv("VORN_SERIAL_DIR");
+        pollInstead = {};
+        queueInstead = {};
+        drainInstead = {};
+    }
 
     void namesThatAreNoLine_data()
     {
@@ -198,13 +245,8 @@ private slots:
     {
         const PseudoTerminal line;
         const QByteArray path = line.path();
-        // A process that ended without closing would leave the pseudo-terminal exclusive, which
-        // root alone is let past.
-        const auto openThere = [&path] {
-            SerialPort *port = serialOpen(path.constData());
-            serialClose(port);
-            return port ? 1 : 0;
-        };
+        // One that went without closing would leave the pseudo-terminal exclusive.
+        const auto openThere = [&path] { return Port(serialOpen(path.constData())) ? 1 : 0; };
         QCOMPARE(errorOfPlainOpen(path), 0);
         QCOMPARE(inOtherProcess(openThere), 1);
 
@@ -218,6 +260,20 @@ private slots:
         port.reset();
         QCOMPARE(errorOfPlainOpen(path), 0);
         QCOMPARE(inOtherProcess(openThere), 1);
+    }
+
+    void exclusivenessOfAnotherProgram()
+    {
+        const PseudoTerminal line;
+        const QByteArray path = line.path();
+        const int other = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        QVERIFY(other >= 0);
+        QCOMPARE(::ioctl(other, TIOCEXCL, nullptr), 0);
+        QCOMPARE(serialOpen(path.constData()), nullptr);
+        QCOMPARE(errorOfPlainOpen(path), EBUSY); // it still has what it asked for
+        QCOMPARE(::ioctl(other, TIOCNXCL, nullptr), 0);
+        QVERIFY(opened(line));
+        ::close(other);
     }
 
     void lineFormats_data()
@@ -458,7 +514,8 @@ private slots:
         QVERIFY(replying.send(reply));
         Reading shortReply{};
         Reading trickle{};
-        std::thread replyReader([&] { shortReply = read(replyingPort, 512); });
+        const SerialStop nobodys; // that nobody requests
+        std::thread replyReader([&] { shortReply = read(replyingPort, 512, &nobodys); });
         std::thread trickleReader([&] { trickle = read(tricklingPort, 16); });
         std::thread trickler([&trickling] {
             for (int byte = 0; byte < 3; ++byte) {
@@ -547,6 +604,155 @@ private slots:
         QVERIFY(milliseconds >= serialSilence);
     }
 
+    void writesReturnWhenTheBytesAreOut()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QStringList asked;
+        int waiting = 30;
+        queueInstead = [&](int, int *count) {
+            *count = waiting;
+            asked << QString::number(waiting);
+            waiting -= 10;
+            return 0;
+        };
+        drainInstead = [&] {
+            asked << QStringLiteral("drain");
+            return asked.size() == 5 ? failure(EINTR) : 0;
+        };
+        QCOMPARE(write(port, "bytes"), 0);
+        QCOMPARE(asked.join(QLatin1Char(' ')), QStringLiteral("30 20 10 0 drain drain"));
+        QCOMPARE(line.receive(5), QByteArray("bytes"));
+        QCOMPARE(write(port, ""), 0);
+        QCOMPARE(asked.size(), 6); // nothing to wait for
+    }
+
+    // Three lines at once, since each takes its seconds.
+    void standstills()
+    {
+        const PseudoTerminal unread;
+        const PseudoTerminal stuck;
+        const PseudoTerminal slow;
+        const Port unreadPort = configured(unread);
+        const Port stuckPort = configured(stuck);
+        const Port slowPort = configured(slow);
+        QElapsedTimer timer;
+        timer.start();
+        queueInstead = [&](int handle, int *count) { // of the slow line, one byte in 3 s
+            *count = handle == slowPort->handle ? 2 - int(timer.elapsed() / 3000) : 2;
+            return 0;
+        };
+        int unreadResult = -1;
+        int stuckResult = -1;
+        qint64 unreadTime = 0;
+        qint64 stuckTime = 0;
+        std::thread unreadWriter([&] {
+            unreadResult = write(unreadPort, QByteArray(200'000, 'm'));
+            unreadTime = timer.elapsed();
+        });
+        std::thread stuckWriter([&] {
+            stuckResult = write(stuckPort, "ab");
+            stuckTime = timer.elapsed();
+        });
+        const int slowResult = write(slowPort, "ab");
+        const auto slowTime = timer.elapsed();
+        unreadWriter.join();
+        stuckWriter.join();
+        QCOMPARE(unreadResult, 1);
+        QVERIFY(unreadTime >= serialStandstill - early);
+        QVERIFY(unreadTime < serialStandstill + late);
+        QCOMPARE(stuckResult, 1);
+        QVERIFY(stuckTime >= serialStandstill - early);
+        QVERIFY(stuckTime < serialStandstill + late);
+        QCOMPARE(slowResult, 0);
+        QVERIFY(slowTime >= 6000 - early);
+    }
+
+    void lineIsGoneBehindItsBytes()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        drainInstead = [] { return failure(EIO); };
+        QCOMPARE(write(port, "bytes"), 1);
+        queueInstead = [](int, int *) { return failure(EIO); };
+        drainInstead = {};
+        QCOMPARE(write(port, "bytes"), 1);
+    }
+
+    void queueIsLostWhileItIsWaitedFor()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        int times = 0;
+        queueInstead = [&times](int, int *count) {
+            *count = 10;
+            return ++times > 3 ? failure(EIO) : 0;
+        };
+        QCOMPARE(write(port, "bytes"), 1);
+        QCOMPARE(times, 4);
+    }
+
+    void failingPolls_data()
+    {
+        QTest::addColumn<int>("error");
+        QTest::addColumn<int>("event");
+        QTest::newRow("no memory") << ENOMEM << 0;
+        QTest::newRow("error on the line") << 0 << POLLERR;
+    }
+    void failingPolls()
+    {
+        QFETCH(int, error);
+        QFETCH(int, event);
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        pollInstead = [&](pollfd *waitedFor, nfds_t count, int wait) {
+            if (error)
+                return failure(error);
+            if (waitedFor[0].fd != port->handle)
+                return systemPoll(waitedFor, count, wait);
+            waitedFor[0].revents = static_cast<short>(event);
+            return 1;
+        };
+        const double before = processorSeconds();
+        const Reading reading = read(port, 4);
+        QCOMPARE(reading.result, 7);
+        QVERIFY(reading.milliseconds >= 3000 - early);
+        QVERIFY(reading.milliseconds < 3000 + late);
+
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(write(port, QByteArray(200'000, 'm')), 1); // there is no room for all of it
+        QVERIFY(timer.elapsed() < late);
+        QVERIFY(processorSeconds() - before < 0.2);
+    }
+
+    void interruptedPolls()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        int interruptions = 3;
+        pollInstead = [&](pollfd *waitedFor, nfds_t count, int wait) {
+            return interruptions-- > 0 ? failure(EINTR) : systemPoll(waitedFor, count, wait);
+        };
+        const Reading reading = read(port, 4);
+        QCOMPARE(reading.result, 7);
+        QVERIFY(reading.milliseconds >= 3000 - early);
+        QVERIFY(reading.milliseconds < 3000 + late);
+
+        // The line is full until the interruption makes room in it.
+        const QByteArray much(20'000, 'm');
+        QByteArray received;
+        interruptions = 1;
+        pollInstead = [&](pollfd *waitedFor, nfds_t count, int wait) {
+            if (waitedFor[0].fd != port->handle || interruptions-- <= 0)
+                return systemPoll(waitedFor, count, wait);
+            received = line.receive(int(much.size()), 500);
+            return failure(EINTR);
+        };
+        QCOMPARE(write(port, much), 0);
+        QCOMPARE(received + line.receiveAll(), much);
+    }
+
     void purgingDropsWhatWaits()
     {
         PseudoTerminal line;
@@ -623,6 +829,70 @@ private slots:
 
         QCOMPARE(write(port, "anybody?"), 1);
         serialPurge(port.get());
+    }
+
+    void stopWakesAWaitingRead()
+    {
+        PseudoTerminal line;
+        PseudoTerminal gone;
+        const Port port = configured(line);
+        const Port gonePort = configured(gone);
+        QVERIFY(line.send("part"));
+        gone.hangUp();
+        for (const Port *waiting : {&port, &gonePort}) {
+            SerialStop stop;
+            QElapsedTimer timer;
+            timer.start();
+            std::thread stopper([&stop] {
+                QTest::qSleep(300);
+                stop.request();
+                stop.request();
+            });
+            const Reading reading = read(*waiting, 16, &stop);
+            stopper.join();
+            QCOMPARE(reading.result, 8);
+            QCOMPARE(reading.bytes, padded(waiting == &port ? "part" : "", 16));
+            QVERIFY(reading.milliseconds >= 300 - early);
+            QVERIFY2(reading.milliseconds < 1500, qPrintable(QString::number(timer.elapsed())));
+        }
+    }
+
+    void stoppedReadsTakeNothing()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QVERIFY(line.send("kept"));
+        SerialStop stop;
+        QVERIFY(!stop.isRequested());
+        stop.request();
+        QVERIFY(stop.isRequested());
+        for (int time = 0; time < 2; ++time) {
+            const Reading reading = read(port, 4, &stop);
+            QCOMPARE(reading.result, 8);
+            QCOMPARE(reading.bytes, QByteArray(4, '\0'));
+        }
+        SerialStop another;
+        QCOMPARE(read(port, 4, &another).bytes, QByteArray("kept"));
+    }
+
+    void stopWithoutADescriptorToSpare()
+    {
+        const PseudoTerminal line;
+        const Port port = configured(line);
+        rlimit before{};
+        ::getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit none{3, before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        SerialStop stop;
+        ::setrlimit(RLIMIT_NOFILE, &before);
+        QCOMPARE(int(stop.signal()), -1);
+        std::thread stopper([&stop] {
+            QTest::qSleep(200);
+            stop.request();
+        });
+        QCOMPARE(read(port, 4, &stop).result, 8); // when the silence is over
+        stopper.join();
+        QCOMPARE(read(port, 4, &stop).result, 8);
     }
 
     void vanishesWhileWriting()

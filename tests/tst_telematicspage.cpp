@@ -8,10 +8,8 @@
 
 #include <QElapsedTimer>
 #include <QScrollBar>
-#include <QTemporaryDir>
 
 #include <memory>
-#include <thread>
 
 using namespace support;
 
@@ -52,11 +50,8 @@ private slots:
     void rawViewIsKept();
     void gpsTabWithUnopenablePort();
     void gpsTabEnteredAgainFromItsBox();
-    void stopRightAfterASecondEntry();
     void gpsPowerQueryFailureCountsAsOn();
     void pageGoesWhileTheThreadReads();
-    void threadOutlivesThePatience();
-    void programEndsWhileTheThreadReads();
     void tabChangesInOrder();
     void gsmPowerQueryFailureCountsAsOn_data();
     void gsmPowerQueryFailureCountsAsOn();
@@ -73,7 +68,7 @@ private:
     void useLines();
     static void addOffRows();
     bool threadStarts();
-    void leaveGpsTab(const QWidget &page);
+    static void leaveGpsTab(const QWidget &page) { tabs(page)->setCurrentIndex(0); }
     static QTabWidget *tabs(const QWidget &page) { return child<QTabWidget>(&page, "tabWidget"); }
     static QString text(const QWidget &page, const char *edit)
     {
@@ -97,29 +92,10 @@ const char *const consoleButtons[] = {"pushButtonCall", "pushButtonCustomExec",
 
 constexpr int threadEnd = 20000; // milliseconds, generous
 
-constexpr char endOnGpsTab[] = "--end-on-gps-tab";
-
 /** Zero bytes, which end a chunk's text, fill up what the thread's read waits for. */
 QByteArray fullChunk(const QByteArray &text)
 {
     return text.leftJustified(512, '\0');
-}
-
-/** A program that ends while the GPS tab shows and its thread is in a read. */
-int endWhileReading(int argc, char *argv[])
-{
-    prepareEnvironment();
-    const QApplication application(argc, argv);
-    tabTelematicsDlg page;
-    page.show();
-    child<QTabWidget>(&page, "tabWidget")->setCurrentIndex(1);
-    // The thread asks for the antenna, and then nothing keeps it from reading.
-    const auto reads = [] {
-        QFile journal(qEnvironmentVariable("VORN_JOURNAL"));
-        return journal.open(QIODevice::ReadOnly) &&
-               journal.readAll().contains("T2 Telematics_getGPSAntennaStatus(");
-    };
-    return QTest::qWaitFor(reads, threadEnd) && gpsPort.load() ? 0 : 1;
 }
 
 } // namespace
@@ -161,18 +137,6 @@ bool TelematicsPageTest::threadStarts()
 {
     QTest::qWait(200);
     return calls().count("Telematics_create()"_s) > 1;
-}
-
-/** Goes to the first tab, while the receiver says something that ends the thread's read. */
-void TelematicsPageTest::leaveGpsTab(const QWidget &page)
-{
-    std::thread talker([this] {
-        while (gpsKeepRunning.load() != 0)
-            QThread::msleep(1);
-        gps->send(QByteArray(512, '\n'));
-    });
-    tabs(page)->setCurrentIndex(0);
-    talker.join();
 }
 
 void TelematicsPageTest::constructionAndDestruction()
@@ -708,29 +672,6 @@ void TelematicsPageTest::gpsTabEnteredAgainFromItsBox()
     leaveGpsTab(page);
 }
 
-void TelematicsPageTest::stopRightAfterASecondEntry()
-{
-    tabTelematicsDlg page;
-    page.show();
-    calls();
-    const SkippedPauses pauses;
-    int ended = 0;
-    for (int round = 1; round <= 20; ++round) {
-        dialogs.plan([&](QDialog *box) {
-            tabs(page)->setCurrentIndex(0);
-            tabs(page)->setCurrentIndex(1);
-            box->accept();
-        });
-        tabs(page)->setCurrentIndex(1);
-        gpsKeepRunning = 0;
-        // A thread that were still to set its flag wouldn't hear of this.
-        QTRY_COMPARE((ended += int(calls().count("Telematics_release()"_s))), 2 * round);
-        QCOMPARE(int(gpsKeepRunning.load()), 0);
-        tabs(page)->setCurrentIndex(0);
-        dialogs.take();
-    }
-}
-
 void TelematicsPageTest::gpsPowerQueryFailureCountsAsOn()
 {
     useLines();
@@ -757,73 +698,6 @@ void TelematicsPageTest::pageGoesWhileTheThreadReads()
     QVERIFY(clock.elapsed() < 2000);
     QCOMPARE(int(gpsKeepRunning.load()), 0);
     QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
-}
-
-void TelematicsPageTest::threadOutlivesThePatience()
-{
-    useLines();
-    tabTelematicsDlg page;
-    page.show();
-    tabs(page)->setCurrentIndex(1);
-    QVERIFY(gps->send("slow"));
-    std::atomic<bool> over{false};
-    std::thread trickler([&] {
-        for (int tenths = 0; !over; ++tenths) {
-            if (tenths % 10 == 0)
-                gps->send(".");
-            QThread::msleep(100);
-        }
-    });
-    QElapsedTimer clock;
-    clock.start();
-    tabs(page)->setCurrentIndex(0);
-    const auto waited = clock.elapsed();
-    over = true;
-    trickler.join();
-    QVERIFY(waited >= 9900);
-    QVERIFY(waited < 15000);
-    QVERIFY(gpsPort.load());
-
-    // The next thread gets the line that the old one still reads from, and keeps it.
-    tabs(page)->setCurrentIndex(1);
-    calls();
-    QVERIFY(gps->send(QByteArray(512, '\n')));
-    const auto oldOneEnded = [&] { return calls().contains("Telematics_release()"_s); };
-    QVERIFY(QTest::qWaitFor(oldOneEnded, threadEnd));
-    QVERIFY(gpsPort.load());
-    QVERIFY(gps->send(QByteArray(512, '\n') + fullChunk(fix)));
-    QTRY_COMPARE(text(page, "editGpsSat"), "08"_s);
-    QVERIFY(!child<QPlainTextEdit>(&page, "textEdit")->toPlainText().contains("slow"_s));
-    leaveGpsTab(page);
-    QVERIFY(!gpsPort.load());
-}
-
-void TelematicsPageTest::programEndsWhileTheThreadReads()
-{
-    useLines();
-    const int speed = gps->speed();
-    const QTemporaryDir folder;
-    QProcess program;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("VORN_UNIT"_s, folder.filePath("unit.sqlite"_s));
-    environment.insert("VORN_JOURNAL"_s, folder.filePath("journal"_s));
-    environment.insert("XDG_RUNTIME_DIR"_s, folder.path()); // else Qt complains
-    program.setProcessEnvironment(environment);
-    QElapsedTimer clock;
-    clock.start();
-    program.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(endOnGpsTab)});
-    QVERIFY(program.waitForFinished(threadEnd));
-    QVERIFY(clock.elapsed() >= 2900); // the read's silence
-    QCOMPARE(program.readAllStandardError(), QByteArray());
-    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(program.exitCode(), 0);
-    // The thread came to its end: no handle is left, and the line is as it was.
-    QFile file(folder.filePath("journal"_s));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray journal = file.readAll();
-    QCOMPARE(journal.count("Telematics_create"), 2);
-    QCOMPARE(journal.count("Telematics_release"), 2);
-    QCOMPARE(gps->speed(), speed);
 }
 
 void TelematicsPageTest::tabChangesInOrder()
@@ -1038,14 +912,5 @@ void TelematicsPageTest::gsmTabInTheGpsTabsPlace()
     QCOMPARE(child<QPlainTextEdit>(&page, "textEditGSM")->toPlainText(), "No data received"_s);
 }
 
-int main(int argc, char *argv[])
-{
-    if (argc == 2 && qstrcmp(argv[1], endOnGpsTab) == 0)
-        return endWhileReading(argc, argv);
-    prepareEnvironment();
-    const QApplication application(argc, argv);
-    TelematicsPageTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+VORN_TEST_MAIN(TelematicsPageTest)
 #include "tst_telematicspage.moc"

@@ -18,13 +18,13 @@ Port configured(const PseudoTerminal &line)
     return port;
 }
 
-Reading read(const Port &port, int count)
+Reading read(const Port &port, int count, const SerialStop *stop)
 {
     Reading reading{0, QByteArray(count, '\0'), 0};
     QElapsedTimer timer;
     timer.start();
     reading.result =
-        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count));
+        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count), stop);
     reading.milliseconds = timer.elapsed();
     return reading;
 }

@@ -26,7 +26,7 @@ struct Reading {
     qint64 milliseconds; ///< that it took
 };
 
-Reading read(const Port &port, int count);
+Reading read(const Port &port, int count, const SerialStop *stop = nullptr);
 int write(const Port &port, const QByteArray &bytes);
 
 /** Codes of baud, data bits, parity and stop bits, as the record of the line has them: the kernel's
