@@ -82,15 +82,15 @@ std::string usageMessage(const CLI::App &app, const CLI::ParseError &error)
     return error.what();
 }
 
-int parse(CLI::App &app, int argc, char **argv)
+int parse(CLI::App &app, std::vector<std::string> arguments)
 {
     app.set_version_flag("--version", app.get_name() + " " + VORN_VERSION, "Prints the version");
-    auto arguments = virtualunit::system::arguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
+    int exitCode = Done;
     try {
         app.parse(arguments);
     } catch (const CLI::RuntimeError &error) {
-        return error.get_exit_code();
+        exitCode = error.get_exit_code();
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() != 0) {
             const auto message = usageMessage(app, error);
@@ -104,7 +104,7 @@ int parse(CLI::App &app, int argc, char **argv)
     std::cout.flush();
     if (!std::cout)
         throw Refusal{"The output can't be written"};
-    return Done;
+    return exitCode;
 }
 
 } // namespace
@@ -140,11 +140,17 @@ bool matches(std::string_view name, std::string_view filter)
 
 int run(CLI::App &app, int argc, char **argv) noexcept
 {
+    return run(app, virtualunit::system::arguments(argc, argv));
+}
+
+int run(CLI::App &app, std::vector<std::string> arguments) noexcept
+{
     virtualunit::system::prepareProcess();
     try {
-        return parse(app, argc, argv);
+        return parse(app, std::move(arguments));
     } catch (const Refusal &refusal) {
         std::cerr << app.get_name() << ": " << refusal.sentence << '\n';
+        return refusal.exitCode;
     } catch (const std::exception &exception) {
         std::cerr << app.get_name() << ": It went wrong: " << exception.what() << '\n';
     }

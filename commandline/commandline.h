@@ -15,10 +15,11 @@ namespace commandline {
 /** The exit codes that scripts may rely on. */
 enum ExitCode { Done = 0, Refused = 1, WrongUsage = 2 };
 
-/** Thrown where a tool can't do what it was asked to. The sentence, without a full stop of need,
- *  goes to the standard error stream behind the tool's name. */
+/** Thrown where a tool can't do what it was asked to. The sentence goes to the standard error
+ * stream behind the tool's name. */
 struct Refusal {
     std::string sentence;
+    int exitCode = Refused;
 };
 
 /** The candidate that the word was probably meant to be: the same but for case, or but for a few
@@ -42,5 +43,7 @@ bool matches(std::string_view name, std::string_view filter);
  * @return the exit code for main()
  */
 int run(CLI::App &app, int argc, char **argv) noexcept;
+/** The same with the arguments behind the program's name, for who takes some of them for itself. */
+int run(CLI::App &app, std::vector<std::string> arguments) noexcept;
 
 } // namespace commandline

@@ -1,3 +1,4 @@
+#include "commandline/commandline.h"
 #include "devicetools/check/watch.h"
 #include "virtualunit/system/system.h"
 
@@ -13,8 +14,8 @@ using check::Outcome;
 using check::Result;
 using check::Test;
 
-/// The exit codes that scripts may rely on.
-enum ExitCode { Passed = 0, Failed = 1, WrongUsage = 2 };
+/// The exit codes that scripts may rely on, beside those of all tools.
+enum ExitCode { Passed = 0, Failed = 1 };
 
 constexpr const char *words[] = {"PASS", "FAIL", "WARN", "SKIP"};
 
@@ -117,21 +118,45 @@ int checkLibrary(const Settings &settings)
 
 void checkNames(const std::vector<std::string> &names)
 {
+    std::vector<std::string> known;
+    for (const auto &test : check::tests)
+        known.emplace_back(test.name);
     for (const auto &name : names) {
-        if (std::none_of(check::tests.begin(), check::tests.end(),
-                [&](const Test &test) { return name == test.name; }))
-            throw check::CannotBegin{"There is no test \"" + name + "\"; --list shows all"};
+        if (std::find(known.begin(), known.end(), name) == known.end())
+            throw check::CannotBegin{commandline::unknown("test", name, known)};
     }
 }
 
-int run(std::vector<std::string> arguments)
+void run(const Settings &settings)
+try {
+    if (settings.list)
+        return listTests(settings.json);
+    if (settings.check.library.empty())
+        throw CLI::RequiredError("LIBRARY");
+    checkNames(settings.only);
+    if (const int code = checkLibrary(settings); code != Passed)
+        throw CLI::RuntimeError(code);
+} catch (const check::CannotBegin &error) {
+    throw commandline::Refusal{error.reason, commandline::WrongUsage};
+} catch (const CLI::Error &) {
+    throw;
+} catch (const std::exception &error) {
+    throw commandline::Refusal{error.what(), commandline::WrongUsage};
+}
+
+} // namespace
+
+int main(int argc, char **argv)
 {
+    const auto arguments = virtualunit::system::arguments(argc, argv);
+    if (check::isTestProcess(arguments))
+        return check::runTestProcess(arguments);
+
     CLI::App app("Looks whether a device library keeps the contract of VornAux2.h.");
     app.name("vorncheck");
     app.footer("Without --write and --firmware it only reads, and is safe on a unit in use.\n"
                "Exit codes: 0 no test failed, 1 one did, 2 the check can't begin.");
     Settings settings;
-    app.set_version_flag("--version", "vorncheck " VORN_VERSION);
     app.add_flag("--write", settings.check.write,
         "Also changes settings, each of which is put back; nothing that runs is switched off");
     app.add_flag("--power", settings.check.power,
@@ -145,40 +170,6 @@ int run(std::vector<std::string> arguments)
     app.add_flag("--list", settings.list, "Lists the tests instead of running them");
     app.add_flag("--json", settings.json, "Prints JSON");
     app.add_option("LIBRARY", settings.check.library, "The device library's file");
-    std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
-    try {
-        app.parse(arguments);
-        if (settings.list) {
-            listTests(settings.json);
-            return Passed;
-        }
-        if (settings.check.library.empty())
-            throw CLI::RequiredError("LIBRARY");
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? Passed : WrongUsage;
-    }
-    checkNames(settings.only);
-    return checkLibrary(settings);
-}
-
-} // namespace
-
-int main(int argc, char **argv)
-{
-    try {
-        const auto arguments = virtualunit::system::arguments(argc, argv);
-        if (check::isTestProcess(arguments))
-            return check::runTestProcess(arguments);
-        virtualunit::system::prepareProcess();
-        const int code = run(arguments);
-        std::cout.flush();
-        if (!std::cout)
-            throw check::CannotBegin{"The output can't be written"};
-        return code;
-    } catch (const check::CannotBegin &error) {
-        std::cerr << "vorncheck: " << error.reason << '\n';
-    } catch (const std::exception &error) {
-        std::cerr << "vorncheck: " << error.what() << '\n';
-    }
-    return WrongUsage;
+    app.final_callback([&] { run(settings); });
+    return commandline::run(app, arguments);
 }

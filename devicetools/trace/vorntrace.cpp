@@ -1,3 +1,4 @@
+#include "commandline/commandline.h"
 #include "devicetools/trace/Settings.h"
 #include "devicetools/trace/Tally.h"
 #include "devicetools/trace/format.h"
@@ -19,8 +20,8 @@ using trace::Settings;
 using virtualunit::system::pathOf;
 using virtualunit::system::textOf;
 
-/// The exit codes of vorntrace itself; else it is the program's own.
-enum ExitCode { Done = 0, Refused = 1, WrongUsage = 2, NotInTrace = 3 };
+/// The exit code of --strict.
+constexpr int notInTrace = 3;
 
 struct Options {
     Settings settings;
@@ -73,7 +74,7 @@ Ending run(Options &options, Judge judge)
     return judge(trace::launch(options.command, options.settings, folder.path), *tally);
 }
 
-Ending record(Options &options)
+Ending recordCalls(Options &options)
 {
     auto &settings = options.settings;
     settings.output = absolute(settings.output);
@@ -88,7 +89,7 @@ Ending record(Options &options)
     });
 }
 
-Ending replay(Options &options)
+Ending replayTrace(Options &options)
 {
     auto &settings = options.settings;
     settings.replayed = absolute(settings.replayed);
@@ -102,9 +103,22 @@ Ending replay(Options &options)
             std::cerr << ", the first " << tally.firstUnknown();
         std::cerr << '\n';
         if (options.isStrict && tally.unknown() > 0 && ending.signal == 0)
-            ending.code = NotInTrace;
+            ending.code = notInTrace;
         return ending;
     });
+}
+
+/// Runs the program, and ends as it did.
+void endAfter(Ending (*runProgram)(Options &), Options &options)
+{
+    if (options.command.empty())
+        throw CLI::ParseError(
+            "There is no program: it stands behind --", CLI::ExitCodes::RequiredError);
+    try {
+        trace::endAs(runProgram(options));
+    } catch (const std::runtime_error &trouble) {
+        throw commandline::Refusal{trouble.what()};
+    }
 }
 
 /// A check of an option that says what is wrong with it.
@@ -144,6 +158,7 @@ void addRecord(CLI::App &app, Options &options)
             "--delay", settings.delays, "Lets each call of an operation take so much longer")
         ->allow_extra_args(false)
         ->check(checkedBy(trace::parseDelay, "OPERATION=MILLISECONDS"));
+    record->final_callback([&options] { endAfter(recordCalls, options); });
     record->footer("The program comes last: vorntrace record [OPTIONS] -- PROGRAM [ARGUMENTS...]");
 }
 
@@ -156,22 +171,18 @@ void addReplay(CLI::App &app, Options &options)
         "--strict", options.isStrict, "Exits with 3 if the program asked what is not in the trace");
     replay->add_flag(
         "--times", options.settings.times, "Lets each call take as long as it is recorded");
+    replay->final_callback([&options] { endAfter(replayTrace, options); });
     replay->footer(
         "The program comes last: vorntrace replay [OPTIONS] TRACE -- PROGRAM [ARGUMENTS...]");
 }
 
-int wrongUsage(const std::string &reason)
-{
-    std::cerr << "vorntrace: " << reason << '\n' << "Run with --help for more information.\n";
-    return WrongUsage;
-}
+} // namespace
 
-int run(int argc, char **argv)
+int main(int argc, char **argv)
 {
     CLI::App app("Records what a program asks its device library, and answers from the record.");
     app.name("vorntrace");
     app.require_subcommand(1);
-    app.set_version_flag("--version", "vorntrace " VORN_VERSION);
     app.footer("The exit code is the program's own; else 1 for what is refused by the system or is "
                "no trace, 2 for wrong usage, 3 for --strict.");
     Options options;
@@ -183,28 +194,5 @@ int run(int argc, char **argv)
     if (mark != arguments.end())
         options.command.assign(mark + 1, arguments.end());
     arguments.erase(mark, arguments.end());
-    std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
-    try {
-        app.parse(arguments);
-    } catch (const CLI::Success &success) {
-        return app.exit(success);
-    } catch (const CLI::ParseError &error) {
-        return wrongUsage(error.what());
-    }
-    if (options.command.empty())
-        return wrongUsage("There is no program: it stands behind --");
-    trace::endAs(app.got_subcommand("record") ? record(options) : replay(options));
-}
-
-} // namespace
-
-int main(int argc, char **argv)
-{
-    virtualunit::system::prepareProcess();
-    try {
-        return run(argc, argv);
-    } catch (const std::exception &error) {
-        std::cerr << "vorntrace: " << error.what() << '\n';
-    }
-    return Refused;
+    return commandline::run(app, std::move(arguments));
 }
