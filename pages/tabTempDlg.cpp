@@ -1,5 +1,6 @@
 #include "pages/tabTempDlg.h"
 
+#include "frame/processorSensors.h"
 #include "frame/reportError.h"
 
 #include <QGridLayout>
@@ -142,19 +143,16 @@ void tabTempDlg::findSensors()
 
 int tabTempDlg::findProcessorSensors()
 {
-    // The device counts its sensors in 8 bits, so that many is all there can be.
-    int n = 0;
-    for (; n <= 255; ++n) {
-        std::int16_t celsius = 0;
-        std::int32_t kind = SENSOR_CPU;
-        if (Diagnostics_getPMTemp(diagnostics, std::uint8_t(n), &celsius, &kind) != DEVICE_OK)
-            break;
-        const int entry = ui->comboBoxSensor->count();
-        addSensor(sensorName(kind), firstProcessorSensor + n);
-        if (entry < int(sensorKind.size()))
-            sensorKind[std::size_t(entry)] = kind;
-    }
-    return n;
+    const int found =
+        readProcessorSensors(diagnostics, [this](int n, const ProcessorSensor &sensor) {
+            const int entry = ui->comboBoxSensor->count();
+            addSensor(sensorName(sensor.kind), firstProcessorSensor + n);
+            if (entry < int(sensorKind.size()))
+                sensorKind[std::size_t(entry)] = sensor.kind;
+        });
+    if (found == mostProcessorSensors)
+        showMessage(endlessSensorsText());
+    return found;
 }
 
 void tabTempDlg::addSensor(const QString &name, int index)

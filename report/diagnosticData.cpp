@@ -1,4 +1,5 @@
 #include "frame/DeviceHandle.h"
+#include "frame/processorSensors.h"
 #include "platform/platform.h"
 #include "report/formatters.h"
 #include "report/sections.h"
@@ -91,17 +92,12 @@ QString powerCyclesLine(DiagnosticsHandle diagnostics)
 QString sensorLines(DiagnosticsHandle diagnostics)
 {
     QString text;
-    // The device counts its sensors in 8 bits; one that never says that there are no more ends
-    // here.
-    for (int index = 0; index <= 255; ++index) {
-        std::int16_t temperature = 0;
-        std::int32_t kind = 0;
-        const DeviceCode code = Diagnostics_getPMTemp(
-            diagnostics, static_cast<std::uint8_t>(index), &temperature, &kind);
-        if (code != DEVICE_OK)
-            break;
-        text += formatShortLine(code, sensorName(kind), temperature, celsius);
-    }
+    const int sensors =
+        readProcessorSensors(diagnostics, [&text](int, const ProcessorSensor &sensor) {
+            text += formatShortLine(DEVICE_OK, sensorName(sensor.kind), sensor.celsius, celsius);
+        });
+    if (sensors == mostProcessorSensors)
+        text += endlessSensorsText() + QLatin1Char('\n');
     return text;
 }
 
