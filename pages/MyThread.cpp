@@ -1,6 +1,7 @@
 #include "pages/MyThread.h"
 
 #include "frame/DeviceHandle.h"
+#include "frame/batteryTexts.h"
 #include "platform/platform.h"
 
 std::atomic<std::uint8_t> batteryKeepRunning{0};
@@ -25,28 +26,13 @@ void waitSteps(int steps)
 
 QString chargingText(std::int32_t status)
 {
-    switch (status) {
-    case CHARGING_IDLE:
-        return QStringLiteral("Battery is not being charged\n");
-    case CHARGING_ACTIVE:
-        return QStringLiteral("Battery is being charged\n");
-    case CHARGING_FULL:
-        return QStringLiteral("Battery is fully charged\n");
-    case CHARGING_TOO_COLD:
-        return QStringLiteral("Temperature is too low to charge the battery\n");
-    case CHARGING_TOO_HOT:
-        return QStringLiteral("Temperature is too high to charge the battery\n");
-    default:
-        return QStringLiteral("Could not get battery charging status\n");
-    }
+    const QString line = batteryChargingLine(status);
+    return line.isEmpty() ? batteryChargingLine(CHARGING_UNKNOWN) : line;
 }
 
 QString powerSourceText(DeviceCode code, std::int32_t source)
 {
-    if (code != DEVICE_OK)
-        return QStringLiteral("Power source: Unknown");
-    return source == POWER_BATTERY ? QStringLiteral("Power source: Battery")
-                                   : QStringLiteral("Power source: External power");
+    return code == DEVICE_OK ? powerSourceText(source) : QStringLiteral("Power source: Unknown");
 }
 
 void MyThread::run()

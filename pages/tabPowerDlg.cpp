@@ -1,5 +1,6 @@
 #include "pages/tabPowerDlg.h"
 
+#include "frame/batteryTexts.h"
 #include "frame/deviceStatus.h"
 #include "frame/endWithApplication.h"
 #include "frame/reportError.h"
@@ -20,33 +21,13 @@ std::array<QCheckBox *, 4> videoBoxes(const Form<Ui::tabPower> &ui)
     return {ui->checkBoxVideo_1, ui->checkBoxVideo_2, ui->checkBoxVideo_3, ui->checkBoxVideo_4};
 }
 
-QString batteryFailure(const char *what, DeviceCode code)
-{
-    return QStringLiteral("Could not get battery %1. Error(%2) %3\n")
-        .arg(QString::fromLatin1(what), QString::number(code), deviceText(code));
-}
-
 QString batteryErrorText(DeviceCode code, std::int32_t status)
 {
-    if (code == DEVICE_OK) {
-        switch (status) {
-        case BATTERY_NO_ERROR:
-            return {};
-        case BATTERY_THERMISTOR:
-            return QStringLiteral("Battery error! The thermistor temp sensor is not working\n");
-        case BATTERY_SECONDARY_SENSOR:
-            return QStringLiteral("Battery error! The secondary temp sensor is not working\n");
-        case BATTERY_CHARGING_FAILED:
-            return QStringLiteral("Battery error! Charging failed\n");
-        case BATTERY_OVERCURRENT:
-            return QStringLiteral("Battery error! Overcurrent detected\n");
-        case BATTERY_NOT_INITIATED:
-            return QStringLiteral("Battery error! Battery not initiated\n");
-        default: // a state unknown to us is told with the code of the call that gave it
-            break;
-        }
-    }
-    return batteryFailure("error status code", code);
+    if (code == DEVICE_OK && status == BATTERY_NO_ERROR)
+        return {};
+    const QString line = code == DEVICE_OK ? batteryErrorLine(status) : QString();
+    // A state unknown to us is told with the code of the call that gave it.
+    return line.isEmpty() ? batteryFailureLine("battery error status code", code) : line;
 }
 
 } // namespace
@@ -209,8 +190,8 @@ void tabPowerDlg::loadBatteryDetails()
 
     std::int32_t charging = CHARGING_UNKNOWN;
     code = Battery_getChargingStatus(battery, &charging);
-    ui->label_3->setText(
-        code == DEVICE_OK ? chargingText(charging) : batteryFailure("charging status", code));
+    ui->label_3->setText(code == DEVICE_OK ? chargingText(charging)
+                                           : batteryFailureLine("battery charging status", code));
 
     std::int32_t source = POWER_EXTERNAL;
     code = Battery_getPowerSource(battery, &source);
@@ -220,5 +201,5 @@ void tabPowerDlg::loadBatteryDetails()
     code = Battery_getVoltageLevel(battery, &percent);
     ui->progressBar->setValue(code == DEVICE_OK ? percent : 0);
     if (code != DEVICE_OK)
-        ui->label->setText(batteryFailure("power status", code));
+        ui->label->setText(batteryFailureLine("battery power status", code));
 }

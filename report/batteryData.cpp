@@ -1,31 +1,9 @@
 #include "frame/DeviceHandle.h"
-#include "frame/reportError.h"
+#include "frame/batteryTexts.h"
 #include "report/formatters.h"
 #include "report/sections.h"
 
-#include <span>
-
 namespace {
-
-/** By BatteryErrorStatus. */
-constexpr const char *errorLines[] = {
-    "Battery reports no HW errors\n",
-    "Battery error! The thermistor temp sensor is not working\n",
-    "Battery error! The secondary temp sensor is not working\n",
-    "Battery error! Charging failed\n",
-    "Battery error! Overcurrent detected\n",
-    "Battery error! Battery not initiated\n",
-};
-
-/** By BatteryChargingStatus. */
-constexpr const char *chargingLines[] = {
-    "Battery is not being charged\n",
-    "Battery is being charged\n",
-    "Battery is fully charged\n",
-    "Temperature is too low to charge the battery\n",
-    "Temperature is too high to charge the battery\n",
-    "Could not get battery charging status\n",
-};
 
 struct TimeRow {
     std::uint32_t BatteryTimes::*minutes;
@@ -49,27 +27,13 @@ constexpr TimeRow timeRows[] = {
  *  without its end stays bounded. */
 constexpr std::uint32_t textSize = 20;
 
-/** The line of a value; values that have none give no text. */
-QString lineOf(std::span<const char *const> lines, std::int32_t value)
-{
-    const auto index = static_cast<std::uint32_t>(value);
-    return index < lines.size() ? QString::fromLatin1(lines[index]) : QString();
-}
-
-/** Every code is a failure here. */
-QString failureLine(const char *what, DeviceCode code)
-{
-    return QStringLiteral("Could not get %1. Error(%2) %3\n")
-        .arg(QString::fromLatin1(what), QString::number(code), deviceText(code));
-}
-
 QString errorStatusLine(BatteryHandle battery)
 {
     std::int32_t status = 0;
     const DeviceCode code = Battery_getHwErrorStatus(battery, &status);
     if (code != DEVICE_OK)
-        return failureLine("battery error status code", code);
-    return lineOf(errorLines, status);
+        return batteryFailureLine("battery error status code", code);
+    return batteryErrorLine(status);
 }
 
 QString hwVersionLine(BatteryHandle battery)
@@ -77,7 +41,7 @@ QString hwVersionLine(BatteryHandle battery)
     char version[textSize + 1] = "";
     const DeviceCode code = Battery_getHwVersion(battery, version, textSize);
     if (code != DEVICE_OK)
-        return failureLine("battery HW version", code);
+        return batteryFailureLine("battery HW version", code);
     return QStringLiteral("Battery HW version: %1\n").arg(QString::fromLatin1(version));
 }
 
@@ -89,7 +53,7 @@ QString swVersionLine(BatteryHandle battery)
     std::uint16_t build = 0;
     const DeviceCode code = Battery_getSwVersion(battery, &major, &minor, &release, &build);
     if (code != DEVICE_OK)
-        return failureLine("battery SW version", code);
+        return batteryFailureLine("battery SW version", code);
     return QStringLiteral("Battery SW version: %1.%2.%3.%4\n")
         .arg(major)
         .arg(minor)
@@ -102,7 +66,7 @@ QString serialNumberLine(BatteryHandle battery)
     char serial[textSize + 1] = "";
     const DeviceCode code = Battery_getSerialNumber(battery, serial, textSize);
     if (code != DEVICE_OK)
-        return failureLine("battery serial number", code);
+        return batteryFailureLine("battery serial number", code);
     return QStringLiteral("Battery serial number: %1\n").arg(QString::fromLatin1(serial));
 }
 
@@ -112,11 +76,11 @@ void addChargingStatus(BatteryHandle battery, QString &text)
     std::int32_t status = 0;
     const DeviceCode code = Battery_getChargingStatus(battery, &status);
     if (code != DEVICE_OK)
-        text += failureLine("battery charging status", code);
+        text += batteryFailureLine("battery charging status", code);
     else if (status == CHARGING_IDLE)
-        text = lineOf(chargingLines, status);
+        text = batteryChargingLine(status);
     else
-        text += lineOf(chargingLines, status);
+        text += batteryChargingLine(status);
 }
 
 QString powerSourceLine(BatteryHandle battery)
@@ -124,9 +88,8 @@ QString powerSourceLine(BatteryHandle battery)
     std::int32_t source = POWER_BATTERY;
     const DeviceCode code = Battery_getPowerSource(battery, &source);
     if (code != DEVICE_OK)
-        return failureLine("power source", code);
-    return source == POWER_BATTERY ? QStringLiteral("Power source: Battery\n")
-                                   : QStringLiteral("Power source: External power\n");
+        return batteryFailureLine("power source", code);
+    return powerSourceText(source) + QLatin1Char('\n');
 }
 
 QString voltageLevelLine(BatteryHandle battery)
@@ -134,7 +97,7 @@ QString voltageLevelLine(BatteryHandle battery)
     std::uint8_t percent = 0;
     const DeviceCode code = Battery_getVoltageLevel(battery, &percent);
     if (code != DEVICE_OK)
-        return failureLine("battery voltage level", code);
+        return batteryFailureLine("battery voltage level", code);
     return QStringLiteral("Battery voltage level: %1%\n").arg(percent);
 }
 
@@ -143,7 +106,7 @@ QString temperatureLine(BatteryHandle battery)
     std::int16_t celsius = 0;
     const DeviceCode code = Battery_getTemperature(battery, &celsius);
     if (code != DEVICE_OK)
-        return failureLine("battery temperature", code);
+        return batteryFailureLine("battery temperature", code);
     return QStringLiteral("Battery temperature: %1 deg C\n").arg(celsius);
 }
 
@@ -153,7 +116,7 @@ QString extremesLine(BatteryHandle battery)
     std::int16_t maximum = 0;
     const DeviceCode code = Battery_getMinMaxTemp(battery, &minimum, &maximum);
     if (code != DEVICE_OK)
-        return failureLine("battery min/max temperature", code);
+        return batteryFailureLine("battery min/max temperature", code);
     return QStringLiteral("Battery minimum temp: %1 deg C, maximum temp: %2 deg C\n")
         .arg(minimum)
         .arg(maximum);
@@ -164,7 +127,7 @@ QString timeLines(BatteryHandle battery)
     BatteryTimes times{};
     const DeviceCode code = Battery_getTimes(battery, &times);
     if (code != DEVICE_OK)
-        return failureLine("battery diagnostic times", code);
+        return batteryFailureLine("battery diagnostic times", code);
     QString text;
     for (const TimeRow &row : timeRows)
         text += formatMinutesLine(code, row.name, times.*row.minutes);
