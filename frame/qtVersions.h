@@ -5,6 +5,15 @@
 #include <QDateTime>
 #include <QLocale>
 #include <QMouseEvent>
+#include <QtGlobal>
+
+#include <memory>
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#    include <QTextCodec>
+#else
+#    include <QStringDecoder>
+#endif
 
 /** What Qt 5.15 and Qt 6 call differently, so that nobody else asks for the version. */
 namespace qtVersions {
@@ -39,6 +48,35 @@ inline QString textDate(const QDateTime &time)
     return QLocale::c().toString(time, QStringLiteral("ddd MMM d HH:mm:ss yyyy"));
 #else
     return time.toString(Qt::TextDate);
+#endif
+}
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+using TextDecoder = QTextDecoder;
+#else
+using TextDecoder = QStringDecoder;
+#endif
+
+/** For text that begins with a byte-order mark of UTF-8, UTF-16 or UTF-32; null for other text.
+ *  @param beginning of the text, at least four bytes if there are so many */
+inline std::unique_ptr<TextDecoder> decoderByMark(const QByteArray &beginning)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const QTextCodec *codec = QTextCodec::codecForUtfText(beginning, nullptr);
+    return codec ? std::make_unique<TextDecoder>(codec) : nullptr;
+#else
+    const auto encoding = QStringConverter::encodingForData(beginning);
+    return encoding ? std::make_unique<TextDecoder>(*encoding) : nullptr;
+#endif
+}
+
+/** The next piece of a text, which may be cut anywhere, without its mark. */
+inline QString decode(TextDecoder &decoder, const QByteArray &piece)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    return decoder.toUnicode(piece);
+#else
+    return decoder.decode(piece);
 #endif
 }
 

@@ -12,6 +12,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -53,6 +55,41 @@ QString banner(const char *title)
            QStringLiteral("  ------------------\n");
 }
 
+/** Each line with a plain line feed. */
+void addLines(QString &text, std::istream &log)
+{
+    for (std::string line; std::getline(log, line);) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        text += QLatin1String(line.data(), line.data() + line.size());
+        text += QLatin1Char('\n');
+    }
+}
+
+/** A log that begins with a byte-order mark, in Latin-1; what that doesn't have becomes "?".
+ * Nothing if there is no mark: such a log is its bytes as they are, from its beginning again. */
+std::optional<std::string> decodedByMark(std::istream &log)
+{
+    QByteArray piece(1 << 16, '\0');
+    const auto read = [&](int most) {
+        log.read(piece.data(), most);
+        return piece.left(static_cast<int>(log.gcount()));
+    };
+    const auto decoder = qtVersions::decoderByMark(read(4));
+    log.clear();
+    log.seekg(0);
+    if (!decoder)
+        return std::nullopt;
+    std::string decoded;
+    while (log) {
+        for (const QChar unit : qtVersions::decode(*decoder, read(1 << 16))) {
+            if (!unit.isLowSurrogate()) // which is the other half of one character
+                decoded += unit.unicode() <= 0xFF ? static_cast<char>(unit.unicode()) : '?';
+        }
+    }
+    return decoded;
+}
+
 /** Appends one log file, each line with a plain line feed. A file that can't be opened leaves no
  *  trace; only regular files count as openable, since a pipe could wait for ever. */
 void addLog(QString &text, const std::filesystem::path &path, const char *header)
@@ -72,11 +109,11 @@ void addLog(QString &text, const std::filesystem::path &path, const char *header
     const std::uintmax_t size = std::filesystem::file_size(path, error);
     if (!error)
         text.reserve(text.size() + static_cast<decltype(text.size())>(size) + 1024);
-    for (std::string line; std::getline(file, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        text += QLatin1String(line.data(), line.data() + line.size());
-        text += QLatin1Char('\n');
+    if (auto decoded = decodedByMark(file)) {
+        std::istringstream lines(std::move(*decoded));
+        addLines(text, lines);
+    } else {
+        addLines(text, file);
     }
 }
 

@@ -18,6 +18,27 @@ const QString reportFile = QStringLiteral("report.txt");
 const char reportBanners[] = "SW Versions|EEPROM data|Diagnostic data|SMART data|ADC data|"
                              "CPU board data|Settings|Log Files|End of report";
 
+template <typename Units>
+QByteArray bytesOf(const Units &units, int size, bool bigEndFirst)
+{
+    QByteArray bytes;
+    for (const auto unit : units) {
+        for (int i = 0; i < size; ++i)
+            bytes += char(unit >> 8 * (bigEndFirst ? size - 1 - i : i) & 0xFF);
+    }
+    return bytes;
+}
+
+QByteArray utf16(const QString &text, bool bigEndFirst)
+{
+    return bytesOf(text.toStdU16String(), 2, bigEndFirst);
+}
+
+QByteArray utf32(const QString &text, bool bigEndFirst)
+{
+    return bytesOf(text.toStdU32String(), 4, bigEndFirst);
+}
+
 /** Titles of a report's banners in their order. */
 QByteArray banners(const QByteArray &report)
 {
@@ -102,8 +123,9 @@ QByteArray allBitsHistory()
         allBitsMinutes);
     report += lines({"Minimum temp", "Maximum temp"}, celsius);
     report += lines({"Number of power cycles"}, "65535 ");
-    // As many sensors as the device can count, since it never says that there are no more.
-    report += lines({"JIDA unknown temp"}, celsius).repeated(256);
+    // As many sensors as are read of a device that never says that there are no more.
+    report += lines({"JIDA unknown temp"}, celsius).repeated(65'536);
+    report += "Sensor list ended after 65536 readings\n";
     report += lines({"SS temp", "PCB temp"}, celsius);
     report += banner("SMART data") + storage + rule + storage + rule;
     return report;
@@ -226,6 +248,7 @@ private slots:
     void logs();
     void logs_stayOutIfTheyAreNoFiles();
     void logs_largerThanAnyBuffer();
+    void logs_markedAndLarge();
 };
 
 void tst_executable::report_isWritten()
@@ -487,7 +510,20 @@ void tst_executable::logs_data()
     row("return at the end", "a\n\r", "a\n\n");
     row("zero bytes", QByteArray("a\0b\n\0\n", 6), QByteArray("a\0b\n\0\n", 6));
     row("place markers", "%1 %2\n", "%1 %2\n");
-    row("UTF-16 mark", "\xFF\xFE\x41\n", "\xFF\xFE\x41\n");
+    row("UTF-8, no mark", "Z\xC3\xBC\n", "Z\xC3\xBC\n");
+    row("half a mark", "\xEF\xBB", "\xEF\xBB\n");
+    // One character each that Latin-1 has, that it hasn't, and that is two units of UTF-16.
+    const QString marked = QStringLiteral("\uFEFFZ\u00FC \u20AC \U0001F4BB.\r\n\nend");
+    const QByteArray decoded = "Z\xFC ? ?.\n\nend\n";
+    row("UTF-8", marked.toUtf8(), decoded);
+    row("UTF-8, mark alone", "\xEF\xBB\xBF", "");
+    row("UTF-8, damaged", "\xEF\xBB\xBF\xFFok\n", "?ok\n");
+    row("UTF-16, little end first", utf16(marked, false), decoded);
+    row("UTF-16, big end first", utf16(marked, true), decoded);
+    row("UTF-16, mark alone", "\xFF\xFE", "");
+    row("UTF-16, cut", QByteArray("\xFF\xFE\x41\0\x42", 5), "A\n");
+    row("UTF-32, little end first", utf32(marked, false), decoded);
+    row("UTF-32, big end first", utf32(marked, true), decoded);
     QByteArray all;
     for (int byte = 0; byte < 256; ++byte)
         all += char(byte);
@@ -528,6 +564,20 @@ void tst_executable::logs_largerThanAnyBuffer()
     tree.write(QStringLiteral("log/HardwareErrorLog.log"), log);
     const QByteArray section = support::section(tree.report(), "Log Files");
     QVERIFY(section == "\n\nFile:HardwareErrorLog.log:\n" + copy);
+}
+
+/** Characters that are cut wherever a piece ends. */
+void tst_executable::logs_markedAndLarge()
+{
+    const ProgramTree tree(tiny);
+    const QString line = QStringLiteral("\u00FC\u20AC\U0001F4BB-\r\n");
+    const QString log = QChar(0xFEFF) + line.repeated(30'000);
+    const QByteArray copy = QByteArray("\xFC?\?-\n").repeated(30'000);
+    for (const QByteArray &bytes : {log.toUtf8(), utf16(log, true), utf32(log, false)}) {
+        tree.write(QStringLiteral("log/HardwareErrorLog.log"), bytes);
+        const QByteArray section = support::section(tree.report(), "Log Files");
+        QVERIFY(section == "\n\nFile:HardwareErrorLog.log:\n" + copy);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_executable)
