@@ -127,8 +127,10 @@ void readNumber(Entry &entry)
     case Shape::Count:
         return setNumber(entry, number);
     case Shape::Plain:
-        // Names and dates of boards may look like numbers without being any.
-        if (entry.item->section == settingsSection && entry.item->words.empty())
+        // Names, dates and versions of boards and batteries may look like numbers without being
+        // any.
+        if (entry.item->section == settingsSection && entry.item->group != "Battery" &&
+            entry.item->words.empty())
             setNumber(entry, number);
         return;
     case Shape::Text:

@@ -135,7 +135,7 @@ void VornreportTest::helps()
     const Outcome help = run({"--help"_s});
     QCOMPARE(help.exitCode, 0);
     QCOMPARE(help.err, QByteArray());
-    for (const char *command : {"json", "table", "diff", "check", "html"}) {
+    for (const char *command : {"json", "table", "diff", "check", "html", "unit"}) {
         QVERIFY2(help.out.contains(command), command);
         const Outcome more = run({QString::fromLatin1(command), "--help"_s});
         QCOMPARE(more.exitCode, 0);

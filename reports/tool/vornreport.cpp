@@ -3,6 +3,7 @@
 #include "reports/diff.h"
 #include "reports/exchange.h"
 #include "reports/html.h"
+#include "reports/unit.h"
 #include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
@@ -217,6 +218,31 @@ void addHtml(CLI::App &app, Options &options)
     });
 }
 
+void addUnit(CLI::App &app, Options &options)
+{
+    auto *unit = app.add_subcommand("unit", "Prints a virtual unit that would report so");
+    unit->add_option("FILE", options.files, "The report, - is the standard input")
+        ->required()
+        ->expected(1);
+    unit->add_flag("--untold", options.all,
+        "Prints the values that the report doesn't tell, so that they are a fresh unit's");
+    unit->footer("Example: vornreport unit report.txt > unit.json && vornunit init unit.json");
+    unit->final_callback([&options] {
+        attempt([&] {
+            const Report report({options.files[0], {}});
+            if (!report.facts().complete)
+                tell({report.name() + ": is not complete"});
+            const UnitProfile profile = unitProfile(report);
+            if (!options.all)
+                std::cout << profile.json;
+            for (const std::string &value : profile.untold) {
+                if (options.all)
+                    std::cout << value << '\n';
+            }
+        });
+    });
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -233,5 +259,6 @@ int main(int argc, char **argv)
     addDiff(app, options);
     addCheck(app, options);
     addHtml(app, options);
+    addUnit(app, options);
     return commandline::run(app, argc, argv);
 }

@@ -1,0 +1,268 @@
+#include "report/systemReport.h"
+#include "reports/unit.h"
+#include "tests/support/BiosData.h"
+#include "tests/support/PageTest.h"
+#include "virtualunit/VirtualUnit.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+using namespace support;
+
+/** A report without its second line, which tells when it was made. */
+QByteArrayList undated(const QByteArray &report)
+{
+    QByteArrayList lines = report.split('\n');
+    lines.removeAt(1);
+    return lines;
+}
+
+/** What a device may hold in a text, at times something that looks like what it isn't. */
+QString randomText(QRandomGenerator &random)
+{
+    const QStringList odd{"N/A"_s, "Error(14) x"_s, ""_s, " "_s, "12"_s, "1e5"_s, "-0"_s, "a: b"_s};
+    if (random.bounded(6) == 0)
+        return odd[random.bounded(int(odd.size()))];
+    QString text;
+    for (int length = random.bounded(19); length > 0; --length) {
+        const int character = random.bounded(32, 256);
+        text += QChar(character == 127 ? '-' : character);
+    }
+    return text;
+}
+
+} // namespace
+
+/** Units that are made from reports report the same again. */
+class ReportUnitTest : public PageTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void everyProfile_data();
+    void everyProfile();
+    void randomUnits();
+    void untoldValues();
+    void tellsTrouble();
+
+private:
+    void comesBack();
+    void randomise(QRandomGenerator &random);
+    QString randomValue(QRandomGenerator &random, const virtualunit::Value &value);
+    void pin();
+    QString write(const QByteArray &report) const;
+
+    std::optional<BiosData> bios;
+    std::unique_ptr<QTemporaryDir> folder;
+};
+
+void ReportUnitTest::init()
+{
+    DeviceTest::init();
+    bios.emplace();
+    bios->setBoard("TS77");
+    bios->setVersion("4.6.5");
+    setUnit("CpuBoard.name"_s, "BQ77"_s);
+    folder = std::make_unique<QTemporaryDir>();
+}
+
+void ReportUnitTest::cleanup()
+{
+    bios.reset();
+    DeviceTest::cleanup();
+}
+
+QString ReportUnitTest::write(const QByteArray &report) const
+{
+    QFile file(folder->filePath("report.txt"_s));
+    if (!file.open(QIODevice::WriteOnly) || file.write(report) != report.size())
+        qFatal("%s", qPrintable(file.errorString()));
+    return file.fileName();
+}
+
+/** Living values would move between two reports. */
+void ReportUnitTest::pin()
+{
+    std::vector<virtualunit::Value> values;
+    QCOMPARE(virtualunit::list(values), std::string());
+    for (const auto &value : values) {
+        if (value.range.find("or live") != std::string::npos)
+            QCOMPARE(virtualunit::set(value.name, value.value), std::string());
+    }
+}
+
+/** Unit, report, unit, report: the same. */
+void ReportUnitTest::comesBack()
+{
+    const QByteArray report = generateSystemReport().toLatin1();
+    const QString name = write(report);
+    const auto made = reports::unitProfile(reports::Report({name.toStdString(), {}}));
+    QFile profile(folder->filePath("unit.json"_s));
+    QVERIFY(profile.open(QIODevice::WriteOnly));
+    profile.write(made.json.c_str());
+    profile.close();
+    QCOMPARE(virtualunit::loadProfile(profile.fileName().toStdString()), std::string());
+    const QByteArray again = generateSystemReport().toLatin1();
+    if (undated(again) != undated(report)) {
+        const auto first = undated(report);
+        const auto second = undated(again);
+        for (const QByteArray &line : first) {
+            if (!second.contains(line))
+                qWarning("lost: %s", line.constData());
+        }
+        for (const QByteArray &line : second) {
+            if (!first.contains(line))
+                qWarning("came: %s", line.constData());
+        }
+    }
+    QCOMPARE(undated(again), undated(report));
+}
+
+void ReportUnitTest::everyProfile_data()
+{
+    QTest::addColumn<QString>("profile");
+    QTest::addColumn<QString>("board");
+    for (const std::string &profile : virtualunit::profiles()) {
+        for (const char *board : {"TS77", "ChiefRiver", "none"})
+            QTest::addRow("%s %s", profile.c_str(), board)
+                << QString::fromStdString(profile) << QString::fromLatin1(board);
+    }
+}
+
+void ReportUnitTest::everyProfile()
+{
+    QFETCH(QString, profile);
+    QFETCH(QString, board);
+    bios->setBoard(board.toLatin1());
+    useProfile(profile);
+    setUnit("CpuBoard.name"_s, board == "TS77"_s ? "BQ77"_s : "CCR6"_s);
+    setUnit("CpuBoard.productRevision"_s, "C7"_s);
+    pin();
+    comesBack();
+    setUnit("Battery.chargingStatus"_s, "2"_s);
+    comesBack();
+}
+
+QString ReportUnitTest::randomValue(QRandomGenerator &random, const virtualunit::Value &value)
+{
+    const QString name = QString::fromStdString(value.name);
+    const QString range = QString::fromStdString(value.range);
+    if (range.startsWith("true"_s))
+        return random.bounded(5) == 0 ? "false"_s : "true"_s;
+    if (range.startsWith("at most"_s))
+        return randomText(random);
+    if (range.startsWith("four"_s))
+        return QStringLiteral("%1.%2.%3.%4")
+            .arg(random.bounded(256))
+            .arg(random.bounded(256))
+            .arg(random.bounded(256))
+            .arg(random.bounded(256));
+    static const QRegularExpression numbers("^(\\S+) to ([-+.e0-9]+)"_s);
+    const auto match = numbers.match(range);
+    double low = match.captured(1).toDouble();
+    double high = match.captured(2).toDouble();
+    if (low == INT32_MIN) { // an enumeration
+        low = -2;
+        high = 8;
+    }
+    if (name.contains("initialTime"_s))
+        low = 0;
+    high = qMin(high, 4e9);
+    const double number = low + random.generateDouble() * (high - low);
+    const bool whole = !name.startsWith("Adc."_s) && !name.contains("Voltage"_s) &&
+                       !name.contains("kValue"_s) && name != "FrontLED.frequency"_s;
+    if (name.contains("Count"_s) && random.bounded(3) > 0)
+        return QString::number(random.bounded(5));
+    return whole ? QString::number(qRound64(number))
+                 : QString::number(number, 'g', random.bounded(1, 12));
+}
+
+void ReportUnitTest::randomise(QRandomGenerator &random)
+{
+    static const QRegularExpression kept(
+        "^(Unit|Gsm|Gps|Firmware|CpuBoard|Settings|DigIO|LightSensor)\\."_s);
+    std::vector<virtualunit::Value> values;
+    QCOMPARE(virtualunit::list(values), std::string());
+    for (const auto &value : values) {
+        if (QString::fromStdString(value.name).contains(kept))
+            continue;
+        const QString chosen = randomValue(random, value);
+        setUnit(QString::fromStdString(value.name), chosen);
+    }
+    // A module with more sensors than can be set one by one repeats the last.
+    setUnit("Diagnostics.pmSensorCount"_s, QString::number(random.bounded(12)));
+    for (const std::string &operation : virtualunit::operations()) {
+        constexpr int codes[] = {2, 18, 14, -7, 65538};
+        if (random.bounded(12) == 0)
+            fault(QString::fromStdString(operation), codes[random.bounded(5)]);
+    }
+}
+
+/** VORN_SEEDS in the environment takes more of them. */
+void ReportUnitTest::randomUnits()
+{
+    const int count = qMax(100, qEnvironmentVariableIntValue("VORN_SEEDS"));
+    for (int seed = 0; seed < count; ++seed) {
+        QRandomGenerator random(quint32(seed));
+        useProfile("full"_s);
+        setUnit("CpuBoard.name"_s, "BQ77"_s);
+        randomise(random);
+        comesBack();
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable("seed "_s + QString::number(seed)));
+        takeWarnings();
+    }
+}
+
+/** What isn't told stays that of a fresh unit, and is listed. */
+void ReportUnitTest::untoldValues()
+{
+    fault("Buzzer_getVolume"_s, 14);
+    setUnit("Battery.chargingStatus"_s, "0"_s);
+    const QString name = write(generateSystemReport().toLatin1());
+    QProcess tool;
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, "--untold"_s, name});
+    QVERIFY(tool.waitForFinished());
+    QCOMPARE(tool.exitCode(), 0);
+    QByteArrayList untold = tool.readAllStandardOutput().split('\n');
+    for (const char *value : {"Buzzer.volume", "Battery.hwErrorStatus", "Battery.serialNumber"})
+        QVERIFY2(untold.contains(value), value);
+    QVERIFY(!untold.contains("Buzzer.frequency"));
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, name});
+    QVERIFY(tool.waitForFinished());
+    const auto profile = QJsonDocument::fromJson(tool.readAllStandardOutput()).object();
+    QCOMPARE(profile["faults"_s].toObject(), (QJsonObject{{"Buzzer_getVolume"_s, 14}}));
+    QVERIFY(!profile["values"_s].toObject().contains("Buzzer.volume"_s));
+    QCOMPARE(profile["values"_s].toObject()["Buzzer.frequency"_s].toInt(), 2400);
+}
+
+void ReportUnitTest::tellsTrouble()
+{
+    QProcess tool;
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, folder->filePath("none"_s)});
+    QVERIFY(tool.waitForFinished());
+    QCOMPARE(tool.exitCode(), 2);
+    QVERIFY(tool.readAllStandardError().contains("there is no such file"));
+    const QByteArray report = generateSystemReport().toLatin1();
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"),
+        {"unit"_s, write(report.left(report.indexOf("Voltage 5V: ")))});
+    QVERIFY(tool.waitForFinished());
+    QCOMPARE(tool.exitCode(), 0);
+    QVERIFY(tool.readAllStandardError().contains("is not complete"));
+    // What was cut off is not absent.
+    QVERIFY(!tool.readAllStandardOutput().contains("faults"));
+}
+
+VORN_TEST_MAIN(ReportUnitTest)
+#include "tst_reportunit.moc"
