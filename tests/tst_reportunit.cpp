@@ -214,7 +214,7 @@ void ReportUnitTest::randomUnits()
 {
     const int count = qMax(100, qEnvironmentVariableIntValue("VORN_SEEDS"));
     for (int seed = 0; seed < count; ++seed) {
-        QRandomGenerator random(quint32(seed));
+        QRandomGenerator random{quint32(seed)};
         useProfile("full"_s);
         setUnit("CpuBoard.name"_s, "BQ77"_s);
         randomise(random);
