@@ -1,28 +1,21 @@
 #include "pages/tabDigIODlg.h"
 
-#include <array>
+#include "pages/bitBoxes.h"
 
 namespace {
 
 constexpr int updateInterval = 250; // milliseconds
 
-// The boxes of the lines, in the order of the mask's bits.
 template <typename Ui>
-std::array<QCheckBox *, 4> inputs(const Ui &ui)
+BitBoxes inputs(const Ui &ui)
 {
     return {ui->checkBoxDI_1, ui->checkBoxDI_2, ui->checkBoxDI_3, ui->checkBoxDI_4};
 }
 
 template <typename Ui>
-std::array<QCheckBox *, 4> outputs(const Ui &ui)
+BitBoxes outputs(const Ui &ui)
 {
     return {ui->checkBoxDO_1, ui->checkBoxDO_2, ui->checkBoxDO_3, ui->checkBoxDO_4};
-}
-
-void showMask(const std::array<QCheckBox *, 4> &boxes, std::uint8_t mask)
-{
-    for (std::size_t bit = 0; bit < boxes.size(); ++bit)
-        boxes[bit]->setChecked((mask >> bit) & 1);
 }
 
 } // namespace
@@ -48,7 +41,7 @@ void tabDigIODlg::findOutputs()
         box->setCheckable(true);
         box->setEnabled(true);
     }
-    showMask(outputs(ui), mask);
+    checkBits(outputs(ui), mask);
 }
 
 void tabDigIODlg::showEvent(QShowEvent *)
@@ -69,7 +62,7 @@ void tabDigIODlg::updateIOValues()
     if (code == DEVICE_OK) {
         if (mask == lastInputs)
             return;
-        showMask(inputs(ui), mask);
+        checkBits(inputs(ui), mask);
         lastInputs = mask;
     } else if (code == DEVICE_NOT_SUPPORTED) {
         ui->groupBoxStatus->hide();
@@ -81,12 +74,7 @@ void tabDigIODlg::updateIOValues()
 
 void tabDigIODlg::doclicked(bool)
 {
-    std::uint8_t mask = 0;
-    for (std::size_t bit = 0; bit < outputs(ui).size(); ++bit) {
-        if (outputs(ui)[bit]->isChecked())
-            mask = std::uint8_t(mask | 1U << bit);
-    }
-    const auto code = DigIO_setDigIO(digIO, mask);
+    const auto code = DigIO_setDigIO(digIO, checkedBits(outputs(ui)));
     if (code == DEVICE_NOT_SUPPORTED)
         return removeOutputs();
     reportError(code, "DigIO_setDigIO");

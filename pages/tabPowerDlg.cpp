@@ -5,9 +5,8 @@
 #include "frame/endWithApplication.h"
 #include "frame/reportError.h"
 #include "pages/MyThread.h"
+#include "pages/bitBoxes.h"
 #include "platform/platform.h"
-
-#include <array>
 
 namespace {
 
@@ -15,8 +14,7 @@ namespace {
 constexpr int startupMode = 0;
 constexpr int currentMode = 1;
 
-/** The boxes of the video channels, in the order of the mask's bits. */
-std::array<QCheckBox *, 4> videoBoxes(const Form<Ui::tabPower> &ui)
+BitBoxes videoBoxes(const Form<Ui::tabPower> &ui)
 {
     return {ui->checkBoxVideo_1, ui->checkBoxVideo_2, ui->checkBoxVideo_3, ui->checkBoxVideo_4};
 }
@@ -118,8 +116,8 @@ void tabPowerDlg::loadVideo(Query query, const Handle &handle)
     std::uint8_t mask = 0;
     const auto code = query(handle, &mask);
     const auto boxes = videoBoxes(ui);
-    for (std::size_t channel = 0; channel < boxes.size() && code == DEVICE_OK; ++channel)
-        boxes[channel]->setChecked((mask >> channel) & 1);
+    if (code == DEVICE_OK)
+        checkBits(boxes, mask);
     // One name for the state at start-up and the state now.
     showAnswer(code, "getVideoPowerStatus", {boxes.begin(), boxes.end()});
 }
@@ -160,14 +158,8 @@ void tabPowerDlg::ExtFanClicked(bool on)
 
 void tabPowerDlg::VideoClicked()
 {
-    std::uint8_t mask = 0;
-    const auto boxes = videoBoxes(ui);
-    for (std::size_t channel = 0; channel < boxes.size(); ++channel) {
-        if (boxes[channel]->isChecked())
-            mask = std::uint8_t(mask | 1U << channel);
-    }
-    write(
-        Config_setVideoStartupPowerConfig, Power_setVideoPowerStatus, mask, "setVideoPowerStatus");
+    write(Config_setVideoStartupPowerConfig, Power_setVideoPowerStatus, checkedBits(videoBoxes(ui)),
+        "setVideoPowerStatus");
 }
 
 // The mode says which of the two it is; a failure has one name in both.
