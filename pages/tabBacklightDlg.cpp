@@ -2,8 +2,6 @@
 
 #include "frame/deviceStatus.h"
 
-#include <QScopedValueRollback>
-
 namespace {
 
 constexpr int refreshInterval = 500; // milliseconds
@@ -97,20 +95,17 @@ void tabBacklightDlg::refreshIntensity()
     std::uint8_t intensity = 0;
     const auto code = Backlight_getIntensity(backlight, &intensity);
     if (code == DEVICE_OK) {
-        // Behind the box of a refused echo the rounds go on, but pile up no more boxes on it.
-        if (intensity == lastIntensity || takesOver)
+        if (intensity == lastIntensity)
             return;
-        const QScopedValueRollback<bool> taking(takesOver, true);
         ui->sliderBacklightLevel->setValue(intensity);
         ui->labelBLLevel->setText(QString::number(intensity));
         lastIntensity = intensity;
     } else if (code == DEVICE_NOT_SUPPORTED) {
         ui->sliderBacklightLevel->hide();
     } else {
-        // Stopped before the box opens, or the next rounds would pile up boxes on it.
-        refreshTimer.stop();
         ui->labelBLLevel->setText(QStringLiteral("0"));
         reportError(code, "getIntensity");
+        refreshTimer.stop();
     }
 }
 

@@ -49,5 +49,4 @@ private:
     DeviceHandle<Backlight_create, Backlight_release> backlight;
     QTimer refreshTimer{this};
     std::uint8_t lastIntensity = 0; ///< as last taken from the device
-    bool takesOver = false;         ///< an intensity, which goes back to the device
 };

@@ -67,8 +67,10 @@ void tabDigIODlg::updateIOValues()
     } else if (code == DEVICE_NOT_SUPPORTED) {
         ui->groupBoxStatus->hide();
     } else {
-        updateTimer.stop(); // first: the box has an event loop, and rounds would pile up boxes
+        // First, since the box may open from showEvent: a round would fail likewise behind it.
+        updateTimer.stop();
         reportError(code, "getDigIO");
+        updateTimer.stop(); // if the page was shown again behind the box
     }
 }
 

@@ -113,7 +113,6 @@ void tabLightSensorDlg::updateIlluminance()
     lastText = text;
 }
 
-// Here and below, the timer stops before a box opens, or the next rounds would pile up boxes on it.
 QString tabLightSensorDlg::readIlluminance()
 {
     std::uint16_t lux = 0;
@@ -123,7 +122,6 @@ QString tabLightSensorDlg::readIlluminance()
     if (code == DEVICE_NOT_SUPPORTED) {
         ui->groupBoxLightsensor->hide();
     } else {
-        updateTimer.stop();
         reportError(code, "getIlluminance");
         stopMeasurement();
     }
@@ -137,7 +135,6 @@ void tabLightSensorDlg::readRange(QString &text)
     if (code == DEVICE_OK) {
         text += rangeText(range);
     } else if (code != DEVICE_NOT_SUPPORTED) {
-        updateTimer.stop();
         reportError(code, "getOperatingRange");
         text = notRunning;
         stopMeasurement();

@@ -305,31 +305,6 @@ private slots:
         QVERIFY(timer.isActive());
     }
 
-    void refusedEchoesDontPileUp()
-    {
-        tabBacklightDlg page;
-        HeldTimer timer(&page);
-        page.show();
-        fault("Backlight_setIntensity"_s, 5);
-        QStringList behindTheBox;
-        dialogs.plan([&](QDialog *box) {
-            setUnit("Backlight.intensity"_s, "90"_s);
-            calls();
-            QVERIFY(timer.fire());
-            behindTheBox = calls();
-            box->accept();
-        });
-        QVERIFY(timer.fire());
-        const auto box = errorBox(5, "setIntensity"_s);
-        QCOMPARE(boxes(&page), QStringList{box});
-        QCOMPARE(behindTheBox, (QStringList{"Backlight_getIntensity() = 0 [90]"_s,
-                                   "Backlight_getHealthStatus() = 0 [true]"_s}));
-        QVERIFY(timer.fire());
-        QCOMPARE(boxes(&page), QStringList{box});
-        QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->value(), 90);
-        QCOMPARE(text(page, "labelBLLevel"), "90"_s);
-    }
-
     void intensityFailure_data() { addFailureRows({"Backlight_getIntensity"_s}); }
 
     void intensityFailure()
@@ -363,22 +338,6 @@ private slots:
         QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = 0 [180]"_s,
                               "Backlight_getHealthStatus() = 0 [true]"_s}));
         QCOMPARE(text(page, "labelBLLevel"), absent ? "180"_s : "0"_s);
-    }
-
-    void timerStandsBeforeTheBoxOpens()
-    {
-        tabBacklightDlg page;
-        HeldTimer timer(&page);
-        page.show();
-        fault("Backlight_getIntensity"_s, 5);
-        bool active = true;
-        dialogs.plan([&](QDialog *box) {
-            active = timer.isActive();
-            box->accept();
-        });
-        QVERIFY(timer.fire());
-        QVERIFY(!active);
-        QCOMPARE(boxes(&page), QStringList{errorBox(5, "getIntensity"_s)});
     }
 
     void health_data()

@@ -470,30 +470,6 @@ private slots:
         QVERIFY(timer.isActive());
     }
 
-    void timerStandsBeforeTheBoxOpens_data()
-    {
-        QTest::addColumn<QString>("operation");
-        QTest::newRow("illuminance") << "LightSensor_getIlluminance"_s;
-        QTest::newRow("range") << "LightSensor_getOperatingRange"_s;
-    }
-
-    void timerStandsBeforeTheBoxOpens()
-    {
-        QFETCH(QString, operation);
-        tabLightSensorDlg page;
-        HeldTimer timer(&page);
-        page.show();
-        fault(operation, 5);
-        bool active = true;
-        dialogs.plan([&](QDialog *box) {
-            active = timer.isActive();
-            box->accept();
-        });
-        QVERIFY(timer.fire());
-        QVERIFY(!active);
-        QCOMPARE(boxes(&page).size(), 1);
-    }
-
     void startsAgainAfterFailure()
     {
         tabLightSensorDlg page;
