@@ -151,6 +151,8 @@ private slots:
         QTest::newRow("QCheckBox") << plain<QCheckBox>() << 14 << black;
         QTest::newRow("QProgressBar") << plain<QProgressBar>() << 14 << black;
         QTest::newRow("QListView") << plain<QListWidget>() << 24 << white;
+        QTest::newRow("QTabWidget") << plain<QTabWidget>() << 14 << black;
+        QTest::newRow("QTabBar") << plain<QTabBar>() << 14 << black;
         QTest::newRow("QPlainTextEdit") << plain<QPlainTextEdit>() << 12 << black;
         const auto title = [] {
             auto *label = new QLabel;
