@@ -11,6 +11,9 @@ public:
     template <typename Page>
     explicit Form(Page *page)
     {
+        // Polished while it is empty, so that the look of its widgets is worked out when they first
+        // show, not for every hidden page when the window does.
+        page->ensurePolished();
         widgets.setupUi(page);
     }
     Form(const Form &) = delete;

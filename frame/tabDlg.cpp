@@ -8,7 +8,10 @@
 tabDlg::tabDlg(QWidget *parent)
     : QDialog(parent, Qt::WindowFlags())
     , title(QStringLiteral("Vornsettings"))
-{}
+{
+    if (parent)
+        setWindowFlags(Qt::Widget); // a dialog begins as a window even inside another widget
+}
 
 void tabDlg::reportError(std::int32_t code, const char *operation)
 {

@@ -24,7 +24,9 @@
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QStyleOptionButton>
 #include <QTabWidget>
 
@@ -532,6 +534,10 @@ private slots:
         QCOMPARE(visibleClass(window), latin1(expected.className));
         tabDlg *page = visiblePage(window);
         QVERIFY(!page->isWindow());
+        if (expected.button) {
+            QCOMPARE(child<QLabel>(page, "icon")->pixmap(Qt::ReturnByValue).toImage(),
+                picture(child<QPushButton>(&window, expected.button)->icon()));
+        }
         QCOMPARE(page->geometry(), QRect(0, 0, 600, 320));
         QCOMPARE(page->windowTitle(), latin1(expected.title));
         QCOMPARE(titleStrip(window), latin1(expected.title));
@@ -631,6 +637,30 @@ private slots:
         window.showTab(8);
         QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
         QCOMPARE(titleStrip(window), QStringLiteral("Menu"));
+    }
+
+    // The look of a page is worked out when it shows, and is the same whether the window was drawn
+    // before that or not.
+    void hiddenPagesWaitForTheirLook()
+    {
+        VornSettings window;
+        window.show();
+        QCoreApplication::processEvents();
+        const QImage menu = window.grab().toImage();
+        const auto *box = child<QSpinBox>(&window, "spinBoxPulses");
+        const auto *label = child<QLabel>(box->parentWidget(), "label_5");
+        QVERIFY(!label->font().bold());
+        window.showTab(7);
+        QVERIFY(label->font().bold());
+        QStyleOptionSpinBox option;
+        option.initFrom(box);
+        option.subControls = QStyle::SC_All;
+        QCOMPARE(box->findChild<QLineEdit *>()->geometry(),
+            box->style()->subControlRect(
+                QStyle::CC_SpinBox, &option, QStyle::SC_SpinBoxEditField, box));
+        window.showTab(0);
+        QCOMPARE(window.grab().toImage(), menu);
+        dialogs.take();
     }
 
     void dimmedEntryLeadsNowhere()

@@ -17,6 +17,7 @@
 #include "report/tabAboutDlg.h"
 #include "telematics/tabTelematicsDlg.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QFile>
 #include <QGraphicsOpacityEffect>
@@ -32,12 +33,6 @@ constexpr QSize menuIconSize(60, 60);
 // Pages are as wide as the page area, and leave its rounded bottom edge free.
 constexpr QMargins pageMargins(0, 0, 0, 10);
 
-// Pages show the picture of their menu entry, by tab index.
-constexpr std::array<const char *, tabCount> pagePictures = {nullptr, "hwinfo.png",
-    "thermometer.png", "background.png", "energy.png", "heater.png", "kblackbox.png", "ksame.png",
-    "arts.png", "input_device.png", "chip.png", "package_settings.png", "Full.png", "tablet.png",
-    "exit.png", "Globe.png"};
-
 QString resource(const char *name)
 {
     return QStringLiteral(":/VornSettings/Resources/") + QLatin1String(name);
@@ -51,10 +46,10 @@ QString globalStyleSheet()
     return opened ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// Forms load the plain picture alone; an icon knows its sharper variant too.
-void sharpen(QLabel *label, const char *picture)
+// The form loads the plain picture alone; an icon knows its sharper variant too.
+void sharpenLogo(QLabel *label)
 {
-    label->setPixmap(QIcon(resource(picture)).pixmap(label->pixmap(Qt::ReturnByValue).size()));
+    label->setPixmap(QIcon(resource("logo.png")).pixmap(label->pixmap(Qt::ReturnByValue).size()));
 }
 
 void dimByOpacity(QWidget *widget)
@@ -78,19 +73,20 @@ VornSettings::VornSettings(QWidget *parent, Qt::WindowFlags flags)
     connect(static_cast<tabMenuDlg *>(tabs[menuTab]), &tabMenuDlg::tabSelectionChanged, this,
         &VornSettings::showTab);
     if (qApp->devicePixelRatio() > 1)
-        sharpenPictures();
+        sharpenLogo(ui->label);
+    leavePolishToShowing();
     showTab(menuTab);
 }
 
-void VornSettings::sharpenPictures()
+// Every new widget asks to be polished once the event loop runs, but those of hidden pages needn't
+// be: whatever shows is polished then. Spin boxes alone are, since they took their look for that of
+// their base class while they were constructed, and would place their numbers by it in a hidden
+// page.
+void VornSettings::leavePolishToShowing()
 {
-    sharpen(ui->label, "logo.png");
-    for (size_t index = versionTab; index < tabs.size(); ++index) {
-        auto *icon =
-            tabs[index] ? tabs[index]->findChild<QLabel *>(QStringLiteral("icon")) : nullptr;
-        if (icon)
-            sharpen(icon, pagePictures[index]);
-    }
+    for (const auto *box : findChildren<QAbstractSpinBox *>())
+        box->ensurePolished();
+    QCoreApplication::removePostedEvents(nullptr, QEvent::PolishRequest);
 }
 
 VornSettings::Features VornSettings::askFeatures()
@@ -125,43 +121,54 @@ bool VornSettings::hasTelematics()
 
 void VornSettings::buildPages(const Features &has)
 {
-    auto *menuPage = new tabMenuDlg(this);
+    auto *menuPage = new tabMenuDlg(ui->tabWidget);
     const auto &menu = menuPage->ui;
 
     addTab(menuPage, menuTab);
-    addTab(new tabVersionDlg, versionTab);
-    addTab(new tabTempDlg(this), temperatureTab);
-    addTabIf<tabBacklightDlg>(has.display, displayTab,
+    addPage<tabVersionDlg>(versionTab, menu->pushButtonVersion);
+    addPage<tabTempDlg>(temperatureTab, menu->pushButtonTemp);
+    addPageIf<tabBacklightDlg>(has.display, displayTab,
         {menu->pushButtonDisplay, menu->label_3, "Display is not available", "backgroundGrey.png"});
-    addTab(new tabPowerDlg, powerTab);
-    addTabIf<tabSysConfDlg>(has.heater, heaterTab,
+    addPage<tabPowerDlg>(powerTab, menu->pushButtonPower);
+    addPageIf<tabSysConfDlg>(has.heater, heaterTab,
         {menu->pushButtonSysConfig, menu->label_5, "Heater is not available", "heaterGrey.png"});
-    addTab(new tabAdvancedDlg, advancedTab);
-    addTab(new tabLEDDlg, ledTab);
+    addPage<tabAdvancedDlg>(advancedTab, menu->pushButtonAdvanced);
+    addPage<tabLEDDlg>(ledTab, menu->pushButtonLed);
     // Without a display the buzzer has no tab of its own: its stand-in is the display's second.
-    addTabIf<tabBuzzerDlg>(has.display, has.display ? buzzerTab : displayTab,
+    addPageIf<tabBuzzerDlg>(has.display, has.display ? buzzerTab : displayTab,
         {menu->pushButtonBuzzer, menu->label_8, "Buzzer is not available", nullptr});
-    addTab(new tabAboutDlg, aboutTab);
-    addTabIf<tabCanDlg>(
+    addPage<tabAboutDlg>(aboutTab, menu->pushButtonAbout);
+    addPageIf<tabCanDlg>(
         has.can, canTab, {menu->pushButtonCAN, menu->label_10, "Can is not available", nullptr});
-    addTabIf<tabDigIODlg>(has.digitalIO, digitalIOTab,
+    addPageIf<tabDigIODlg>(has.digitalIO, digitalIOTab,
         {menu->pushButtonDigIO, menu->label_11, "Digital Input is not available", nullptr});
-    addTabIf<tabLightSensorDlg>(has.display, lightSensorTab,
+    addPageIf<tabLightSensorDlg>(has.display, lightSensorTab,
         {menu->pushButton, menu->label_12, "Light sensor is not available", "FullGrey.png"});
-    addTabIf<tabTouchDlg>(has.touch, touchTab,
+    addPageIf<tabTouchDlg>(has.touch, touchTab,
         {menu->pushButtonTouch, menu->label_13, "Touch Screen is not available", "tabletGrey.png"});
-    addTab(new tabOnOffDlg, onOffTab);
-    addTabIf<tabTelematicsDlg>(hasTelematics(), telematicsTab,
+    addPage<tabOnOffDlg>(onOffTab, menu->pushButtonOnOffSettings);
+    addPageIf<tabTelematicsDlg>(hasTelematics(), telematicsTab,
         {menu->pushButtonTelematics, menu->label_15, "Telematics module is not available",
             "GlobeGrey.png"});
 }
 
+// A page shows the picture of its menu entry. It is built inside the page area: one that came there
+// later would make every one of its widgets work the style sheet out, long before anybody sees it.
 template <typename Page>
-void VornSettings::addTabIf(bool present, int index, const MenuEntry &entry)
+void VornSettings::addPage(int index, const QPushButton *button)
+{
+    auto *page = new Page(ui->tabWidget);
+    page->template findChild<QLabel *>(QStringLiteral("icon"))
+        ->setPixmap(button->icon().pixmap(menuIconSize));
+    addTab(page, index);
+}
+
+template <typename Page>
+void VornSettings::addPageIf(bool present, int index, const MenuEntry &entry)
 {
     if (present)
-        return addTab(new Page, index);
-    addTab(new tabDlg, index);
+        return addPage<Page>(index, entry.button);
+    addTab(new tabDlg(ui->tabWidget), index);
     dim(entry);
 }
 

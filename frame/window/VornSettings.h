@@ -64,9 +64,11 @@ private:
     static bool hasTelematics();
     void buildPages(const Features &has);
     template <typename Page>
-    void addTabIf(bool present, int index, const MenuEntry &entry);
-    void sharpenPictures();
+    void addPage(int index, const QPushButton *button);
+    template <typename Page>
+    void addPageIf(bool present, int index, const MenuEntry &entry);
     static void dim(const MenuEntry &entry);
+    void leavePolishToShowing();
 
     Form<Ui::VornSettingsClass> ui{this};
     std::array<tabDlg *, tabCount> tabs{};
