@@ -13,6 +13,12 @@ tabDlg::tabDlg(QWidget *parent)
         setWindowFlags(Qt::Widget); // a dialog begins as a window even inside another widget
 }
 
+void tabDlg::reject()
+{
+    if (isWindow())
+        QDialog::reject();
+}
+
 void tabDlg::reportError(std::int32_t code, const char *operation)
 {
     if (code == DEVICE_OK)

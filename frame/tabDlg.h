@@ -19,6 +19,9 @@ class tabDlg : public QDialog
 public:
     explicit tabDlg(QWidget *parent = nullptr);
 
+    /** Escape closes a dialog, but a page in the window isn't the one to go. */
+    void reject() override;
+
 protected:
     /**
      * Modal error box "Error(code) in operation: text of the code" over this page. Silent on

@@ -756,6 +756,24 @@ private slots:
         dialogs.take();
     }
 
+    // The press alone leaves the page where it is.
+    void escapeGoesByTheRelease()
+    {
+        VornSettings window;
+        window.show();
+        for (const int index : {14, 0}) {
+            window.showTab(index);
+            tabDlg *page = visiblePage(window);
+            QTest::keyPress(page, Qt::Key_Escape);
+            QCOMPARE(visiblePage(window), page);
+            QVERIFY(page->isVisible());
+            QTest::keyRelease(page, Qt::Key_Escape);
+            QVERIFY(!page->isVisible());
+        }
+        QVERIFY(!window.isVisible());
+        dialogs.take();
+    }
+
     void escapeOnMenuPage()
     {
         VornSettings window;

@@ -221,6 +221,8 @@ void VornSettings::keyReleaseEvent(QKeyEvent *event)
     if (event->key() != Qt::Key_Escape || event->isAutoRepeat())
         return event->ignore();
     event->accept();
+    if (escapeKey.endPressTakenInFront())
+        return;
     if (currentTab != menuTab)
         showTab(menuTab);
     else

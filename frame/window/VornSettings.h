@@ -2,6 +2,7 @@
 
 #include "frame/DeviceHandle.h"
 #include "frame/Form.h"
+#include "frame/window/EscapeKey.h"
 #include "frame/window/TabIndex.h"
 #include "ui_VornSettings.h"
 
@@ -70,6 +71,7 @@ private:
     static void dim(const MenuEntry &entry);
     void leavePolishToShowing();
 
+    EscapeKey escapeKey{this}; // first, since pages may show boxes while they are built
     Form<Ui::VornSettingsClass> ui{this};
     std::array<tabDlg *, tabCount> tabs{};
     QVBoxLayout *layout; // of ui->tabWidget, from the end of the constructor on
