@@ -26,7 +26,7 @@ struct Refusal {
  *  letters. Empty if none comes near. */
 std::string nearest(std::string_view word, const std::vector<std::string> &candidates);
 
-/** There is no command "lsit"; did you mean "list"? */
+/** There is no command "lists"; did you mean "list"? */
 std::string unknown(
     std::string_view kind, std::string_view word, const std::vector<std::string> &candidates);
 

@@ -158,7 +158,7 @@ void VornunitTest::namesWhatWasMeant_data()
         QTest::newRow(arguments) << exitCode << QString::fromLatin1(message);
     };
     row("foo", 2, "There is no command \"foo\"; see \"vornunit --help\"");
-    row("lsit", 2, "There is no command \"lsit\"; did you mean \"list\"?");
+    row("lists", 2, "There is no command \"lists\"; did you mean \"list\"?");
     row("Profile", 2, "There is no command \"Profile\"; did you mean \"profile\"?");
     row("list --jsno", 2, "There is no option \"--jsno\"; did you mean \"--json\"?");
     row("get --unti x", 2, "There is no option \"--unti\"; did you mean \"--unit\"?");
@@ -400,8 +400,8 @@ void VornunitTest::keepsWhatIsLetLive()
     QCOMPARE(run("set Diagnostics.totalHeatTime 100").exitCode, 0);
     QVERIFY(run("profile").out.contains(QStringLiteral("\"Diagnostics.totalHeatTime\": 100")));
     QCOMPARE(run("set Diagnostics.totalHeatTime live").exitCode, 0);
-    QVERIFY(run("profile").out.contains(
-        QStringLiteral("\"Diagnostics.totalHeatTime\": \"live 100\"")));
+    QVERIFY(
+        run("profile").out.contains(QStringLiteral("\"Diagnostics.totalHeatTime\": \"live 100\"")));
     QCOMPARE(run({QStringLiteral("set"), QStringLiteral("Diagnostics.totalHeatTime"),
                      QStringLiteral("live 7")})
                  .exitCode,
