@@ -180,8 +180,10 @@ void setTolerance(std::vector<Tolerance> &tolerances, std::string_view text)
 
 std::string Pair::difference() const
 {
-    const auto old = before ? numberOf(before->number) : std::nullopt;
-    const auto now = after ? numberOf(after->number) : std::nullopt;
+    if (!before || !after)
+        return {};
+    const auto old = numberOf(before->number);
+    const auto now = numberOf(after->number);
     if (!old || !now || *old == *now)
         return {};
     std::string text = numberText(*now - *old);

@@ -251,6 +251,14 @@ int main(int argc, char **argv)
     app.name("vornreport");
     app.require_subcommand(1);
     app.footer(
+        "Examples:\n"
+        "  vornreport html report.txt > page.html         one page to look at\n"
+        "  vornreport diff march.txt april.txt            what changed in between\n"
+        "  vornreport check reports/                      what a technician should look at\n"
+        "  vornreport table reports/ > reports.csv        all lines, for SQLite and the like\n"
+        "  find . -name '*.txt' | vornreport json --files-from - | gzip > fleet.json.gz\n"
+        "  vornreport unit report.txt > unit.json && vornunit init unit.json\n"
+        "\n"
         "Exit codes: 0 done, the same or clean; 1 different or with findings; 2 trouble, which is\n"
         "told on the standard error stream, or wrong usage.\n"
         "\"vornreport COMMAND --help\" tells each command's options.");

@@ -92,7 +92,7 @@ std::vector<std::string> arguments(int, char **)
 void prepareProcess()
 {
     SetConsoleOutputCP(CP_UTF8);
-    for (std::FILE *stream : {stdout, stderr})
+    for (std::FILE *stream : {stdin, stdout, stderr})
         _setmode(_fileno(stream), _O_BINARY);
 }
 
