@@ -1,8 +1,11 @@
 #include "devicetools/contract.h"
+#include "tests/support/literals.h"
 
 #include <QtTest>
 
 #include <cstddef>
+
+using namespace support;
 
 /*
  * The binary interface to a unit's library, pinned: units in the field bring libraries of their
@@ -274,8 +277,7 @@ static_assert(VIDEO_MASK_ALL == 0x0F && SHUTDOWN_REASON_NO_ERROR == 31);
 QStringList symbols(const char *which, const QString &file)
 {
     QProcess nm;
-    nm.start(QStringLiteral("nm"),
-        {QStringLiteral("-D"), QStringLiteral("--format=posix"), QLatin1String(which), file});
+    nm.start("nm"_s, {"-D"_s, "--format=posix"_s, QLatin1String(which), file});
     if (!nm.waitForFinished(60'000) || nm.exitCode() != 0)
         qFatal("nm: %s", qPrintable(nm.errorString()));
     QStringList names;
@@ -302,7 +304,7 @@ QStringList contractNames()
 } // namespace
 
 /// What the program and a unit's library see of each other.
-class TestContract : public QObject
+class ContractTest : public QObject
 {
     Q_OBJECT
 
@@ -326,5 +328,5 @@ private slots:
     void numberOfOperations() { QCOMPARE(contractNames().size(), 213); }
 };
 
-QTEST_GUILESS_MAIN(TestContract)
+QTEST_GUILESS_MAIN(ContractTest)
 #include "tst_contract.moc"

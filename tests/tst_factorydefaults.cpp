@@ -6,6 +6,8 @@
 
 #include <QTemporaryDir>
 
+using namespace support;
+
 namespace {
 
 QString latin1(const char *text)
@@ -39,9 +41,9 @@ QStringList writes(const Equipment &unit)
         "Buzzer_setTrigger(false)", "Buzzer_release()"});
     add(latin1("Can_create()"));
     for (int channel = 1; channel <= unit.canChannels; ++channel)
-        add(QStringLiteral("Can_setBaudrate(%1, 125)").arg(channel));
+        add("Can_setBaudrate(%1, 125)"_s.arg(channel));
     for (int channel = 1; channel <= unit.canChannels; ++channel)
-        add(QStringLiteral("Can_setFrameType(%1, 2)").arg(channel));
+        add("Can_setFrameType(%1, 2)"_s.arg(channel));
     add(latin1("Can_release()"));
 
     addAll({"Config_create()", "Config_getSuspendMaxTime()"});
@@ -50,7 +52,7 @@ QStringList writes(const Equipment &unit)
     addAll({"Config_setExtFanStartupPowerConfig(0)", "Config_setExtOnOffSigTrigTime(4)",
         "Config_setFrontBtnTrigTime(4000)", "Config_setHeatingTempLimit(-25)",
         "Config_setLongButtonPressAction(2)", "Config_setOnOffSigAction(2)"});
-    add(QStringLiteral("Config_setShortButtonPressAction(%1)").arg(unit.suspend ? 1 : 2));
+    add("Config_setShortButtonPressAction(%1)"_s.arg(unit.suspend ? 1 : 2));
     addAll({"Config_setStartupTriggerConfig(3)", "Config_setStartupVoltageConfig(9)"});
     if (unit.suspend)
         add(latin1("Config_setSuspendMaxTime(60)"));
@@ -104,327 +106,310 @@ const QStringList counts = {latin1("Hardware_create()"), latin1("Hardware_getCan
 QStringList withoutResults(QStringList calls)
 {
     for (QString &call : calls)
-        call = call.section(QLatin1String(" = "), 0, 0);
+        call = call.section(" = "_s, 0, 0);
     return calls;
 }
 
 } // namespace
 
-class tst_factorydefaults : public DeviceTest
+class FactoryDefaultsTest : public DeviceTest
 {
     Q_OBJECT
 
 private slots:
-    void order_data();
-    void order();
-    void values();
-    void handles();
-    void board_data();
-    void board();
-    void count_thatCantBeRead();
-    void suspend_data();
-    void suspend();
-    void telematics_data();
-    void telematics();
-    void failures_areReportedOneByOne_data();
-    void failures_areReportedOneByOne();
-    void failures_thatAreNone();
-    void override_failsUnseen();
-    void profiles_data();
-    void profiles();
+    void order_data()
+    {
+        QTest::addColumn<int>("canCount");
+        QTest::addColumn<int>("videoCount");
+        for (const int canCount : {0, 1, 4, 7, 9})
+            QTest::addRow("%d CAN", canCount) << canCount << 4;
+        QTest::newRow("no video") << 4 << 0;
+        QTest::newRow("neither") << 0 << 0;
+    }
+
+    void order()
+    {
+        QFETCH(int, canCount);
+        QFETCH(int, videoCount);
+        setUnit(latin1("Hardware.canCount"), QString::number(canCount));
+        setUnit(latin1("Hardware.videoCount"), QString::number(videoCount));
+        const QStringList made = reset();
+        Equipment unit;
+        unit.canChannels = std::min(canCount, 7);
+        unit.video = videoCount > 0;
+        QCOMPARE(withoutResults(made), counts + writes(unit));
+    }
+
+    void values()
+    {
+        setUnit(latin1("Touch.mode"), latin1("0"));
+        reset();
+        const std::pair<const char *, const char *> values[] = {{"Backlight.intensity", "255"},
+            {"Backlight.automaticBLStatus", "0"}, {"Backlight.softTransitions", "false"},
+            {"Backlight.averageWindowSize", "5"}, {"Backlight.rejectWindowSize", "5"},
+            {"Backlight.rejectDeltaLux", "50"}, {"Backlight.samplingMode", "2"},
+            {"Backlight.ledDimming", "1"}, {"Buzzer.frequency", "700"}, {"Buzzer.volume", "0"},
+            {"Buzzer.trigger", "false"}, {"Can.baudrate1", "125"}, {"Can.baudrate4", "125"},
+            {"Can.frameType1", "2"}, {"Can.frameType4", "2"}, {"Config.canStartupPower", "0"},
+            {"Config.extFanStartupPower", "0"}, {"Config.extOnOffSigTrigTime", "4"},
+            {"Config.frontBtnTrigTime", "4000"}, {"Config.heatingTempLimit", "-25"},
+            {"Config.longButtonPressAction", "2"}, {"Config.onOffSigAction", "2"},
+            {"Config.shortButtonPressAction", "1"}, {"Config.startupTrigger", "3"},
+            {"Config.startupVoltage", "9"}, {"Config.suspendMaxTime", "60"},
+            {"Config.videoStartupPower", "0"}, {"Config.powerOnStartup", "0"},
+            {"FrontLED.red", "0"}, {"FrontLED.green", "15"}, {"FrontLED.blue", "0"},
+            {"FrontLED.enabledDuringStartup", "1"}, {"FrontLED.idleTime", "0"},
+            {"FrontLED.nrOfPulses", "0"}, {"FrontLED.offTime", "0"}, {"FrontLED.onTime", "100"},
+            {"LightSensor.operatingRange", "0"}, {"Power.blPowerStatus", "1"},
+            {"Power.canPowerStatus", "0"}, {"Power.extFanPowerStatus", "0"},
+            {"Power.videoPowerStatus", "0"}, {"Touch.mode", "3"},
+            {"Touch.mouseRightClickTime", "1000"}, {"Telematics.gprsPowerStatus", "0"},
+            {"Telematics.gprsStartUpPowerStatus", "0"}, {"Telematics.wlanPowerStatus", "0"},
+            {"Telematics.wlanStartUpPowerStatus", "0"}, {"Telematics.gpsPowerStatus", "0"},
+            {"Telematics.gpsStartUpPowerStatus", "0"}, {"Telematics.btPowerStatus", "0"},
+            {"Telematics.btStartUpPowerStatus", "0"}};
+        for (const auto &[name, value] : values)
+            QCOMPARE(latin1(name) + latin1("=") + unit(latin1(name)),
+                latin1(name) + latin1("=") + latin1(value));
+    }
+
+    void handles()
+    {
+        const SkippedPauses pauses;
+        applyFactoryDefaults();
+        QStringList lives;
+        for (const QString &line : journal()) {
+            if (line.contains("_create"_s) || line.contains("_release"_s))
+                lives << line.section(QLatin1Char(' '), 1);
+        }
+        QStringList expected;
+        const auto life = [](const char *family, int number) {
+            return QStringList{latin1(family) + "_create() = #%1"_s.arg(number),
+                latin1(family) + "_release(#%1)"_s.arg(number)};
+        };
+        for (const char *family : {"Hardware", "Backlight", "Buzzer", "Can", "Config", "FrontLED",
+                 "LightSensor", "Power", "Touch"})
+            expected += life(family, 1);
+        const QStringList telematics = life("Telematics", 1);
+        expected += QStringList{telematics[0]} + life("Hardware", 2) + QStringList{telematics[1]};
+        QCOMPARE(lives, expected);
+    }
+
+    void board_data()
+    {
+        QTest::addColumn<QByteArray>("board");
+        QTest::addColumn<bool>("override");
+        QTest::newRow("type 0") << QByteArray("Standard PC") << false;
+        QTest::newRow("type 1") << QByteArray("COMe-bIP6") << true;
+        QTest::newRow("type 1, by part") << QByteArray("ChiefRiver 2") << true;
+        QTest::newRow("type 2") << QByteArray("TS77") << true;
+        QTest::newRow("type 4") << QByteArray("TCA3") << false;
+    }
+
+    void board()
+    {
+        QFETCH(QByteArray, board);
+        QFETCH(bool, override);
+        const QStringList made = reset(board.constData());
+        Equipment equipment;
+        equipment.override = override;
+        QCOMPARE(withoutResults(made), counts + writes(equipment));
+        QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1(override ? "0" : "2"));
+        QCOMPARE(unit(latin1("Config.shortButtonPressAction")), latin1(override ? "2" : "1"));
+        QCOMPARE(unit(latin1("Config.longButtonPressAction")), latin1("2"));
+        QCOMPARE(unit(latin1("Config.startupTrigger")), latin1("3"));
+        QCOMPARE(unit(latin1("Config.suspendMaxTime")), latin1("60"));
+    }
+
+    void count_thatCantBeRead()
+    {
+        fault(latin1("Hardware_getCanCount"), 5);
+        fault(latin1("Hardware_getVideoCount"), 18);
+        const QStringList made = reset();
+        Equipment unit;
+        unit.canChannels = 0;
+        unit.video = false;
+        QCOMPARE(withoutResults(made), counts + writes(unit));
+    }
+
+    void suspend_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("board");
+        for (const int code : failureCodes)
+            QTest::addRow("%d", code) << code << QByteArray("TCA3");
+        QTest::newRow("2, board of type 2") << 2 << QByteArray("TS77");
+    }
+
+    void suspend()
+    {
+        QFETCH(int, code);
+        QFETCH(QByteArray, board);
+        fault(latin1("Config_getSuspendMaxTime"), code);
+        const QStringList made = reset(board.constData());
+        Equipment unit;
+        unit.suspend = code != DEVICE_NOT_SUPPORTED;
+        unit.override = board == "TS77";
+        QCOMPARE(withoutResults(made), counts + writes(unit));
+    }
+
+    void telematics_data()
+    {
+        QTest::addColumn<QString>("faultOn");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("property");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("fitted");
+        QTest::addColumn<QStringList>("radios");
+        const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
+        const auto without = [&all](const char *radio) {
+            QStringList radios = all;
+            radios.removeOne(latin1(radio));
+            return radios;
+        };
+        for (const int code : failureCodes)
+            QTest::addRow("getAvailable, %d", code) << latin1("Telematics_getAvailable") << code
+                                                    << QString() << QString() << false << all;
+        QTest::newRow("no board") << QString() << 0 << latin1("Telematics.available") << latin1("0")
+                                  << false << all;
+        QTest::newRow("board 2") << QString() << 0 << latin1("Telematics.available") << latin1("2")
+                                 << false << all;
+        const std::tuple<const char *, const char *, const char *> queries[] = {
+            {"Hardware_hasGsm", "Hardware.hasGsm", "GPRS"},
+            {"Hardware_hasWlan", "Hardware.hasWlan", "WLAN"},
+            {"Hardware_hasGps", "Hardware.hasGps", "GPS"},
+            {"Hardware_hasBluetooth", "Hardware.hasBluetooth", "BT"}};
+        for (const auto &[query, property, radio] : queries) {
+            QTest::addRow("no %s", radio)
+                << QString() << 0 << latin1(property) << latin1("false") << true << without(radio);
+            QTest::addRow("%s fails", query)
+                << latin1(query) << 5 << QString() << QString() << true << without(radio);
+        }
+    }
+
+    void telematics()
+    {
+        QFETCH(QString, faultOn);
+        QFETCH(int, code);
+        QFETCH(QString, property);
+        QFETCH(QString, value);
+        QFETCH(bool, fitted);
+        QFETCH(QStringList, radios);
+        if (!faultOn.isEmpty())
+            fault(faultOn, code);
+        if (!property.isEmpty())
+            setUnit(property, value);
+        const QStringList made = reset();
+        Equipment unit;
+        unit.telematics = fitted;
+        unit.radios = radios;
+        QCOMPARE(withoutResults(made), counts + writes(unit));
+    }
+
+    void failures_areReportedOneByOne_data()
+    {
+        QTest::addColumn<int>("code");
+        for (const int code : faultCodes)
+            QTest::addRow("%d", code) << code;
+    }
+
+    void failures_areReportedOneByOne()
+    {
+        QFETCH(int, code);
+        QStringList expected;
+        const QString text = "Error(%1) in "_s.arg(code);
+        setUnit(latin1("Hardware.canCount"), latin1("7"));
+        for (const QString &call : writes([] {
+                 Equipment unit;
+                 unit.canChannels = 7;
+                 return unit;
+             }())) {
+            const QString operation = call.section(QLatin1Char('('), 0, 0);
+            const QString name = operation.section(QLatin1Char('_'), 1);
+            if (!name.startsWith("set"_s) && name != "stopAutomaticBL"_s)
+                continue;
+            fault(operation, code);
+            QString channel;
+            if (operation.startsWith("Can_"_s))
+                channel = latin1(" CAN") + call.section(QLatin1Char('('), 1).left(1);
+            expected << text + name + channel + latin1(": ") + latin1(deviceErrorText(code));
+        }
+        const QStringList made = reset();
+        QCOMPARE(dialogs.takeTexts(), expected);
+        // Each text was asked for once.
+        QCOMPARE(made.filter("deviceErrorText("_s).size(), expected.size());
+    }
+
+    void failures_thatAreNone()
+    {
+        for (const QString &call : writes(Equipment()))
+            if (call.contains("_set"_s))
+                fault(call.section(QLatin1Char('('), 0, 0), DEVICE_NOT_SUPPORTED);
+        const QStringList made = reset();
+        QCOMPARE(withoutResults(made), counts + writes(Equipment()));
+        QCOMPARE(dialogs.takeTexts(), QStringList());
+    }
+
+    void override_failsUnseen()
+    {
+        // The first write of each goes well, the one that overrides it fails.
+        for (const char *operation :
+            {"Config_setStartupTriggerConfig", "Config_setShortButtonPressAction",
+                "Config_setLongButtonPressAction", "Config_setOnOffSigAction"})
+            fault(latin1(operation), 5, 0, 1);
+        const QStringList made = reset("TS77");
+        Equipment equipment;
+        equipment.override = true;
+        QCOMPARE(withoutResults(made), counts + writes(equipment));
+        QCOMPARE(dialogs.takeTexts(), QStringList());
+        QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1("2"));
+    }
+
+    void profiles_data()
+    {
+        QTest::addColumn<QStringList>("radios");
+        QTest::addColumn<bool>("telematics");
+        const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
+        QTest::newRow("full") << all << true;
+        QTest::newRow("basic") << QStringList() << false;
+        QTest::newRow("no-touch") << all << true;
+        QTest::newRow("gps-only") << QStringList{latin1("GPS")} << true;
+        QTest::newRow("gsm-only") << QStringList{latin1("GPRS")} << true;
+    }
+
+    void profiles()
+    {
+        QFETCH(QStringList, radios);
+        QFETCH(bool, telematics);
+        useProfile(latin1(QTest::currentDataTag()));
+        Equipment equipment;
+        equipment.canChannels = unit(latin1("Hardware.canCount")).toInt();
+        equipment.video = unit(latin1("Hardware.videoCount")).toInt() > 0;
+        equipment.suspend = unit(latin1("Feature.suspend")) == "true"_s;
+        equipment.telematics = telematics;
+        equipment.radios = radios;
+        const QStringList made = reset();
+        QCOMPARE(withoutResults(made), counts + writes(equipment));
+        QCOMPARE(dialogs.takeTexts(), QStringList());
+    }
 
 private:
     /** Runs the reset on a CPU board of that name, null for none. The result: calls and pauses. */
     QStringList reset(const char *board = nullptr)
     {
-        support::BiosData bios;
+        BiosData bios;
         if (board)
             bios.setBoard(board);
         calls();
         QStringList seen;
-        const support::SkippedPauses pauses([&](int milliseconds) {
+        const SkippedPauses pauses([&](int milliseconds) {
             seen += calls();
-            seen << QStringLiteral("pause(%1)").arg(milliseconds);
+            seen << "pause(%1)"_s.arg(milliseconds);
         });
         applyFactoryDefaults();
         return seen + calls();
     }
 };
 
-void tst_factorydefaults::order_data()
-{
-    QTest::addColumn<int>("canCount");
-    QTest::addColumn<int>("videoCount");
-    for (const int canCount : {0, 1, 4, 7, 9})
-        QTest::addRow("%d CAN", canCount) << canCount << 4;
-    QTest::newRow("no video") << 4 << 0;
-    QTest::newRow("neither") << 0 << 0;
-}
-
-void tst_factorydefaults::order()
-{
-    QFETCH(int, canCount);
-    QFETCH(int, videoCount);
-    setUnit(latin1("Hardware.canCount"), QString::number(canCount));
-    setUnit(latin1("Hardware.videoCount"), QString::number(videoCount));
-    const QStringList made = reset();
-    Equipment unit;
-    unit.canChannels = std::min(canCount, 7);
-    unit.video = videoCount > 0;
-    QCOMPARE(withoutResults(made), counts + writes(unit));
-}
-
-void tst_factorydefaults::values()
-{
-    setUnit(latin1("Touch.mode"), latin1("0"));
-    reset();
-    const std::pair<const char *, const char *> values[] = {{"Backlight.intensity", "255"},
-        {"Backlight.automaticBLStatus", "0"}, {"Backlight.softTransitions", "false"},
-        {"Backlight.averageWindowSize", "5"}, {"Backlight.rejectWindowSize", "5"},
-        {"Backlight.rejectDeltaLux", "50"}, {"Backlight.samplingMode", "2"},
-        {"Backlight.ledDimming", "1"}, {"Buzzer.frequency", "700"}, {"Buzzer.volume", "0"},
-        {"Buzzer.trigger", "false"}, {"Can.baudrate1", "125"}, {"Can.baudrate4", "125"},
-        {"Can.frameType1", "2"}, {"Can.frameType4", "2"}, {"Config.canStartupPower", "0"},
-        {"Config.extFanStartupPower", "0"}, {"Config.extOnOffSigTrigTime", "4"},
-        {"Config.frontBtnTrigTime", "4000"}, {"Config.heatingTempLimit", "-25"},
-        {"Config.longButtonPressAction", "2"}, {"Config.onOffSigAction", "2"},
-        {"Config.shortButtonPressAction", "1"}, {"Config.startupTrigger", "3"},
-        {"Config.startupVoltage", "9"}, {"Config.suspendMaxTime", "60"},
-        {"Config.videoStartupPower", "0"}, {"Config.powerOnStartup", "0"}, {"FrontLED.red", "0"},
-        {"FrontLED.green", "15"}, {"FrontLED.blue", "0"}, {"FrontLED.enabledDuringStartup", "1"},
-        {"FrontLED.idleTime", "0"}, {"FrontLED.nrOfPulses", "0"}, {"FrontLED.offTime", "0"},
-        {"FrontLED.onTime", "100"}, {"LightSensor.operatingRange", "0"},
-        {"Power.blPowerStatus", "1"}, {"Power.canPowerStatus", "0"},
-        {"Power.extFanPowerStatus", "0"}, {"Power.videoPowerStatus", "0"}, {"Touch.mode", "3"},
-        {"Touch.mouseRightClickTime", "1000"}, {"Telematics.gprsPowerStatus", "0"},
-        {"Telematics.gprsStartUpPowerStatus", "0"}, {"Telematics.wlanPowerStatus", "0"},
-        {"Telematics.wlanStartUpPowerStatus", "0"}, {"Telematics.gpsPowerStatus", "0"},
-        {"Telematics.gpsStartUpPowerStatus", "0"}, {"Telematics.btPowerStatus", "0"},
-        {"Telematics.btStartUpPowerStatus", "0"}};
-    for (const auto &[name, value] : values)
-        QCOMPARE(latin1(name) + latin1("=") + unit(latin1(name)),
-            latin1(name) + latin1("=") + latin1(value));
-}
-
-void tst_factorydefaults::handles()
-{
-    const support::SkippedPauses pauses;
-    applyFactoryDefaults();
-    QStringList lives;
-    for (const QString &line : journal()) {
-        if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))
-            lives << line.section(QLatin1Char(' '), 1);
-    }
-    QStringList expected;
-    const auto life = [](const char *family, int number) {
-        return QStringList{latin1(family) + QStringLiteral("_create() = #%1").arg(number),
-            latin1(family) + QStringLiteral("_release(#%1)").arg(number)};
-    };
-    for (const char *family : {"Hardware", "Backlight", "Buzzer", "Can", "Config", "FrontLED",
-             "LightSensor", "Power", "Touch"})
-        expected += life(family, 1);
-    const QStringList telematics = life("Telematics", 1);
-    expected += QStringList{telematics[0]} + life("Hardware", 2) + QStringList{telematics[1]};
-    QCOMPARE(lives, expected);
-}
-
-void tst_factorydefaults::board_data()
-{
-    QTest::addColumn<QByteArray>("board");
-    QTest::addColumn<bool>("override");
-    QTest::newRow("type 0") << QByteArray("Standard PC") << false;
-    QTest::newRow("type 1") << QByteArray("COMe-bIP6") << true;
-    QTest::newRow("type 1, by part") << QByteArray("ChiefRiver 2") << true;
-    QTest::newRow("type 2") << QByteArray("TS77") << true;
-    QTest::newRow("type 4") << QByteArray("TCA3") << false;
-}
-
-void tst_factorydefaults::board()
-{
-    QFETCH(QByteArray, board);
-    QFETCH(bool, override);
-    const QStringList made = reset(board.constData());
-    Equipment equipment;
-    equipment.override = override;
-    QCOMPARE(withoutResults(made), counts + writes(equipment));
-    QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1(override ? "0" : "2"));
-    QCOMPARE(unit(latin1("Config.shortButtonPressAction")), latin1(override ? "2" : "1"));
-    QCOMPARE(unit(latin1("Config.longButtonPressAction")), latin1("2"));
-    QCOMPARE(unit(latin1("Config.startupTrigger")), latin1("3"));
-    QCOMPARE(unit(latin1("Config.suspendMaxTime")), latin1("60"));
-}
-
-void tst_factorydefaults::count_thatCantBeRead()
-{
-    fault(latin1("Hardware_getCanCount"), 5);
-    fault(latin1("Hardware_getVideoCount"), 18);
-    const QStringList made = reset();
-    Equipment unit;
-    unit.canChannels = 0;
-    unit.video = false;
-    QCOMPARE(withoutResults(made), counts + writes(unit));
-}
-
-void tst_factorydefaults::suspend_data()
-{
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QByteArray>("board");
-    for (const int code : {2, 18, 20, 5, -1})
-        QTest::addRow("%d", code) << code << QByteArray("TCA3");
-    QTest::newRow("2, board of type 2") << 2 << QByteArray("TS77");
-}
-
-void tst_factorydefaults::suspend()
-{
-    QFETCH(int, code);
-    QFETCH(QByteArray, board);
-    fault(latin1("Config_getSuspendMaxTime"), code);
-    const QStringList made = reset(board.constData());
-    Equipment unit;
-    unit.suspend = code != DEVICE_NOT_SUPPORTED;
-    unit.override = board == "TS77";
-    QCOMPARE(withoutResults(made), counts + writes(unit));
-}
-
-void tst_factorydefaults::telematics_data()
-{
-    QTest::addColumn<QString>("faultOn");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<bool>("fitted");
-    QTest::addColumn<QStringList>("radios");
-    const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
-    const auto without = [&all](const char *radio) {
-        QStringList radios = all;
-        radios.removeOne(latin1(radio));
-        return radios;
-    };
-    for (const int code : {2, 18, 20, 5, -1})
-        QTest::addRow("getAvailable, %d", code)
-            << latin1("Telematics_getAvailable") << code << QString() << QString() << false << all;
-    QTest::newRow("no board") << QString() << 0 << latin1("Telematics.available") << latin1("0")
-                              << false << all;
-    QTest::newRow("board 2") << QString() << 0 << latin1("Telematics.available") << latin1("2")
-                             << false << all;
-    const std::tuple<const char *, const char *, const char *> queries[] = {
-        {"Hardware_hasGsm", "Hardware.hasGsm", "GPRS"},
-        {"Hardware_hasWlan", "Hardware.hasWlan", "WLAN"},
-        {"Hardware_hasGps", "Hardware.hasGps", "GPS"},
-        {"Hardware_hasBluetooth", "Hardware.hasBluetooth", "BT"}};
-    for (const auto &[query, property, radio] : queries) {
-        QTest::addRow("no %s", radio)
-            << QString() << 0 << latin1(property) << latin1("false") << true << without(radio);
-        QTest::addRow("%s fails", query)
-            << latin1(query) << 5 << QString() << QString() << true << without(radio);
-    }
-}
-
-void tst_factorydefaults::telematics()
-{
-    QFETCH(QString, faultOn);
-    QFETCH(int, code);
-    QFETCH(QString, property);
-    QFETCH(QString, value);
-    QFETCH(bool, fitted);
-    QFETCH(QStringList, radios);
-    if (!faultOn.isEmpty())
-        fault(faultOn, code);
-    if (!property.isEmpty())
-        setUnit(property, value);
-    const QStringList made = reset();
-    Equipment unit;
-    unit.telematics = fitted;
-    unit.radios = radios;
-    QCOMPARE(withoutResults(made), counts + writes(unit));
-}
-
-void tst_factorydefaults::failures_areReportedOneByOne_data()
-{
-    QTest::addColumn<int>("code");
-    for (const int code : {18, 20, 5, -1})
-        QTest::addRow("%d", code) << code;
-}
-
-void tst_factorydefaults::failures_areReportedOneByOne()
-{
-    QFETCH(int, code);
-    QStringList expected;
-    const QString text = QStringLiteral("Error(%1) in ").arg(code);
-    setUnit(latin1("Hardware.canCount"), latin1("7"));
-    for (const QString &call : writes([] {
-             Equipment unit;
-             unit.canChannels = 7;
-             return unit;
-         }())) {
-        const QString operation = call.section(QLatin1Char('('), 0, 0);
-        const QString name = operation.section(QLatin1Char('_'), 1);
-        if (!name.startsWith(QLatin1String("set")) && name != QLatin1String("stopAutomaticBL"))
-            continue;
-        fault(operation, code);
-        QString channel;
-        if (operation.startsWith(QLatin1String("Can_")))
-            channel = latin1(" CAN") + call.section(QLatin1Char('('), 1).left(1);
-        expected << text + name + channel + latin1(": ") + latin1(deviceErrorText(code));
-    }
-    const QStringList made = reset();
-    QCOMPARE(dialogs.takeTexts(), expected);
-    // Each text was asked for once.
-    QCOMPARE(made.filter(QLatin1String("deviceErrorText(")).size(), expected.size());
-}
-
-void tst_factorydefaults::failures_thatAreNone()
-{
-    for (const QString &call : writes(Equipment()))
-        if (call.contains(QLatin1String("_set")))
-            fault(call.section(QLatin1Char('('), 0, 0), DEVICE_NOT_SUPPORTED);
-    const QStringList made = reset();
-    QCOMPARE(withoutResults(made), counts + writes(Equipment()));
-    QCOMPARE(dialogs.takeTexts(), QStringList());
-}
-
-void tst_factorydefaults::override_failsUnseen()
-{
-    // The first write of each goes well, the one that overrides it fails.
-    for (const char *operation :
-        {"Config_setStartupTriggerConfig", "Config_setShortButtonPressAction",
-            "Config_setLongButtonPressAction", "Config_setOnOffSigAction"})
-        fault(latin1(operation), 5, 0, 1);
-    const QStringList made = reset("TS77");
-    Equipment equipment;
-    equipment.override = true;
-    QCOMPARE(withoutResults(made), counts + writes(equipment));
-    QCOMPARE(dialogs.takeTexts(), QStringList());
-    QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1("2"));
-}
-
-void tst_factorydefaults::profiles_data()
-{
-    QTest::addColumn<QStringList>("radios");
-    QTest::addColumn<bool>("telematics");
-    const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
-    QTest::newRow("full") << all << true;
-    QTest::newRow("basic") << QStringList() << false;
-    QTest::newRow("no-touch") << all << true;
-    QTest::newRow("gps-only") << QStringList{latin1("GPS")} << true;
-    QTest::newRow("gsm-only") << QStringList{latin1("GPRS")} << true;
-}
-
-void tst_factorydefaults::profiles()
-{
-    QFETCH(QStringList, radios);
-    QFETCH(bool, telematics);
-    useProfile(latin1(QTest::currentDataTag()));
-    Equipment equipment;
-    equipment.canChannels = unit(latin1("Hardware.canCount")).toInt();
-    equipment.video = unit(latin1("Hardware.videoCount")).toInt() > 0;
-    equipment.suspend = unit(latin1("Feature.suspend")) == QLatin1String("true");
-    equipment.telematics = telematics;
-    equipment.radios = radios;
-    const QStringList made = reset();
-    QCOMPARE(withoutResults(made), counts + writes(equipment));
-    QCOMPARE(dialogs.takeTexts(), QStringList());
-}
-
-VORN_TEST_MAIN(tst_factorydefaults)
+VORN_TEST_MAIN(FactoryDefaultsTest)
 #include "tst_factorydefaults.moc"

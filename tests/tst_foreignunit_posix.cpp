@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+using namespace support;
+
 /**
  * The whole program on a device library that is not ours and answers anything: values out of every
  * range, texts without an end, failures that write and successes that don't. Nothing may crash,
@@ -22,86 +24,80 @@ class ForeignUnitTest : public WindowSweep
 
 private slots:
     void window_data() { seeds(); }
-    void window();
+
+    void window()
+    {
+        QFETCH(int, seed);
+        seedForeignUnit(std::uint64_t(seed));
+        sweepWindow();
+        // The LED page hands on whatever colour the device has; only Qt's style sheets mind.
+        for (const QString &warning : takeWarnings())
+            QCOMPARE(warning, "QColor::fromRgb: RGB parameters out of range"_s);
+    }
     void jobs_data() { seeds(); }
-    void jobs();
-    void reset_data() { seeds(); }
-    void reset();
 
-private:
-    static void seeds();
-    bool isWorthPressing(const QAbstractButton *button) override;
-};
-
-void ForeignUnitTest::seeds()
-{
-    QTest::addColumn<int>("seed");
-    const int number = qEnvironmentVariableIntValue("VORN_SEEDS");
-    for (int seed = 1; seed <= (number > 0 ? number : 25); ++seed)
-        QTest::addRow("%d", seed) << seed;
-}
-
-// What the dialogs for files do has nothing to do with the unit.
-bool ForeignUnitTest::isWorthPressing(const QAbstractButton *button)
-{
-    return button->objectName() != QLatin1String("buttonFile") &&
-           button->objectName() != QLatin1String("pushButtonSaveAs");
-}
-
-void ForeignUnitTest::window()
-{
-    QFETCH(int, seed);
-    seedForeignUnit(std::uint64_t(seed));
-    sweepWindow();
-    // The LED page hands on whatever colour the device has; only Qt's style sheets mind.
-    for (const QString &warning : takeWarnings())
-        QCOMPARE(warning, QStringLiteral("QColor::fromRgb: RGB parameters out of range"));
-}
-
-void ForeignUnitTest::jobs()
-{
-    QFETCH(int, seed);
-    seedForeignUnit(std::uint64_t(seed));
-    const support::SkippedPauses pauses;
-    int jobsDone = 0;
-    dialogs.setDefaultAnswer([&jobsDone](QDialog *dialog) {
-        auto *box = qobject_cast<QMessageBox *>(dialog);
-        if (box && box->button(QMessageBox::Yes))
-            return box->button(QMessageBox::Yes)->click();
-        jobsDone += box && (box->text().contains(QLatin1String("succeeded!")) ||
-                               box->text().contains(QLatin1String("failed in state")));
-        dialog->accept();
-    });
-    tabAdvancedDlg page;
-    page.show();
-    auto *path = support::child<QLineEdit>(&page, "editFileName");
-    for (const QString &suffix : {QStringLiteral(".mcs"), QStringLiteral(".hex")}) {
-        path->setText(QLatin1Char('a') + suffix);
-        for (const bool verifies : {false, true}) {
-            support::child<QCheckBox>(&page, "checkBox")->setChecked(verifies);
-            for (QPushButton *button : page.findChildren<QPushButton *>()) {
-                if (isWorthPressing(button))
-                    QTest::mouseClick(button, Qt::LeftButton);
+    void jobs()
+    {
+        QFETCH(int, seed);
+        seedForeignUnit(std::uint64_t(seed));
+        const SkippedPauses pauses;
+        int jobsDone = 0;
+        dialogs.setDefaultAnswer([&jobsDone](QDialog *dialog) {
+            auto *box = qobject_cast<QMessageBox *>(dialog);
+            if (box && box->button(QMessageBox::Yes))
+                return box->button(QMessageBox::Yes)->click();
+            jobsDone += box && (box->text().contains("succeeded!"_s) ||
+                                   box->text().contains("failed in state"_s));
+            dialog->accept();
+        });
+        tabAdvancedDlg page;
+        page.show();
+        auto *path = child<QLineEdit>(&page, "editFileName");
+        for (const QString &suffix : {".mcs"_s, ".hex"_s}) {
+            path->setText(QLatin1Char('a') + suffix);
+            for (const bool verifies : {false, true}) {
+                child<QCheckBox>(&page, "checkBox")->setChecked(verifies);
+                for (QPushButton *button : page.findChildren<QPushButton *>()) {
+                    if (isWorthPressing(button))
+                        QTest::mouseClick(button, Qt::LeftButton);
+                }
             }
         }
+        dialogs.take();
+        QVERIFY(jobsDone > 0);
     }
-    dialogs.take();
-    QVERIFY(jobsDone > 0);
-}
+    void reset_data() { seeds(); }
 
-void ForeignUnitTest::reset()
-{
-    QFETCH(int, seed);
-    seedForeignUnit(std::uint64_t(seed));
-    const support::SkippedPauses pauses;
-    applyFactoryDefaults();
-    for (const QString &text : dialogs.takeTexts())
-        QVERIFY2(text.startsWith(QLatin1String("Error(")), qPrintable(text));
-}
+    void reset()
+    {
+        QFETCH(int, seed);
+        seedForeignUnit(std::uint64_t(seed));
+        const SkippedPauses pauses;
+        applyFactoryDefaults();
+        for (const QString &text : dialogs.takeTexts())
+            QVERIFY2(text.startsWith("Error("_s), qPrintable(text));
+    }
+
+private:
+    static void seeds()
+    {
+        QTest::addColumn<int>("seed");
+        const int number = qEnvironmentVariableIntValue("VORN_SEEDS");
+        for (int seed = 1; seed <= (number > 0 ? number : 25); ++seed)
+            QTest::addRow("%d", seed) << seed;
+    }
+
+    // What the dialogs for files do has nothing to do with the unit.
+    bool isWorthPressing(const QAbstractButton *button) override
+    {
+        return button->objectName() != "buttonFile"_s &&
+               button->objectName() != "pushButtonSaveAs"_s;
+    }
+};
 
 int main(int argc, char *argv[])
 {
-    support::prepareEnvironment();
+    prepareEnvironment();
     QApplication application(argc, argv);
     setApplicationLook();
     ForeignUnitTest test;

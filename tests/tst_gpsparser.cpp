@@ -1,7 +1,10 @@
 #include "telematics/gpsParser.h"
+#include "tests/support/literals.h"
 
 #include <QDir>
 #include <QtTest>
+
+using namespace support;
 
 namespace {
 
@@ -47,7 +50,7 @@ QByteArray contents(const QString &path)
 
 } // namespace
 
-class TestGpsParser : public QObject
+class GpsParserTest : public QObject
 {
     Q_OBJECT
 
@@ -285,7 +288,7 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         const QDir folder(QStringLiteral(VORN_SOURCE_DIR "/tests/nmea"));
-        const auto files = folder.entryList({QStringLiteral("*.nmea")});
+        const auto files = folder.entryList({"*.nmea"_s});
         QVERIFY(files.size() >= 3);
         for (const QString &file : files)
             QTest::newRow(qPrintable(file)) << folder.filePath(file);
@@ -299,11 +302,11 @@ private slots:
         for (int start = 0; start < recorded.size(); start += 512)
             shown += readChunk(recorded.mid(start, 512), fields);
         const QByteArray expected =
-            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expected"));
+            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + ".expected"_s);
         QCOMPARE(QString::fromUtf8(shown).split(QLatin1Char('\n')),
             QString::fromUtf8(expected).split(QLatin1Char('\n')));
     }
 };
 
-QTEST_APPLESS_MAIN(TestGpsParser)
+QTEST_APPLESS_MAIN(GpsParserTest)
 #include "tst_gpsparser.moc"

@@ -10,6 +10,8 @@
 
 #include <functional>
 
+using namespace support;
+
 namespace {
 
 std::function<void(VornSettings *)> visit; ///< called once the event loop runs
@@ -19,7 +21,7 @@ QStringList journal()
 {
     QStringList lines;
     for (const auto &call : virtualunit::takeJournal())
-        lines << support::text(call.text());
+        lines << text(call.text());
     return lines;
 }
 
@@ -44,7 +46,7 @@ Q_COREAPP_STARTUP_FUNCTION(whenApplicationStarts)
 } // namespace
 
 /// The whole graphical mode, from its application object to its exit value.
-class TestGraphicalMode : public QObject
+class GraphicalModeTest : public QObject
 {
     Q_OBJECT
 
@@ -63,8 +65,8 @@ private slots:
     // Without a battery no thread outlives its window.
     void init()
     {
-        support::freshUnit();
-        support::put("Battery.available", "0");
+        freshUnit();
+        put("Battery.available", "0");
         virtualunit::startJournal();
     }
 
@@ -112,11 +114,11 @@ private slots:
             journal();
             window->close();
         });
-        QCOMPARE(releasedBeforeApplication.value(0), QStringLiteral("T1 Hardware_release(#1)"));
+        QCOMPARE(releasedBeforeApplication.value(0), "T1 Hardware_release(#1)"_s);
         QVERIFY(releasedBeforeApplication.size() > 10);
         QCOMPARE(journal(), QStringList());
     }
 };
 
-QTEST_APPLESS_MAIN(TestGraphicalMode)
+QTEST_APPLESS_MAIN(GraphicalModeTest)
 #include "tst_graphicalmode.moc"

@@ -19,6 +19,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+using namespace support;
+
 using virtualunit::lines::Lines;
 
 namespace {
@@ -123,7 +125,7 @@ private:
 
 } // namespace
 
-class TestLines : public DeviceTest
+class LinesTest : public DeviceTest
 {
     Q_OBJECT
 
@@ -131,16 +133,16 @@ private slots:
     void names()
     {
         const Server server;
-        QTRY_COMPARE(server.names(), (QStringList{QStringLiteral("COM3"), QStringLiteral("COM4")}));
-        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QStringLiteral("COM9"));
-        QTRY_COMPARE(server.names(), (QStringList{QStringLiteral("COM3"), QStringLiteral("COM9")}));
-        setUnit(QStringLiteral("Hardware.hasGsm"), QStringLiteral("false"));
-        QTRY_COMPARE(server.names(), QStringList{QStringLiteral("COM9")});
-        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QStringLiteral("/dev/ttyS1"));
+        QTRY_COMPARE(server.names(), (QStringList{"COM3"_s, "COM4"_s}));
+        setUnit("Settings.VornsettingsGpsPort"_s, "COM9"_s);
+        QTRY_COMPARE(server.names(), (QStringList{"COM3"_s, "COM9"_s}));
+        setUnit("Hardware.hasGsm"_s, "false"_s);
+        QTRY_COMPARE(server.names(), QStringList{"COM9"_s});
+        setUnit("Settings.VornsettingsGpsPort"_s, "/dev/ttyS1"_s);
         QTRY_COMPARE(server.names(), QStringList());
-        setUnit(QStringLiteral("Settings.VornsettingsGpsPort"), QString());
-        QTRY_COMPARE(server.names(), QStringList{QStringLiteral("COM4")});
-        setUnit(QStringLiteral("Telematics.available"), QStringLiteral("0"));
+        setUnit("Settings.VornsettingsGpsPort"_s, QString());
+        QTRY_COMPARE(server.names(), QStringList{"COM4"_s});
+        setUnit("Telematics.available"_s, "0"_s);
         QTRY_COMPARE(server.names(), QStringList());
     }
 
@@ -155,12 +157,12 @@ private slots:
         }
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::System).size(), 0);
         // Links that a killed server left are replaced, files are not.
-        QVERIFY(QFile::link(QStringLiteral("/nowhere"), folder.filePath(QStringLiteral("COM4"))));
+        QVERIFY(QFile::link("/nowhere"_s, folder.filePath("COM4"_s)));
         {
             const Lines lines(path);
-            QVERIFY(QFile::exists(folder.filePath(QStringLiteral("COM4"))));
+            QVERIFY(QFile::exists(folder.filePath("COM4"_s)));
         }
-        QFile file(folder.filePath(QStringLiteral("COM3")));
+        QFile file(folder.filePath("COM3"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY_EXCEPTION_THROWN(Lines third(path), std::system_error);
         QVERIFY(file.exists());
@@ -182,8 +184,8 @@ private slots:
         QCOMPARE(modem.ask("AT+CPIN?"), QByteArray("\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"));
         QCOMPARE(modem.ask("AT+CPIN=1234"), QByteArray("\r\nOK\r\n"));
         QCOMPARE(modem.ask("AT+CREG?"), QByteArray("\r\n+CREG: 0,1\r\n\r\nOK\r\n"));
-        setUnit(QStringLiteral("Gsm.registration"), QStringLiteral("5"));
-        setUnit(QStringLiteral("Gsm.signal"), QStringLiteral("7"));
+        setUnit("Gsm.registration"_s, "5"_s);
+        setUnit("Gsm.signal"_s, "7"_s);
         QCOMPARE(modem.ask("AT+CREG?"), QByteArray("\r\n+CREG: 0,5\r\n\r\nOK\r\n"));
         QCOMPARE(modem.ask("AT+CSQ"), QByteArray("\r\n+CSQ: 7,99\r\n\r\nOK\r\n"));
     }
@@ -196,12 +198,12 @@ private slots:
         for (const char *left : {"2", "1", "0"}) {
             modem.say("AT+CPIN=9999\r");
             modem.hear("+CME ERROR: ");
-            QTRY_COMPARE(unit(QStringLiteral("Gsm.pinTries")), QString::fromLatin1(left));
+            QTRY_COMPARE(unit("Gsm.pinTries"_s), QString::fromLatin1(left));
         }
         QCOMPARE(modem.ask("AT+CPIN?"), QByteArray("12\r\n\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n"));
         modem.ask("AT+CPIN=12345678,4711");
-        QTRY_COMPARE(unit(QStringLiteral("Gsm.pinTries")), QStringLiteral("3"));
-        QCOMPARE(unit(QStringLiteral("Gsm.pin")), QStringLiteral("4711"));
+        QTRY_COMPARE(unit("Gsm.pinTries"_s), "3"_s);
+        QCOMPARE(unit("Gsm.pin"_s), "4711"_s);
         modem.say("AT+CPIN?\r");
         QVERIFY(modem.hear("OK").contains("+CPIN: READY"));
     }
@@ -222,32 +224,32 @@ private slots:
         QCOMPARE(messages[0].number, std::string("123"));
         QCOMPARE(messages[0].text, std::string("Hi"));
         QVERIFY(messages[0].time > 0);
-        useProfile(QStringLiteral("full"));
+        useProfile("full"_s);
         QVERIFY(virtualunit::shortMessages(messages).empty());
         QVERIFY(messages.empty());
     }
 
     void unaskedLines()
     {
-        setUnit(QStringLiteral("Gsm.pin"), QString());
-        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("1"));
+        setUnit("Gsm.pin"_s, QString());
+        setUnit("Gsm.unaskedInterval"_s, "1"_s);
         const Server server;
         NearEnd modem("COM3", baud57600);
         QVERIFY(modem.hear("\r\n+CTZV: +4\r\n").endsWith("\r\n+CTZV: +4\r\n"));
         modem.ask("AT+CREG=1");
-        setUnit(QStringLiteral("Gsm.registration"), QStringLiteral("2"));
+        setUnit("Gsm.registration"_s, "2"_s);
         QVERIFY(modem.hear("\r\n+CREG: 2\r\n").endsWith("\r\n+CREG: 2\r\n"));
     }
 
     void modemObeysItsPower()
     {
-        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("0"));
-        setUnit(QStringLiteral("Telematics.gprsPowerStatus"), QStringLiteral("0"));
+        setUnit("Gsm.unaskedInterval"_s, "0"_s);
+        setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
         const Server server;
         NearEnd modem("COM3", baud57600);
         modem.say("AT\r\n");
         QCOMPARE(modem.hear("", 500), QByteArray());
-        setUnit(QStringLiteral("Telematics.gprsPowerStatus"), QStringLiteral("1"));
+        setUnit("Telematics.gprsPowerStatus"_s, "1"_s);
         QCOMPARE(modem.hear("RDY\r\n"), QByteArray("\r\nRDY\r\n"));
         QCOMPARE(modem.ask("AT"), QByteArray("AT\r\r\nOK\r\n"));
     }
@@ -267,34 +269,34 @@ private slots:
 
     void receiverTalks()
     {
-        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("4"));
+        setUnit("Gps.coldStart"_s, "4"_s);
         const Server server;
         NearEnd receiver("COM4", baud9600);
         const QByteArray start = receiver.hear(",A,");
         QVERIFY(start.contains("$PFST,FOM,9999*55\r\n"));
         QVERIFY(receiver.hear("$PFST,FOM,60.0*").contains("$GPGGA,"));
-        setUnit(QStringLiteral("Telematics.gpsAntennaStatus"), QStringLiteral("0"));
+        setUnit("Telematics.gpsAntennaStatus"_s, "0"_s);
         QVERIFY(receiver.hear(",V,").contains("$GPRMC,"));
     }
 
     void receiverObeysItsPower()
     {
-        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("0"));
+        setUnit("Gps.coldStart"_s, "0"_s);
         const Server server;
         NearEnd receiver("COM4", baud9600);
         receiver.hear("$PFST,FOM,");
-        setUnit(QStringLiteral("Telematics.gpsPowerStatus"), QStringLiteral("0"));
+        setUnit("Telematics.gpsPowerStatus"_s, "0"_s);
         receiver.hear("", 1000);
         QCOMPARE(receiver.hear("", 1500), QByteArray());
-        setUnit(QStringLiteral("Gps.coldStart"), QStringLiteral("60"));
-        setUnit(QStringLiteral("Telematics.gpsPowerStatus"), QStringLiteral("1"));
+        setUnit("Gps.coldStart"_s, "60"_s);
+        setUnit("Telematics.gpsPowerStatus"_s, "1"_s);
         QVERIFY(receiver.hear(",V,").contains("$GPRMC,"));
     }
 
     void replays()
     {
         QTemporaryDir folder;
-        QFile file(folder.filePath(QStringLiteral("r.nmea")));
+        QFile file(folder.filePath("r.nmea"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         QByteArray recorded;
         for (int number = 100; number < 170; ++number)
@@ -314,7 +316,7 @@ private slots:
 
     void nothingOldForALaterComer()
     {
-        setUnit(QStringLiteral("Gsm.unaskedInterval"), QStringLiteral("0"));
+        setUnit("Gsm.unaskedInterval"_s, "0"_s);
         const Server server;
         {
             NearEnd modem("COM3", baud57600);
@@ -351,13 +353,12 @@ private slots:
     void commandLine()
     {
         const QTemporaryDir folder;
-        const QString state = folder.filePath(QStringLiteral("unit.sqlite"));
-        const QString lines = folder.filePath(QStringLiteral("lines"));
+        const QString state = folder.filePath("unit.sqlite"_s);
+        const QString lines = folder.filePath("lines"_s);
         QCOMPARE(virtualunit::open(QFile::encodeName(state).toStdString()), std::string());
         QProcess tool;
         tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
-            {QStringLiteral("--unit"), state, QStringLiteral("lines"), QStringLiteral("--dir"),
-                lines});
+            {"--unit"_s, state, "lines"_s, "--dir"_s, lines});
         QVERIFY(tool.waitForReadyRead(20'000));
         QCOMPARE(tool.readAllStandardOutput(),
             "Serving the unit's serial lines in " + QFile::encodeName(lines) + "\n");
@@ -379,12 +380,23 @@ private slots:
         QCOMPARE(tool.readAllStandardError(), QByteArray());
         QVERIFY(QDir(lines).isEmpty(QDir::Files | QDir::System));
 
-        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"),
-            {QStringLiteral("--unit"), state, QStringLiteral("sms")});
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {"--unit"_s, state, "sms"_s});
         QVERIFY(tool.waitForFinished(20'000));
         const auto printed = tool.readAllStandardOutput();
+        const QByteArray today =
+            QDateTime::currentDateTimeUtc().toString("yyyy-MM-dd "_s).toLatin1();
+        QVERIFY2(printed.startsWith(today), printed.constData());
         QVERIFY2(printed.endsWith("  4711  one\\rtwo\n"), printed.constData());
         QCOMPARE(printed.count('\n'), 1);
+
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VORN_SERIAL_DIR"_s, lines);
+        tool.setProcessEnvironment(environment);
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {"--unit"_s, state, "lines"_s});
+        QVERIFY(tool.waitForReadyRead(20'000));
+        QVERIFY(tool.readAllStandardOutput().contains(QFile::encodeName(lines)));
+        tool.terminate();
+        QVERIFY(tool.waitForFinished(20'000));
         QCOMPARE(virtualunit::open(":memory:"), std::string());
     }
 
@@ -392,22 +404,19 @@ private slots:
     {
         QProcess tool;
         auto environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("VORN_SERIAL_DIR"));
+        environment.remove("VORN_SERIAL_DIR"_s);
         tool.setProcessEnvironment(environment);
         const QString program = QStringLiteral(VORN_BIN_DIR "/vornunit");
-        tool.start(program,
-            {QStringLiteral("--unit"), QStringLiteral(":memory:"), QStringLiteral("lines")});
+        tool.start(program, {"--unit"_s, ":memory:"_s, "lines"_s});
         QVERIFY(tool.waitForFinished(20'000));
         QCOMPARE(tool.exitCode(), 1);
         QVERIFY(tool.readAllStandardError().contains("VORN_SERIAL_DIR"));
-        tool.start(
-            program, {QStringLiteral("--unit"), QStringLiteral(":memory:"), QStringLiteral("lines"),
-                         QStringLiteral("--dir"), QStringLiteral("/dev/null/lines")});
+        tool.start(program, {"--unit"_s, ":memory:"_s, "lines"_s, "--dir"_s, "/dev/null/lines"_s});
         QVERIFY(tool.waitForFinished(20'000));
         QCOMPARE(tool.exitCode(), 1);
         QVERIFY(tool.readAllStandardError().startsWith("vornunit: "));
     }
 };
 
-VORN_TEST_MAIN(TestLines)
+VORN_TEST_MAIN(LinesTest)
 #include "tst_lines_posix.moc"

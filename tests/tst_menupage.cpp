@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
+using namespace support;
+
 namespace {
 
 struct Entry {
@@ -60,7 +62,7 @@ QRect placeOn(const QWidget &page, const QWidget *widget)
 
 } // namespace
 
-class TestMenuPage : public DeviceTest
+class MenuPageTest : public DeviceTest
 {
     Q_OBJECT
 
@@ -76,8 +78,8 @@ private slots:
     void form()
     {
         tabMenuDlg page;
-        QCOMPARE(page.objectName(), QStringLiteral("tabMenu"));
-        QCOMPARE(page.windowTitle(), QStringLiteral("Menu"));
+        QCOMPARE(page.objectName(), "tabMenu"_s);
+        QCOMPARE(page.windowTitle(), "Menu"_s);
         QCOMPARE(page.size(), QSize(600, 320));
         QCOMPARE(page.sizePolicy().horizontalPolicy(), QSizePolicy::Preferred);
         QCOMPARE(page.sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
@@ -91,10 +93,10 @@ private slots:
         QTest::addColumn<QString>("container");
         QTest::addColumn<QString>("layout");
         QTest::addColumn<QRect>("place");
-        QTest::newRow("first") << QStringLiteral("layoutWidget1") << QStringLiteral("gridLayout")
-                               << QRect(20, 13, 551, 68);
-        QTest::newRow("second") << QStringLiteral("layoutWidget2") << QStringLiteral("gridLayout_2")
-                                << QRect(20, 120, 551, 68);
+        QTest::newRow("first") << "layoutWidget1"_s
+                               << "gridLayout"_s << QRect(20, 13, 551, 68);
+        QTest::newRow("second") << "layoutWidget2"_s
+                                << "gridLayout_2"_s << QRect(20, 120, 551, 68);
     }
 
     void grids()
@@ -119,15 +121,12 @@ private slots:
         QStringList names;
         for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
             names << QString::fromLatin1(meta.method(i).methodSignature());
-        const QStringList expected{QStringLiteral("tabSelectionChanged(int)"),
-            QStringLiteral("buttonVersionClicked()"), QStringLiteral("buttonTempClicked()"),
-            QStringLiteral("buttonDisplayClicked()"), QStringLiteral("buttonPowerClicked()"),
-            QStringLiteral("buttonSysConfigClicked()"), QStringLiteral("buttonAboutClicked()"),
-            QStringLiteral("buttonLedClicked()"), QStringLiteral("buttonBuzzerClicked()"),
-            QStringLiteral("buttonCanClicked()"), QStringLiteral("buttonAdvancedClicked()"),
-            QStringLiteral("buttonDigIOClicked()"), QStringLiteral("buttonLightSensorClicked()"),
-            QStringLiteral("buttonTouchClicked()"), QStringLiteral("buttonOnOffSettingsClicked()"),
-            QStringLiteral("buttonTelematicsClicked()")};
+        const QStringList expected{"tabSelectionChanged(int)"_s, "buttonVersionClicked()"_s,
+            "buttonTempClicked()"_s, "buttonDisplayClicked()"_s, "buttonPowerClicked()"_s,
+            "buttonSysConfigClicked()"_s, "buttonAboutClicked()"_s, "buttonLedClicked()"_s,
+            "buttonBuzzerClicked()"_s, "buttonCanClicked()"_s, "buttonAdvancedClicked()"_s,
+            "buttonDigIOClicked()"_s, "buttonLightSensorClicked()"_s, "buttonTouchClicked()"_s,
+            "buttonOnOffSettingsClicked()"_s, "buttonTelematicsClicked()"_s};
         QCOMPARE(names, expected);
     }
 
@@ -139,7 +138,7 @@ private slots:
         const Entry &expected = entries[row];
         tabMenuDlg page;
         page.show();
-        const auto *button = support::child<QPushButton>(&page, expected.button);
+        const auto *button = child<QPushButton>(&page, expected.button);
         QCOMPARE(button->text(), QString());
         QCOMPARE(button->iconSize(), QSize(60, 60));
         QCOMPARE(picture(button->icon()),
@@ -152,7 +151,7 @@ private slots:
         if (row >= 10)
             QCOMPARE(place.y(), 220);
 
-        const auto *label = support::child<QLabel>(&page, expected.label);
+        const auto *label = child<QLabel>(&page, expected.label);
         QCOMPARE(label->text(), latin1(expected.caption));
         QCOMPARE(label->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
         QCOMPARE(label->y(), labelY[row / 5]);
@@ -169,7 +168,7 @@ private slots:
         tabMenuDlg page;
         QSignalSpy asked(&page, &tabMenuDlg::tabSelectionChanged);
         page.show();
-        auto *button = support::child<QPushButton>(&page, expected.button);
+        auto *button = child<QPushButton>(&page, expected.button);
         QTest::mouseClick(button, Qt::LeftButton);
         QCOMPARE(asked.size(), 1);
         QCOMPARE(asked.constFirst(), QVariantList{expected.index});
@@ -207,11 +206,11 @@ private slots:
     {
         QFETCH(int, row);
         tabMenuDlg page;
-        auto *button = support::child<QPushButton>(&page, entries[row].button);
+        auto *button = child<QPushButton>(&page, entries[row].button);
         auto *accessible = QAccessible::queryAccessibleInterface(button);
         QVERIFY(accessible);
         QCOMPARE(accessible->text(QAccessible::Name), latin1(entries[row].caption));
-        QCOMPARE(support::child<QLabel>(&page, entries[row].label)->buddy(), button);
+        QCOMPARE(child<QLabel>(&page, entries[row].label)->buddy(), button);
     }
 
     // The page's own sheet, also over the grey of the frame's.
@@ -219,8 +218,8 @@ private slots:
     {
         QTest::addColumn<QString>("outerSheet");
         QTest::newRow("alone") << QString();
-        QTest::newRow("in the frame") << QStringLiteral(
-            "QPushButton:!on { background: blue; border: 1px solid red; font: 9px; }");
+        QTest::newRow("in the frame")
+            << "QPushButton:!on { background: blue; border: 1px solid red; font: 9px; }"_s;
     }
 
     void buttonLook()
@@ -236,7 +235,7 @@ private slots:
         button->ensurePolished();
         QCOMPARE(button->font().pixelSize(), 20);
         QVERIFY(button->font().bold());
-        QCOMPARE(button->font().family(), QStringLiteral("Arial"));
+        QCOMPARE(button->font().family(), "Arial"_s);
         const QImage image = button->grab().toImage();
         const int middle = image.width() / 2;
         QCOMPARE(image.pixelColor(middle, 1), QColor(128, 128, 128));
@@ -247,5 +246,5 @@ private slots:
     }
 };
 
-VORN_TEST_MAIN(TestMenuPage)
+VORN_TEST_MAIN(MenuPageTest)
 #include "tst_menupage.moc"

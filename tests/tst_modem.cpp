@@ -25,7 +25,7 @@ Modem readyModem()
 
 } // namespace
 
-class TestModem : public QObject
+class ModemTest : public QObject
 {
     Q_OBJECT
 
@@ -144,6 +144,8 @@ private slots:
         ask(modem, "ATE0");
         QCOMPARE(ask(modem, "AT+CPIN?"), std::string("\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"));
         QCOMPARE(ask(modem, "AT+COPS?"), std::string("\r\n+CME ERROR: 11\r\n"));
+        QCOMPARE(ask(modem, "AT+CMGS=\"123\""), std::string("\r\n+CMS ERROR: 311\r\n"));
+        QCOMPARE(ask(modem, "AT+CIMI=?"), std::string("\r\nOK\r\n"));
         QCOMPARE(ask(modem, "AT+CPIN=1111"), std::string("\r\n+CME ERROR: 16\r\n"));
         QCOMPARE(ask(modem, "AT+CPIN=\"2222\""), std::string("\r\n+CME ERROR: 16\r\n"));
         QCOMPARE(modem.sim.pinTries, 1);
@@ -162,6 +164,7 @@ private slots:
         QCOMPARE(ask(modem, "AT+CPIN?"), std::string("\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n"));
         QCOMPARE(ask(modem, "AT+CPIN=1234"), std::string("\r\n+CME ERROR: 12\r\n"));
         QCOMPARE(ask(modem, "AT+CIMI"), std::string("\r\n+CME ERROR: 12\r\n"));
+        QCOMPARE(ask(modem, "AT+CMGS=\"123\""), std::string("\r\n+CMS ERROR: 316\r\n"));
         QCOMPARE(ask(modem, "AT+CREG?"), std::string("\r\n+CREG: 0,0\r\n\r\nOK\r\n"));
         modem.powerOn();
         ask(modem, "ATE0");
@@ -320,5 +323,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestModem)
+QTEST_APPLESS_MAIN(ModemTest)
 #include "tst_modem.moc"

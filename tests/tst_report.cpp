@@ -8,9 +8,9 @@
 #include <QBuffer>
 #include <QTemporaryDir>
 
-namespace {
+using namespace support;
 
-constexpr int faultCodes[] = {2, 18, 20, 5, -1};
+namespace {
 
 QString latin1(const char *text)
 {
@@ -19,7 +19,7 @@ QString latin1(const char *text)
 
 QString errorText(int code)
 {
-    return QStringLiteral("Error(%1) ").arg(code) + latin1(deviceErrorText(code));
+    return "Error(%1) "_s.arg(code) + latin1(deviceErrorText(code));
 }
 
 QStringList list(std::initializer_list<const char *> texts)
@@ -45,7 +45,7 @@ QStringList life(const char *family, const QStringList &calls, bool released = t
 QStringList withoutResults(QStringList calls)
 {
     for (QString &call : calls)
-        call = call.section(QLatin1String(" = "), 0, 0);
+        call = call.section(" = "_s, 0, 0);
     return calls;
 }
 
@@ -81,7 +81,7 @@ QStringList adcCalls()
     QStringList reads;
     for (const int channel :
         {0, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23})
-        reads << QStringLiteral("getVoltage(%1)").arg(channel);
+        reads << "getVoltage(%1)"_s.arg(channel);
     return life("Adc", reads);
 }
 
@@ -534,713 +534,682 @@ QStringList failedCalls(const QStringList &sound, const Item &item, int code)
             calls << call;
             continue;
         }
-        calls << call.section(QLatin1String(" = "), 0, 0) + QStringLiteral(" = %1").arg(code);
+        calls << call.section(" = "_s, 0, 0) + " = %1"_s.arg(code);
         for (int line = 0; line < lines / reads; ++line)
-            errors << QStringLiteral("deviceErrorText(%1) = ").arg(code) +
-                          latin1(deviceErrorText(code));
+            errors << "deviceErrorText(%1) = "_s.arg(code) + latin1(deviceErrorText(code));
     }
     return calls;
 }
 
 } // namespace
 
-class tst_report : public DeviceTest
+class ReportTest : public DeviceTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void order();
-    void handles();
-    void frame();
-    void stamp_isTheStart();
-    void eeprom();
-    void eeprom_withoutAddonBoard();
-    void adc();
-    void diagnostic();
-    void diagnostic_reasons_data();
-    void diagnostic_reasons();
-    void diagnostic_reasonAfterFailure();
-    void diagnostic_sensors_data();
-    void diagnostic_sensors();
-    void storage_data();
-    void storage();
-    void storage_onlyOne();
-    void settings();
-    void settings_values_data();
-    void settings_values();
-    void settings_automaticBacklight_data();
-    void settings_automaticBacklight();
-    void settings_telematics_data();
-    void settings_telematics();
-    void battery();
-    void battery_absent_data();
-    void battery_absent();
-    void battery_values_data();
-    void battery_values();
-    void battery_idleTakesThePlaceOfAllBefore();
-    void failure_data();
-    void failure();
-    void version_failure_data();
-    void version_failure();
-    void cpuBoard_data();
-    void cpuBoard();
-    void profiles_data();
-    void profiles();
-    void allFail_data();
-    void allFail();
-    void file_isLatin1();
-
-private:
-    void useKnownUnit();
-
-    QTemporaryDir logs;
-    std::unique_ptr<support::BiosData> bios;
-};
-
-void tst_report::init()
-{
-    qputenv("TZ", "UTC");
-    qputenv("VORN_LOG_DIR", QFile::encodeName(logs.path()));
-    bios.reset(); // one at a time
-    bios = std::make_unique<support::BiosData>();
-    DeviceTest::init();
-    useKnownUnit();
-}
-
-void tst_report::useKnownUnit()
-{
-    for (const Value &value : knownUnit)
-        setUnit(latin1(value.name), latin1(value.value));
-    calls();
-}
-
-void tst_report::order()
-{
-    generateSystemReport();
-    QCOMPARE(withoutResults(calls()),
-        versionCalls + eepromCalls + diagnosticCalls.mid(0, 12) +
-            list({"Diagnostics_getPMTemp(3)", "Diagnostics_getSSTemp()",
-                "Diagnostics_getPCBTemp()"}) +
-            storageCalls + list({"Diagnostics_release()"}) + adcCalls() + settingsCalls);
-}
-
-void tst_report::handles()
-{
-    generateSystemReport();
-    QStringList lives;
-    for (const QString &line : journal()) {
-        if (line.contains(QLatin1String("_create")) || line.contains(QLatin1String("_release")))
-            lives << line.section(QLatin1Char(' '), 1);
+    void init()
+    {
+        qputenv("TZ", "UTC");
+        qputenv("VORN_LOG_DIR", QFile::encodeName(logs.path()));
+        bios.reset(); // one at a time
+        bios = std::make_unique<BiosData>();
+        DeviceTest::init();
+        useKnownUnit();
     }
-    const auto create = [](const char *family) {
-        return latin1(family) + latin1("_create() = #1");
-    };
-    const auto release = [](const char *family) { return latin1(family) + latin1("_release(#1)"); };
-    QStringList expected;
-    for (const char *family : {"Versions", "Hardware"})
-        expected << create(family) << release(family);
-    expected << create("Diagnostics") << create("Smart") << release("Smart")
-             << release("Diagnostics");
-    for (const char *family :
-        {"Adc", "Backlight", "Buzzer", "Can", "Config", "FrontLED", "Power", "Touch"})
-        expected << create(family) << release(family);
-    expected << create("Telematics") << create("Battery") << release("Battery");
-    QCOMPARE(lives, expected);
-}
 
-void tst_report::frame()
-{
-    QString report = generateSystemReport();
-    const auto banner = [](const char *title) {
-        return latin1("\n------------------  ") + latin1(title) + latin1("  ------------------\n");
-    };
-    static const QRegularExpression time(
-        QStringLiteral("^\nSystem report generated on: \\w{3} \\w{3} \\d+ [\\d:]{8} \\d{4}\n"));
-    QVERIFY2(time.match(report).hasMatch(), qPrintable(report.left(100)));
-    report = report.mid(report.indexOf(QLatin1Char('\n'), 1) + 1);
-
-    const QString expected = banner("SW Versions") +
-                             latin1("Vornsettings v2.7.2.0\n"
-                                    "Vornaux API: v2.7.2.0\n"
-                                    "Vornaux Driver: v2.7.0.1\n"
-                                    "FPGA: v1.4.2.0\n"
-                                    "Front uc: v1.2.0.5\n"
-                                    "System Supervisor: v2.1.7.3\n"
-                                    "OS version: v3.0.12.0\n") +
-                             banner("EEPROM data") + eepromDataText() + banner("Diagnostic data") +
-                             diagnosticDataText() + banner("ADC data") + adcDataText() +
-                             banner("CPU board data") + cpuBoardDataText() + banner("Settings") +
-                             settingsDataText() + banner("Log Files") + banner("End of report");
-    // Line by line, so that a difference is seen.
-    QCOMPARE(report.split(QLatin1Char('\n')), expected.split(QLatin1Char('\n')));
-}
-
-/** A report that takes its time still says when it began. */
-void tst_report::stamp_isTheStart()
-{
-    virtualunit::setDelay("Versions_getVornAuxVersion", 1500);
-    const qint64 begun = QDateTime::currentMSecsSinceEpoch();
-    const QString line = generateSystemReport().section(QLatin1Char('\n'), 1, 1);
-    const auto stamp = QLocale::c().toDateTime(
-        line.section(latin1(": "), 1).simplified(), QStringLiteral("ddd MMM d HH:mm:ss yyyy"));
-    QVERIFY2(stamp.isValid(), qPrintable(line));
-    QVERIFY(QDateTime::currentMSecsSinceEpoch() >= begun + 1500);
-    QVERIFY(stamp.toMSecsSinceEpoch() < begun + 500);
-}
-
-void tst_report::eeprom()
-{
-    for (const Value &value : knownEquipment)
-        setUnit(latin1(value.name), latin1(value.value));
-    QCOMPARE(eepromDataText(), eepromText);
-    QCOMPARE(withoutResults(calls()), eepromCalls);
-}
-
-void tst_report::eeprom_withoutAddonBoard()
-{
-    for (const char *operation :
-        {"getAddonPcbSerial", "getAddonArticleNumber", "getAddonManufacturingDate",
-            "getAddonHardwareVersion", "hasWlan", "hasGps", "hasBluetooth", "hasGsm"})
-        fault(latin1("Hardware_") + latin1(operation), DEVICE_NOT_SUPPORTED);
-    QVERIFY(eepromDataText().endsWith(latin1("255\n\nAddon/Telematics board:\n")));
-}
-
-void tst_report::adc()
-{
-    QString expected = latin1("ADC values\n");
-    const QStringList labels = voltages();
-    const int channels[] = {
-        0, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23};
-    for (int row = 0; row < labels.size(); ++row) {
-        const double volts = 1.0123456 * (channels[row] + 1);
-        setUnit(
-            QStringLiteral("Adc.voltage%1").arg(channels[row]), QString::number(volts, 'g', 17));
-        expected += labels[row] + latin1(": ") + QString::number(volts) + latin1(" V\n");
+    void order()
+    {
+        generateSystemReport();
+        QCOMPARE(withoutResults(calls()),
+            versionCalls + eepromCalls + diagnosticCalls.mid(0, 12) +
+                list({"Diagnostics_getPMTemp(3)", "Diagnostics_getSSTemp()",
+                    "Diagnostics_getPCBTemp()"}) +
+                storageCalls + list({"Diagnostics_release()"}) + adcCalls() + settingsCalls);
     }
-    QCOMPARE(adcDataText(), expected);
-    QCOMPARE(withoutResults(calls()), adcCalls());
-}
 
-void tst_report::diagnostic()
-{
-    QCOMPARE(diagnosticDataText(), diagnosticText);
-}
-
-void tst_report::diagnostic_reasons_data()
-{
-    QTest::addColumn<int>("reason");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("31") << 31 << latin1("ShutDown reason: NoError \n");
-    QTest::newRow("30") << 30 << latin1("ShutDown reason: 30 \n");
-    QTest::newRow("0") << 0 << latin1("ShutDown reason: 0 \n");
-    QTest::newRow("65535") << 65535 << latin1("ShutDown reason: 65535 \n");
-}
-
-void tst_report::diagnostic_reasons()
-{
-    QFETCH(int, reason);
-    QFETCH(QString, line);
-    setUnit(latin1("Diagnostics.shutDownReason"), QString::number(reason));
-    const QString text = diagnosticDataText();
-    QVERIFY2(text.contains(QLatin1Char('\n') + line), qPrintable(text));
-}
-
-void tst_report::diagnostic_reasonAfterFailure()
-{
-    // The number of the read before is asked about, and a reason of 0 after a failed first read.
-    setUnit(latin1("Diagnostics.startupReason"), latin1("7"));
-    setUnit(latin1("Diagnostics.hwErrorStatus"), latin1("9"));
-    fault(latin1("Diagnostics_getShutDownReason"), 5);
-    fault(latin1("Diagnostics_getHwErrorStatus"), 5);
-    diagnosticDataText();
-    const QStringList before = withoutResults(calls());
-    QVERIFY(before.contains(latin1("Diagnostics_startupReasonText(7)")));
-    QVERIFY(before.contains(latin1("Diagnostics_hwErrorText(7)")));
-
-    clearFaults();
-    fault(latin1("Diagnostics_getStartupReason"), 18);
-    setUnit(latin1("Diagnostics.shutDownReason"), latin1("3"));
-    fault(latin1("Diagnostics_getHwErrorStatus"), 2);
-    diagnosticDataText();
-    const QStringList after = withoutResults(calls());
-    QVERIFY(after.contains(latin1("Diagnostics_startupReasonText(0)")));
-    QVERIFY(after.contains(latin1("Diagnostics_hwErrorText(3)")));
-}
-
-void tst_report::diagnostic_sensors_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("lines");
-    QTest::newRow("none") << 0 << QString();
-    QTest::newRow("one") << 1 << latin1("JIDA CPU temp: 20 \260C\n");
-    QTest::newRow("eight") << 8
-                           << latin1("JIDA CPU temp: 20 \260C\n"
-                                     "JIDA box temp: 21 \260C\n"
-                                     "JIDA environment temp: 22 \260C\n"
-                                     "JIDA board temp: 23 \260C\n"
-                                     "JIDA backplane temp: 24 \260C\n"
-                                     "JIDA chipsets temp: 25 \260C\n"
-                                     "JIDA video temp: 26 \260C\n"
-                                     "JIDA other temp: 27 \260C\n");
-}
-
-void tst_report::diagnostic_sensors()
-{
-    QFETCH(int, count);
-    QFETCH(QString, lines);
-    setUnit(latin1("Diagnostics.pmSensorCount"), QString::number(count));
-    for (int index = 0; index < 8; ++index) {
-        setUnit(QStringLiteral("Diagnostics.pmTemp%1").arg(index), QString::number(20 + index));
-        setUnit(QStringLiteral("Diagnostics.pmKind%1").arg(index), QString::number(index));
+    void handles()
+    {
+        generateSystemReport();
+        QStringList lives;
+        for (const QString &line : journal()) {
+            if (line.contains("_create"_s) || line.contains("_release"_s))
+                lives << line.section(QLatin1Char(' '), 1);
+        }
+        const auto create = [](const char *family) {
+            return latin1(family) + latin1("_create() = #1");
+        };
+        const auto release = [](const char *family) {
+            return latin1(family) + latin1("_release(#1)");
+        };
+        QStringList expected;
+        for (const char *family : {"Versions", "Hardware"})
+            expected << create(family) << release(family);
+        expected << create("Diagnostics") << create("Smart") << release("Smart")
+                 << release("Diagnostics");
+        for (const char *family :
+            {"Adc", "Backlight", "Buzzer", "Can", "Config", "FrontLED", "Power", "Touch"})
+            expected << create(family) << release(family);
+        expected << create("Telematics") << create("Battery") << release("Battery");
+        QCOMPARE(lives, expected);
     }
-    const QString text = diagnosticDataText();
-    const auto start = text.indexOf(latin1("Number of power cycles: 40000 \n"));
-    const auto end = text.indexOf(latin1("SS temp"));
-    QCOMPARE(text.mid(start, end - start), latin1("Number of power cycles: 40000 \n") + lines);
-}
 
-void tst_report::storage_data()
-{
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("text");
+    void frame()
+    {
+        QString report = generateSystemReport();
+        const auto banner = [](const char *title) {
+            return latin1("\n------------------  ") + latin1(title) +
+                   latin1("  ------------------\n");
+        };
+        static const QRegularExpression time(
+            "^\nSystem report generated on: \\w{3} \\w{3} \\d+ [\\d:]{8} \\d{4}\n"_s);
+        QVERIFY2(time.match(report).hasMatch(), qPrintable(report.left(100)));
+        report = report.mid(report.indexOf(QLatin1Char('\n'), 1) + 1);
 
-    const QString dashes = latin1("---------------------------------------------------------\n");
-    const QString serial = latin1("Device serial number: SD-1 \n");
-    const QString lifetime = latin1("Estimated remaining lifetime: 94 %\n");
-    const QString time = latin1("Device was initially timestamped on: Fri Nov 11 11:11:11 2011\n");
-    const QString serial2 = dashes + latin1("Device serial number: SD-2 \n");
-    const QString lifetime2 = latin1("Estimated remaining lifetime: 99 %\n");
-    const QString time2 =
-        latin1("Device was initially timestamped on: Thu Jan  1 00:00:00 1970\n") + dashes;
-    const QString not_available = latin1("Estimated remaining lifetime is not available\n");
-    const auto row = [](const char *operation, int code, const QString &text) {
-        QTest::addRow("%s, %d", operation, code) << latin1(operation) << code << text;
-    };
-    for (const int code : faultCodes) {
-        const QString error = code == 2    ? QString()
-                              : code == 18 ? latin1("N/A\n")
-                                           : errorText(code) + QLatin1Char('\n');
-        const QString label = code == 2 ? QString() : latin1("getInitialTime: ");
-        const QString label2 = code == 2 ? QString() : latin1("getInitialTime2: ");
-        const QString absent = code == 2 ? QString() : not_available;
-        const QString second = serial2 + lifetime2 + time2;
-        row("Smart_getDeviceSerial", code, not_available + lifetime + time + second);
-        row("Smart_getRemainingLifetime", code, serial + not_available + time + second);
-        row("Smart_getInitialTime", code, serial + lifetime + label + error + second);
-        const QString first = serial + lifetime + time;
-        row("Smart_getDeviceSerial2", code, first + absent + lifetime2 + time2);
-        row("Smart_getRemainingLifetime2", code, first + serial2 + absent + time2);
-        row("Smart_getInitialTime2", code, first + serial2 + lifetime2 + label2 + error);
+        const QString expected = banner("SW Versions") +
+                                 latin1("Vornsettings v2.7.2.0\n"
+                                        "Vornaux API: v2.7.2.0\n"
+                                        "Vornaux Driver: v2.7.0.1\n"
+                                        "FPGA: v1.4.2.0\n"
+                                        "Front uc: v1.2.0.5\n"
+                                        "System Supervisor: v2.1.7.3\n"
+                                        "OS version: v3.0.12.0\n") +
+                                 banner("EEPROM data") + eepromDataText() +
+                                 banner("Diagnostic data") + diagnosticDataText() +
+                                 banner("ADC data") + adcDataText() + banner("CPU board data") +
+                                 cpuBoardDataText() + banner("Settings") + settingsDataText() +
+                                 banner("Log Files") + banner("End of report");
+        // Line by line, so that a difference is seen.
+        QCOMPARE(report.split(QLatin1Char('\n')), expected.split(QLatin1Char('\n')));
     }
-}
 
-void tst_report::storage()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    QFETCH(QString, text);
-    fault(operation, code);
-    const QString section = diagnosticDataText();
-    const QString banner = latin1("\n------------------  SMART data  ------------------\n");
-    QCOMPARE(section.mid(section.indexOf(banner) + banner.size()), text);
-}
-
-void tst_report::storage_onlyOne()
-{
-    for (const char *operation : {"getDeviceSerial2", "getRemainingLifetime2", "getInitialTime2"})
-        fault(latin1("Smart_") + latin1(operation), DEVICE_NOT_SUPPORTED);
-    const auto second = diagnosticText.indexOf(latin1("-----------------------------------------"));
-    QCOMPARE(diagnosticDataText(), diagnosticText.left(second));
-}
-
-void tst_report::settings()
-{
-    QCOMPARE(settingsDataText(), settingsText + batteryText);
-    QCOMPARE(withoutResults(calls()), settingsCalls);
-}
-
-void tst_report::settings_values_data()
-{
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("line");
-    const auto row = [](const char *property, const char *value, const char *line) {
-        QTest::addRow("%s %s", property, value)
-            << latin1(property) << latin1(value) << latin1(line);
-    };
-    row("Touch.mode", "0", "TouchScreenMode: Mouse profile (next boot)");
-    row("Touch.mode", "1", "TouchScreenMode: Touch profile (next boot)");
-    row("Touch.mode", "3", "TouchScreenMode: Touch profile");
-    row("Touch.mode", "4", "TouchScreenMode: Undefined value");
-    row("Backlight.softTransitions", "false", "   Soft transitions: 0");
-    row("Backlight.samplingMode", "0", "   Sampling mode: 0");
-    row("Backlight.ledDimming", "2", "Led dimming: Disabled");
-    row("Buzzer.trigger", "true", "Trigger (On/Off): 1");
-    row("Config.extOnOffSigTrigTime", "4294967295", "ExtOnOffSigTrigTime: -1");
-    row("Config.frontBtnTrigTime", "65535", "FrontBtnTrigTime: 65535");
-    row("Config.heatingTempLimit", "5", "HeatingTempLimit: 5");
-    row("Config.startupTrigger", "1", "StartupTrigger: Front button");
-    row("Config.startupTrigger", "2", "StartupTrigger: OnOff Signal");
-    row("Config.startupTrigger", "0", "StartupTrigger: Undefined value");
-    row("Config.startupVoltage", "9", "StartupVoltage: 9");
-    row("Config.shortButtonPressAction", "7", "ShortButtonPressAction: Undefined value");
-    row("Telematics.gpsAntennaStatus", "1", "GPSAntennaStatus: Enabled");
-}
-
-void tst_report::settings_values()
-{
-    QFETCH(QString, property);
-    QFETCH(QString, value);
-    QFETCH(QString, line);
-    setUnit(property, value);
-    const QStringList lines = settingsDataText().split(QLatin1Char('\n'));
-    QVERIFY2(lines.contains(line), qPrintable(lines.join(QLatin1Char('\n'))));
-}
-
-void tst_report::settings_automaticBacklight_data()
-{
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<int>("code");
-    for (const int code : faultCodes) {
-        QTest::addRow("parameters %d", code) << latin1("getAutomaticBLParams") << code;
-        QTest::addRow("filter %d", code) << latin1("getAutomaticBLFilter") << code;
+    /** A report that takes its time still says when it began. */
+    void stamp_isTheStart()
+    {
+        virtualunit::setDelay("Versions_getVornAuxVersion", 1500);
+        const qint64 begun = QDateTime::currentMSecsSinceEpoch();
+        const QString line = generateSystemReport().section(QLatin1Char('\n'), 1, 1);
+        const auto stamp = QLocale::c().toDateTime(
+            line.section(latin1(": "), 1).simplified(), "ddd MMM d HH:mm:ss yyyy"_s);
+        QVERIFY2(stamp.isValid(), qPrintable(line));
+        QVERIFY(QDateTime::currentMSecsSinceEpoch() >= begun + 1500);
+        QVERIFY(stamp.toMSecsSinceEpoch() < begun + 500);
     }
-}
 
-void tst_report::settings_automaticBacklight()
-{
-    QFETCH(QString, operation);
-    QFETCH(int, code);
-    const QString error = errorText(code);
-    calls();
-    fault(latin1("Backlight_") + operation, code);
-    const QString text = settingsDataText();
-    QVERIFY2(text.contains(latin1("\nAutomatic backlight Status: 0\n") + operation + latin1(": ") +
-                           error + latin1("\n\nBuzzer:\n")),
-        qPrintable(text));
-    QStringList expected = settingsCalls;
-    if (operation == QLatin1String("getAutomaticBLParams"))
-        expected.removeOne(latin1("Backlight_getAutomaticBLFilter()"));
-    expected.insert(expected.indexOf(latin1("Backlight_release()")),
-        QStringLiteral("deviceErrorText(%1)").arg(code));
-    QCOMPARE(withoutResults(calls()), expected);
-}
-
-void tst_report::settings_telematics_data()
-{
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("available");
-    for (const int code : faultCodes)
-        QTest::addRow("code %d", code) << code << latin1("1");
-    QTest::newRow("no board") << 0 << latin1("0");
-    QTest::newRow("2") << 0 << latin1("2");
-}
-
-void tst_report::settings_telematics()
-{
-    QFETCH(int, code);
-    QFETCH(QString, available);
-    setUnit(latin1("Telematics.available"), available);
-    if (code != 0)
-        fault(latin1("Telematics_getAvailable"), code);
-    const QString text = settingsDataText();
-    const QString outcome = code != 0 ? errorText(code) : latin1("Disabled");
-    QVERIFY2(text.contains(latin1("\n\nTelematics:\nTelematics board available: ") + outcome +
-                           latin1("\n\nBattery:\n")),
-        qPrintable(text));
-    const QStringList ours = withoutResults(calls()).filter(QLatin1String("Telematics_"));
-    QCOMPARE(ours, list({"Telematics_create()", "Telematics_getAvailable()"}));
-}
-
-void tst_report::battery()
-{
-    QCOMPARE(batteryDataText(), batteryText);
-    QCOMPARE(withoutResults(calls()), batteryCalls);
-}
-
-void tst_report::battery_absent_data()
-{
-    QTest::addColumn<int>("code");
-    for (const int code : faultCodes)
-        QTest::addRow("code %d", code) << code;
-    QTest::newRow("not connected") << 0;
-}
-
-void tst_report::battery_absent()
-{
-    QFETCH(int, code);
-    if (code != 0)
-        fault(latin1("Battery_isAvailable"), code);
-    else
-        setUnit(latin1("Battery.available"), latin1("false"));
-    QCOMPARE(batteryDataText(), latin1("External battery not available.\n"));
-    // The handle stays open.
-    QCOMPARE(withoutResults(calls()), list({"Battery_create()", "Battery_isAvailable()"}));
-}
-
-void tst_report::battery_values_data()
-{
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("before");
-    QTest::addColumn<QString>("after");
-    const auto row = [](const char *property, const char *value, const char *before,
-                         const char *after) {
-        QTest::addRow("%s %s", property, value)
-            << latin1(property) << latin1(value) << latin1(before) << latin1(after);
-    };
-    const char noErrors[] = "Battery reports no HW errors\n";
-    row("Battery.hwErrorStatus", "1", noErrors,
-        "Battery error! The thermistor temp sensor is not working\n");
-    row("Battery.hwErrorStatus", "2", noErrors,
-        "Battery error! The secondary temp sensor is not working\n");
-    row("Battery.hwErrorStatus", "3", noErrors, "Battery error! Charging failed\n");
-    row("Battery.hwErrorStatus", "4", noErrors, "Battery error! Overcurrent detected\n");
-    row("Battery.hwErrorStatus", "5", noErrors, "Battery error! Battery not initiated\n");
-    row("Battery.hwErrorStatus", "6", noErrors, "");
-    const char charging[] = "Battery is being charged\n";
-    row("Battery.chargingStatus", "2", charging, "Battery is fully charged\n");
-    row("Battery.chargingStatus", "3", charging, "Temperature is too low to charge the battery\n");
-    row("Battery.chargingStatus", "4", charging, "Temperature is too high to charge the battery\n");
-    row("Battery.chargingStatus", "5", charging, "Could not get battery charging status\n");
-    row("Battery.chargingStatus", "6", charging, "");
-    const char external[] = "Power source: External power\n";
-    row("Battery.powerSource", "0", external, "Power source: Battery\n");
-    row("Battery.powerSource", "2", external, external);
-    row("Battery.hwVersion", "%1 %2", "HW version: C1\n", "HW version: %1 %2\n");
-    row("Battery.serialNumber", "", "serial number: B-4711\n", "serial number: \n");
-}
-
-void tst_report::battery_values()
-{
-    QFETCH(QString, property);
-    QFETCH(QString, value);
-    QFETCH(QString, before);
-    QFETCH(QString, after);
-    setUnit(property, value);
-    QString expected = batteryText;
-    expected.replace(before, after);
-    QCOMPARE(batteryDataText(), expected);
-}
-
-void tst_report::battery_idleTakesThePlaceOfAllBefore()
-{
-    setUnit(latin1("Battery.chargingStatus"), latin1("0"));
-    fault(latin1("Battery_getHwVersion"), 5);
-    const auto rest = batteryText.indexOf(latin1("Power source"));
-    QCOMPARE(batteryDataText(), latin1("Battery is not being charged\n") + batteryText.mid(rest));
-    QStringList expected = batteryCalls;
-    expected.insert(
-        expected.indexOf(latin1("Battery_getSwVersion()")), latin1("deviceErrorText(5)"));
-    QCOMPARE(withoutResults(calls()), expected);
-}
-
-void tst_report::failure_data()
-{
-    QTest::addColumn<int>("item");
-    QTest::addColumn<int>("code");
-    const QList<Item> all = items();
-    for (int item = 0; item < all.size(); ++item) {
-        for (const int code : faultCodes)
-            QTest::addRow("%s %d", all[item].operation, code) << item << code;
+    void eeprom()
+    {
+        for (const Value &value : knownEquipment)
+            setUnit(latin1(value.name), latin1(value.value));
+        QCOMPARE(eepromDataText(), eepromText);
+        QCOMPARE(withoutResults(calls()), eepromCalls);
     }
-}
 
-void tst_report::failure()
-{
-    QFETCH(int, item);
-    QFETCH(int, code);
-    const Item failing = items().at(item);
-    const QString sound = failing.section();
-    const QStringList soundCalls = calls();
-    fault(latin1(failing.operation), code);
-    const QString expected = failedText(sound, failing, code);
-    QVERIFY(expected != sound);
-    QStringList expectedCalls = failedCalls(soundCalls, failing, code);
-    calls();
-    QCOMPARE(failing.section(), expected);
-    QStringList found = calls();
-    // Which texts are asked for follows the number, which a failure changes; tested on its own.
-    for (QStringList *lines : {&found, &expectedCalls}) {
-        for (QString &line : *lines) {
-            if (line.startsWith(latin1("Diagnostics_")) && line.contains(latin1("Text(")))
-                line = line.section(QLatin1Char('('), 0, 0);
+    void eeprom_withoutAddonBoard()
+    {
+        for (const char *operation :
+            {"getAddonPcbSerial", "getAddonArticleNumber", "getAddonManufacturingDate",
+                "getAddonHardwareVersion", "hasWlan", "hasGps", "hasBluetooth", "hasGsm"})
+            fault(latin1("Hardware_") + latin1(operation), DEVICE_NOT_SUPPORTED);
+        QVERIFY(eepromDataText().endsWith(latin1("255\n\nAddon/Telematics board:\n")));
+    }
+
+    void adc()
+    {
+        QString expected = latin1("ADC values\n");
+        const QStringList labels = voltages();
+        const int channels[] = {
+            0, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23};
+        for (int row = 0; row < labels.size(); ++row) {
+            const double volts = 1.0123456 * (channels[row] + 1);
+            setUnit("Adc.voltage%1"_s.arg(channels[row]), QString::number(volts, 'g', 17));
+            expected += labels[row] + latin1(": ") + QString::number(volts) + latin1(" V\n");
+        }
+        QCOMPARE(adcDataText(), expected);
+        QCOMPARE(withoutResults(calls()), adcCalls());
+    }
+
+    void diagnostic() { QCOMPARE(diagnosticDataText(), diagnosticText); }
+
+    void diagnostic_reasons_data()
+    {
+        QTest::addColumn<int>("reason");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("31") << 31 << latin1("ShutDown reason: NoError \n");
+        QTest::newRow("30") << 30 << latin1("ShutDown reason: 30 \n");
+        QTest::newRow("0") << 0 << latin1("ShutDown reason: 0 \n");
+        QTest::newRow("65535") << 65535 << latin1("ShutDown reason: 65535 \n");
+    }
+
+    void diagnostic_reasons()
+    {
+        QFETCH(int, reason);
+        QFETCH(QString, line);
+        setUnit(latin1("Diagnostics.shutDownReason"), QString::number(reason));
+        const QString text = diagnosticDataText();
+        QVERIFY2(text.contains(QLatin1Char('\n') + line), qPrintable(text));
+    }
+
+    void diagnostic_reasonAfterFailure()
+    {
+        // The number of the read before is asked about, and a reason of 0 after a failed first
+        // read.
+        setUnit(latin1("Diagnostics.startupReason"), latin1("7"));
+        setUnit(latin1("Diagnostics.hwErrorStatus"), latin1("9"));
+        fault(latin1("Diagnostics_getShutDownReason"), 5);
+        fault(latin1("Diagnostics_getHwErrorStatus"), 5);
+        diagnosticDataText();
+        const QStringList before = withoutResults(calls());
+        QVERIFY(before.contains(latin1("Diagnostics_startupReasonText(7)")));
+        QVERIFY(before.contains(latin1("Diagnostics_hwErrorText(7)")));
+
+        clearFaults();
+        fault(latin1("Diagnostics_getStartupReason"), 18);
+        setUnit(latin1("Diagnostics.shutDownReason"), latin1("3"));
+        fault(latin1("Diagnostics_getHwErrorStatus"), 2);
+        diagnosticDataText();
+        const QStringList after = withoutResults(calls());
+        QVERIFY(after.contains(latin1("Diagnostics_startupReasonText(0)")));
+        QVERIFY(after.contains(latin1("Diagnostics_hwErrorText(3)")));
+    }
+
+    void diagnostic_sensors_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QString>("lines");
+        QTest::newRow("none") << 0 << QString();
+        QTest::newRow("one") << 1 << latin1("JIDA CPU temp: 20 \260C\n");
+        QTest::newRow("eight") << 8
+                               << latin1("JIDA CPU temp: 20 \260C\n"
+                                         "JIDA box temp: 21 \260C\n"
+                                         "JIDA environment temp: 22 \260C\n"
+                                         "JIDA board temp: 23 \260C\n"
+                                         "JIDA backplane temp: 24 \260C\n"
+                                         "JIDA chipsets temp: 25 \260C\n"
+                                         "JIDA video temp: 26 \260C\n"
+                                         "JIDA other temp: 27 \260C\n");
+    }
+
+    void diagnostic_sensors()
+    {
+        QFETCH(int, count);
+        QFETCH(QString, lines);
+        setUnit(latin1("Diagnostics.pmSensorCount"), QString::number(count));
+        for (int index = 0; index < 8; ++index) {
+            setUnit("Diagnostics.pmTemp%1"_s.arg(index), QString::number(20 + index));
+            setUnit("Diagnostics.pmKind%1"_s.arg(index), QString::number(index));
+        }
+        const QString text = diagnosticDataText();
+        const auto start = text.indexOf(latin1("Number of power cycles: 40000 \n"));
+        const auto end = text.indexOf(latin1("SS temp"));
+        QCOMPARE(text.mid(start, end - start), latin1("Number of power cycles: 40000 \n") + lines);
+    }
+
+    void storage_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("text");
+
+        const QString dashes =
+            latin1("---------------------------------------------------------\n");
+        const QString serial = latin1("Device serial number: SD-1 \n");
+        const QString lifetime = latin1("Estimated remaining lifetime: 94 %\n");
+        const QString time =
+            latin1("Device was initially timestamped on: Fri Nov 11 11:11:11 2011\n");
+        const QString serial2 = dashes + latin1("Device serial number: SD-2 \n");
+        const QString lifetime2 = latin1("Estimated remaining lifetime: 99 %\n");
+        const QString time2 =
+            latin1("Device was initially timestamped on: Thu Jan  1 00:00:00 1970\n") + dashes;
+        const QString not_available = latin1("Estimated remaining lifetime is not available\n");
+        const auto row = [](const char *operation, int code, const QString &text) {
+            QTest::addRow("%s, %d", operation, code) << latin1(operation) << code << text;
+        };
+        for (const int code : failureCodes) {
+            const QString error = code == 2    ? QString()
+                                  : code == 18 ? latin1("N/A\n")
+                                               : errorText(code) + QLatin1Char('\n');
+            const QString label = code == 2 ? QString() : latin1("getInitialTime: ");
+            const QString label2 = code == 2 ? QString() : latin1("getInitialTime2: ");
+            const QString absent = code == 2 ? QString() : not_available;
+            const QString second = serial2 + lifetime2 + time2;
+            row("Smart_getDeviceSerial", code, not_available + lifetime + time + second);
+            row("Smart_getRemainingLifetime", code, serial + not_available + time + second);
+            row("Smart_getInitialTime", code, serial + lifetime + label + error + second);
+            const QString first = serial + lifetime + time;
+            row("Smart_getDeviceSerial2", code, first + absent + lifetime2 + time2);
+            row("Smart_getRemainingLifetime2", code, first + serial2 + absent + time2);
+            row("Smart_getInitialTime2", code, first + serial2 + lifetime2 + label2 + error);
         }
     }
-    QCOMPARE(found, expectedCalls);
-}
 
-void tst_report::version_failure_data()
-{
-    QTest::addColumn<QString>("operation");
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<int>("code");
-    const std::pair<const char *, const char *> versions[] = {
-        {"Versions_getVornAuxVersion", "Vornaux API"},
-        {"Versions_getVornAuxDrvVersion", "Vornaux Driver"}, {"Versions_getFPGAVersion", "FPGA"},
-        {"Versions_getFrontVersion", "Front uc"}, {"Versions_getSSVersion", "System Supervisor"},
-        {"Versions_getOSVersion", "OS version"}};
-    for (const auto &[operation, label] : versions) {
-        for (const int code : faultCodes)
-            QTest::addRow("%s %d", operation, code) << latin1(operation) << latin1(label) << code;
+    void storage()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        QFETCH(QString, text);
+        fault(operation, code);
+        const QString section = diagnosticDataText();
+        const QString banner = latin1("\n------------------  SMART data  ------------------\n");
+        QCOMPARE(section.mid(section.indexOf(banner) + banner.size()), text);
     }
-}
 
-void tst_report::version_failure()
-{
-    QFETCH(QString, operation);
-    QFETCH(QString, label);
-    QFETCH(int, code);
-    fault(operation, code);
-    const QString line =
-        QLatin1Char('\n') + label + latin1(": ") + errorText(code) + QLatin1Char('\n');
-    const QString report = generateSystemReport();
-    QVERIFY2(report.contains(line), qPrintable(report));
-}
-
-void tst_report::cpuBoard_data()
-{
-    QTest::addColumn<QByteArray>("product");
-    QTest::addColumn<QString>("info");
-    const QString jida = latin1("Board name: CCR6\n"
-                                "Manufacturing Date: 2022.1.24\n"
-                                "Serial Number: 0004202217\n"
-                                "Hardware Revision: 3\n"
-                                "Firmware Revision: 12\n");
-    const QString cgos = latin1("Board name: BQ77\n"
-                                "Board sub name: CCR6-i3\n"
-                                "Manufacturing Date: 2022.1.24\n"
-                                "Serial Number: 0004202217\n"
-                                "Part Number: 046-77110\n"
-                                "EAN: 4012345678901\n"
-                                "Product Revision: A.1\n"
-                                "System BIOS Revision: 114\n");
-    QTest::newRow("none") << QByteArray() << jida;
-    QTest::newRow("unknown") << QByteArray("Standard PC") << jida;
-    QTest::newRow("by name, jida") << QByteArray("ChiefRiver") << jida;
-    QTest::newRow("by name, cgos") << QByteArray("TS77") << cgos;
-    QTest::newRow("cgos") << QByteArray("Aptio CRB") << cgos;
-}
-
-void tst_report::cpuBoard()
-{
-    QFETCH(QByteArray, product);
-    QFETCH(QString, info);
-    if (!product.isNull())
-        bios->setBoard(product);
-    setUnit(latin1("CpuBoard.name"),
-        latin1(product == "TS77" || product == "Aptio CRB" ? "BQ77" : "CCR6"));
-    QCOMPARE(cpuBoardDataText(), info);
-    bios->setVersion("V %1 \377");
-    QCOMPARE(cpuBoardDataText(), info + latin1("\nBIOS version: V %1 \377\n"));
-}
-
-void tst_report::profiles_data()
-{
-    QTest::addColumn<QString>("profile");
-    for (const std::string &profile : virtualunit::profiles())
-        QTest::addRow("%s", profile.c_str()) << QString::fromStdString(profile);
-}
-
-/** What holds for every unit: the frame, and one line for each setting. */
-void tst_report::profiles()
-{
-    QFETCH(QString, profile);
-    useProfile(profile);
-    const QString report = generateSystemReport();
-    const QStringList made = withoutResults(calls());
-    QStringList titles;
-    QStringList lines = report.split(QLatin1Char('\n'));
-    for (const QString &line : qAsConst(lines)) {
-        if (line.startsWith(QLatin1String("------------------  ")))
-            titles << line.mid(20).chopped(20);
+    void storage_onlyOne()
+    {
+        for (const char *operation :
+            {"getDeviceSerial2", "getRemainingLifetime2", "getInitialTime2"})
+            fault(latin1("Smart_") + latin1(operation), DEVICE_NOT_SUPPORTED);
+        const auto second =
+            diagnosticText.indexOf(latin1("-----------------------------------------"));
+        QCOMPARE(diagnosticDataText(), diagnosticText.left(second));
     }
-    QCOMPARE(titles, list({"SW Versions", "EEPROM data", "Diagnostic data", "SMART data",
-                         "ADC data", "CPU board data", "Settings", "Log Files", "End of report"}));
-    for (const Item &item : items()) {
-        if (item.outcome != SETTING || latin1(item.operation).startsWith(latin1("Telematics_")))
-            continue;
-        for (const QString &label : item.labels)
-            QCOMPARE(lines
-                         .filter(QRegularExpression(
-                             QLatin1Char('^') + QRegularExpression::escape(label) + latin1(": ")))
-                         .size(),
-                1);
-    }
-    // Whatever the unit has, everything but the board's radios and the battery is asked for.
-    QStringList expected = settingsCalls;
-    for (const QString &call : settingsCalls) {
-        if (!made.contains(call) &&
-            (call.startsWith(latin1("Telematics_get")) || call.startsWith(latin1("Battery_")) ||
-                call.startsWith(latin1("Backlight_getAutomaticBLFilter"))))
-            expected.removeOne(call);
-    }
-    const auto start = made.indexOf(latin1("Backlight_create()"));
-    QStringList ours = made.mid(start);
-    for (const QString &text : ours.filter(latin1("deviceErrorText")))
-        ours.removeAll(text);
-    QCOMPARE(ours, expected);
-}
 
-void tst_report::allFail_data()
-{
-    QTest::addColumn<int>("code");
-    for (const int code : faultCodes)
-        QTest::addRow("%d", code) << code;
-}
+    void settings()
+    {
+        QCOMPARE(settingsDataText(), settingsText + batteryText);
+        QCOMPARE(withoutResults(calls()), settingsCalls);
+    }
 
-void tst_report::allFail()
-{
-    QFETCH(int, code);
-    for (const std::string &operation : virtualunit::operations())
-        fault(QString::fromStdString(operation), code);
-    const QString failed = errorText(code);
-    const auto equipment = [&](const QStringList &labels) {
+    void settings_values_data()
+    {
+        QTest::addColumn<QString>("property");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("line");
+        const auto row = [](const char *property, const char *value, const char *line) {
+            QTest::addRow("%s %s", property, value)
+                << latin1(property) << latin1(value) << latin1(line);
+        };
+        row("Touch.mode", "0", "TouchScreenMode: Mouse profile (next boot)");
+        row("Touch.mode", "1", "TouchScreenMode: Touch profile (next boot)");
+        row("Touch.mode", "3", "TouchScreenMode: Touch profile");
+        row("Touch.mode", "4", "TouchScreenMode: Undefined value");
+        row("Backlight.softTransitions", "false", "   Soft transitions: 0");
+        row("Backlight.samplingMode", "0", "   Sampling mode: 0");
+        row("Backlight.ledDimming", "2", "Led dimming: Disabled");
+        row("Buzzer.trigger", "true", "Trigger (On/Off): 1");
+        row("Config.extOnOffSigTrigTime", "4294967295", "ExtOnOffSigTrigTime: -1");
+        row("Config.frontBtnTrigTime", "65535", "FrontBtnTrigTime: 65535");
+        row("Config.heatingTempLimit", "5", "HeatingTempLimit: 5");
+        row("Config.startupTrigger", "1", "StartupTrigger: Front button");
+        row("Config.startupTrigger", "2", "StartupTrigger: OnOff Signal");
+        row("Config.startupTrigger", "0", "StartupTrigger: Undefined value");
+        row("Config.startupVoltage", "9", "StartupVoltage: 9");
+        row("Config.shortButtonPressAction", "7", "ShortButtonPressAction: Undefined value");
+        row("Telematics.gpsAntennaStatus", "1", "GPSAntennaStatus: Enabled");
+    }
+
+    void settings_values()
+    {
+        QFETCH(QString, property);
+        QFETCH(QString, value);
+        QFETCH(QString, line);
+        setUnit(property, value);
+        const QStringList lines = settingsDataText().split(QLatin1Char('\n'));
+        QVERIFY2(lines.contains(line), qPrintable(lines.join(QLatin1Char('\n'))));
+    }
+
+    void settings_automaticBacklight_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<int>("code");
+        for (const int code : failureCodes) {
+            QTest::addRow("parameters %d", code) << latin1("getAutomaticBLParams") << code;
+            QTest::addRow("filter %d", code) << latin1("getAutomaticBLFilter") << code;
+        }
+    }
+
+    void settings_automaticBacklight()
+    {
+        QFETCH(QString, operation);
+        QFETCH(int, code);
+        const QString error = errorText(code);
+        calls();
+        fault(latin1("Backlight_") + operation, code);
+        const QString text = settingsDataText();
+        QVERIFY2(text.contains(latin1("\nAutomatic backlight Status: 0\n") + operation +
+                               latin1(": ") + error + latin1("\n\nBuzzer:\n")),
+            qPrintable(text));
+        QStringList expected = settingsCalls;
+        if (operation == "getAutomaticBLParams"_s)
+            expected.removeOne(latin1("Backlight_getAutomaticBLFilter()"));
+        expected.insert(
+            expected.indexOf(latin1("Backlight_release()")), "deviceErrorText(%1)"_s.arg(code));
+        QCOMPARE(withoutResults(calls()), expected);
+    }
+
+    void settings_telematics_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("available");
+        for (const int code : failureCodes)
+            QTest::addRow("code %d", code) << code << latin1("1");
+        QTest::newRow("no board") << 0 << latin1("0");
+        QTest::newRow("2") << 0 << latin1("2");
+    }
+
+    void settings_telematics()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, available);
+        setUnit(latin1("Telematics.available"), available);
+        if (code != 0)
+            fault(latin1("Telematics_getAvailable"), code);
+        const QString text = settingsDataText();
+        const QString outcome = code != 0 ? errorText(code) : latin1("Disabled");
+        QVERIFY2(text.contains(latin1("\n\nTelematics:\nTelematics board available: ") + outcome +
+                               latin1("\n\nBattery:\n")),
+            qPrintable(text));
+        const QStringList ours = withoutResults(calls()).filter("Telematics_"_s);
+        QCOMPARE(ours, list({"Telematics_create()", "Telematics_getAvailable()"}));
+    }
+
+    void battery()
+    {
+        QCOMPARE(batteryDataText(), batteryText);
+        QCOMPARE(withoutResults(calls()), batteryCalls);
+    }
+
+    void battery_absent_data()
+    {
+        QTest::addColumn<int>("code");
+        for (const int code : failureCodes)
+            QTest::addRow("code %d", code) << code;
+        QTest::newRow("not connected") << 0;
+    }
+
+    void battery_absent()
+    {
+        QFETCH(int, code);
+        if (code != 0)
+            fault(latin1("Battery_isAvailable"), code);
+        else
+            setUnit(latin1("Battery.available"), latin1("false"));
+        QCOMPARE(batteryDataText(), latin1("External battery not available.\n"));
+        // The handle stays open.
+        QCOMPARE(withoutResults(calls()), list({"Battery_create()", "Battery_isAvailable()"}));
+    }
+
+    void battery_values_data()
+    {
+        QTest::addColumn<QString>("property");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("after");
+        const auto row = [](const char *property, const char *value, const char *before,
+                             const char *after) {
+            QTest::addRow("%s %s", property, value)
+                << latin1(property) << latin1(value) << latin1(before) << latin1(after);
+        };
+        const char noErrors[] = "Battery reports no HW errors\n";
+        row("Battery.hwErrorStatus", "1", noErrors,
+            "Battery error! The thermistor temp sensor is not working\n");
+        row("Battery.hwErrorStatus", "2", noErrors,
+            "Battery error! The secondary temp sensor is not working\n");
+        row("Battery.hwErrorStatus", "3", noErrors, "Battery error! Charging failed\n");
+        row("Battery.hwErrorStatus", "4", noErrors, "Battery error! Overcurrent detected\n");
+        row("Battery.hwErrorStatus", "5", noErrors, "Battery error! Battery not initiated\n");
+        row("Battery.hwErrorStatus", "6", noErrors, "");
+        const char charging[] = "Battery is being charged\n";
+        row("Battery.chargingStatus", "2", charging, "Battery is fully charged\n");
+        row("Battery.chargingStatus", "3", charging,
+            "Temperature is too low to charge the battery\n");
+        row("Battery.chargingStatus", "4", charging,
+            "Temperature is too high to charge the battery\n");
+        row("Battery.chargingStatus", "5", charging, "Could not get battery charging status\n");
+        row("Battery.chargingStatus", "6", charging, "");
+        const char external[] = "Power source: External power\n";
+        row("Battery.powerSource", "0", external, "Power source: Battery\n");
+        row("Battery.powerSource", "2", external, external);
+        row("Battery.hwVersion", "%1 %2", "HW version: C1\n", "HW version: %1 %2\n");
+        row("Battery.serialNumber", "", "serial number: B-4711\n", "serial number: \n");
+    }
+
+    void battery_values()
+    {
+        QFETCH(QString, property);
+        QFETCH(QString, value);
+        QFETCH(QString, before);
+        QFETCH(QString, after);
+        setUnit(property, value);
+        QString expected = batteryText;
+        expected.replace(before, after);
+        QCOMPARE(batteryDataText(), expected);
+    }
+
+    void battery_idleTakesThePlaceOfAllBefore()
+    {
+        setUnit(latin1("Battery.chargingStatus"), latin1("0"));
+        fault(latin1("Battery_getHwVersion"), 5);
+        const auto rest = batteryText.indexOf(latin1("Power source"));
+        QCOMPARE(
+            batteryDataText(), latin1("Battery is not being charged\n") + batteryText.mid(rest));
+        QStringList expected = batteryCalls;
+        expected.insert(
+            expected.indexOf(latin1("Battery_getSwVersion()")), latin1("deviceErrorText(5)"));
+        QCOMPARE(withoutResults(calls()), expected);
+    }
+
+    void failure_data()
+    {
+        QTest::addColumn<int>("item");
+        QTest::addColumn<int>("code");
+        const QList<Item> all = items();
+        for (int item = 0; item < all.size(); ++item) {
+            for (const int code : failureCodes)
+                QTest::addRow("%s %d", all[item].operation, code) << item << code;
+        }
+    }
+
+    void failure()
+    {
+        QFETCH(int, item);
+        QFETCH(int, code);
+        const Item failing = items().at(item);
+        const QString sound = failing.section();
+        const QStringList soundCalls = calls();
+        fault(latin1(failing.operation), code);
+        const QString expected = failedText(sound, failing, code);
+        QVERIFY(expected != sound);
+        QStringList expectedCalls = failedCalls(soundCalls, failing, code);
+        calls();
+        QCOMPARE(failing.section(), expected);
+        QStringList found = calls();
+        // Which texts are asked for follows the number, which a failure changes; tested on its own.
+        for (QStringList *lines : {&found, &expectedCalls}) {
+            for (QString &line : *lines) {
+                if (line.startsWith(latin1("Diagnostics_")) && line.contains(latin1("Text(")))
+                    line = line.section(QLatin1Char('('), 0, 0);
+            }
+        }
+        QCOMPARE(found, expectedCalls);
+    }
+
+    void version_failure_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<int>("code");
+        const std::pair<const char *, const char *> versions[] = {
+            {"Versions_getVornAuxVersion", "Vornaux API"},
+            {"Versions_getVornAuxDrvVersion", "Vornaux Driver"},
+            {"Versions_getFPGAVersion", "FPGA"}, {"Versions_getFrontVersion", "Front uc"},
+            {"Versions_getSSVersion", "System Supervisor"},
+            {"Versions_getOSVersion", "OS version"}};
+        for (const auto &[operation, label] : versions) {
+            for (const int code : failureCodes)
+                QTest::addRow("%s %d", operation, code)
+                    << latin1(operation) << latin1(label) << code;
+        }
+    }
+
+    void version_failure()
+    {
+        QFETCH(QString, operation);
+        QFETCH(QString, label);
+        QFETCH(int, code);
+        fault(operation, code);
+        const QString line =
+            QLatin1Char('\n') + label + latin1(": ") + errorText(code) + QLatin1Char('\n');
+        const QString report = generateSystemReport();
+        QVERIFY2(report.contains(line), qPrintable(report));
+    }
+
+    void cpuBoard_data()
+    {
+        QTest::addColumn<QByteArray>("product");
+        QTest::addColumn<QString>("info");
+        const QString jida = latin1("Board name: CCR6\n"
+                                    "Manufacturing Date: 2022.1.24\n"
+                                    "Serial Number: 0004202217\n"
+                                    "Hardware Revision: 3\n"
+                                    "Firmware Revision: 12\n");
+        const QString cgos = latin1("Board name: BQ77\n"
+                                    "Board sub name: CCR6-i3\n"
+                                    "Manufacturing Date: 2022.1.24\n"
+                                    "Serial Number: 0004202217\n"
+                                    "Part Number: 046-77110\n"
+                                    "EAN: 4012345678901\n"
+                                    "Product Revision: A.1\n"
+                                    "System BIOS Revision: 114\n");
+        QTest::newRow("none") << QByteArray() << jida;
+        QTest::newRow("unknown") << QByteArray("Standard PC") << jida;
+        QTest::newRow("by name, jida") << QByteArray("ChiefRiver") << jida;
+        QTest::newRow("by name, cgos") << QByteArray("TS77") << cgos;
+        QTest::newRow("cgos") << QByteArray("Aptio CRB") << cgos;
+    }
+
+    void cpuBoard()
+    {
+        QFETCH(QByteArray, product);
+        QFETCH(QString, info);
+        if (!product.isNull())
+            bios->setBoard(product);
+        setUnit(latin1("CpuBoard.name"),
+            latin1(product == "TS77" || product == "Aptio CRB" ? "BQ77" : "CCR6"));
+        QCOMPARE(cpuBoardDataText(), info);
+        bios->setVersion("V %1 \377");
+        QCOMPARE(cpuBoardDataText(), info + latin1("\nBIOS version: V %1 \377\n"));
+    }
+
+    void profiles_data()
+    {
+        QTest::addColumn<QString>("profile");
+        for (const std::string &profile : virtualunit::profiles())
+            QTest::addRow("%s", profile.c_str()) << QString::fromStdString(profile);
+    }
+
+    /** What holds for every unit: the frame, and one line for each setting. */
+    void profiles()
+    {
+        QFETCH(QString, profile);
+        useProfile(profile);
+        const QString report = generateSystemReport();
+        const QStringList made = withoutResults(calls());
+        QStringList titles;
+        QStringList lines = report.split(QLatin1Char('\n'));
+        for (const QString &line : qAsConst(lines)) {
+            if (line.startsWith("------------------  "_s))
+                titles << line.mid(20).chopped(20);
+        }
+        QCOMPARE(
+            titles, list({"SW Versions", "EEPROM data", "Diagnostic data", "SMART data", "ADC data",
+                        "CPU board data", "Settings", "Log Files", "End of report"}));
+        for (const Item &item : items()) {
+            if (item.outcome != SETTING || latin1(item.operation).startsWith(latin1("Telematics_")))
+                continue;
+            for (const QString &label : item.labels)
+                QCOMPARE(
+                    lines
+                        .filter(QRegularExpression(
+                            QLatin1Char('^') + QRegularExpression::escape(label) + latin1(": ")))
+                        .size(),
+                    1);
+        }
+        // Whatever the unit has, everything but the board's radios and the battery is asked for.
+        QStringList expected = settingsCalls;
+        for (const QString &call : settingsCalls) {
+            if (!made.contains(call) &&
+                (call.startsWith(latin1("Telematics_get")) || call.startsWith(latin1("Battery_")) ||
+                    call.startsWith(latin1("Backlight_getAutomaticBLFilter"))))
+                expected.removeOne(call);
+        }
+        const auto start = made.indexOf(latin1("Backlight_create()"));
+        QStringList ours = made.mid(start);
+        for (const QString &text : ours.filter(latin1("deviceErrorText")))
+            ours.removeAll(text);
+        QCOMPARE(ours, expected);
+    }
+
+    void allFail_data()
+    {
+        QTest::addColumn<int>("code");
+        for (const int code : failureCodes)
+            QTest::addRow("%d", code) << code;
+    }
+
+    void allFail()
+    {
+        QFETCH(int, code);
+        for (const std::string &operation : virtualunit::operations())
+            fault(QString::fromStdString(operation), code);
+        const QString failed = errorText(code);
+        const auto equipment = [&](const QStringList &labels) {
+            QString text;
+            for (const QString &label : labels)
+                text += failedLine(Item{nullptr, "", EQUIPMENT, {}}, label, code);
+            return text;
+        };
+        QCOMPARE(adcDataText(), latin1("ADC values\n") + equipment(voltages()));
+        QStringList identity;
+        QStringList history;
+        for (const Item &item : items()) {
+            if (item.section == Section(eepromDataText))
+                identity += item.labels;
+            if (item.section == Section(diagnosticDataText))
+                history += item.labels;
+        }
+        QCOMPARE(eepromDataText(), latin1("Mainboard:\n") + equipment(identity.mid(0, 18)) +
+                                       latin1("\nAddon/Telematics board:\n") +
+                                       equipment(identity.mid(18)));
+        const QString lifetimes =
+            latin1("Estimated remaining lifetime is not available\n").repeated(2);
+        QCOMPARE(diagnosticDataText(),
+            latin1("Diagnostic data:\n") + equipment(history) +
+                latin1("\n------------------  SMART data  ------------------\n") + lifetimes +
+                equipment(list({"getInitialTime"})) + (code == 2 ? QString() : lifetimes) +
+                equipment(list({"getInitialTime2"})));
+        QCOMPARE(batteryDataText(), latin1("External battery not available.\n"));
+        const QString settings = settingsDataText();
+        QVERIFY(
+            settings.startsWith(latin1("Backlight:\nIntensity: ") + failed + QLatin1Char('\n')));
+        QVERIFY(settings.endsWith(latin1("\n\nTelematics:\nTelematics board available: ") + failed +
+                                  latin1("\n\nBattery:\nExternal battery not available.\n")));
+    }
+
+    void file_isLatin1()
+    {
         QString text;
-        for (const QString &label : labels)
-            text += failedLine(Item{nullptr, "", EQUIPMENT, {}}, label, code);
-        return text;
-    };
-    QCOMPARE(adcDataText(), latin1("ADC values\n") + equipment(voltages()));
-    QStringList identity;
-    QStringList history;
-    for (const Item &item : items()) {
-        if (item.section == Section(eepromDataText))
-            identity += item.labels;
-        if (item.section == Section(diagnosticDataText))
-            history += item.labels;
+        QByteArray bytes;
+        for (int character = 0; character < 256; ++character) {
+            text += QChar(character);
+            bytes += char(character);
+        }
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        writeReportText(buffer, text.repeated(1000));
+        QVERIFY(buffer.data() == bytes.repeated(1000));
     }
-    QCOMPARE(eepromDataText(), latin1("Mainboard:\n") + equipment(identity.mid(0, 18)) +
-                                   latin1("\nAddon/Telematics board:\n") +
-                                   equipment(identity.mid(18)));
-    const QString lifetimes = latin1("Estimated remaining lifetime is not available\n").repeated(2);
-    QCOMPARE(diagnosticDataText(),
-        latin1("Diagnostic data:\n") + equipment(history) +
-            latin1("\n------------------  SMART data  ------------------\n") + lifetimes +
-            equipment(list({"getInitialTime"})) + (code == 2 ? QString() : lifetimes) +
-            equipment(list({"getInitialTime2"})));
-    QCOMPARE(batteryDataText(), latin1("External battery not available.\n"));
-    const QString settings = settingsDataText();
-    QVERIFY(settings.startsWith(latin1("Backlight:\nIntensity: ") + failed + QLatin1Char('\n')));
-    QVERIFY(settings.endsWith(latin1("\n\nTelematics:\nTelematics board available: ") + failed +
-                              latin1("\n\nBattery:\nExternal battery not available.\n")));
-}
 
-void tst_report::file_isLatin1()
-{
-    QString text;
-    QByteArray bytes;
-    for (int character = 0; character < 256; ++character) {
-        text += QChar(character);
-        bytes += char(character);
+private:
+    void useKnownUnit()
+    {
+        for (const Value &value : knownUnit)
+            setUnit(latin1(value.name), latin1(value.value));
+        calls();
     }
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    writeReportText(buffer, text.repeated(1000));
-    QVERIFY(buffer.data() == bytes.repeated(1000));
-}
 
-VORN_TEST_MAIN(tst_report)
+    QTemporaryDir logs;
+    std::unique_ptr<BiosData> bios;
+};
+
+VORN_TEST_MAIN(ReportTest)
 #include "tst_report.moc"

@@ -6,8 +6,29 @@
 #include <QProcess>
 #include <QSet>
 #include <QSignalSpy>
+#include <QTranslator>
 
 using namespace support;
+
+namespace {
+
+/** Notes which of the window's texts are asked for, which is when they are painted. */
+struct AskedTexts : QTranslator {
+    AskedTexts() { QCoreApplication::installTranslator(this); }
+    ~AskedTexts() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *text, const char *, int) const override
+    {
+        if (QByteArray(context) == "CalibrationWindow")
+            texts << QString::fromUtf8(text);
+        return {};
+    }
+
+    mutable QStringList texts;
+};
+
+} // namespace
 
 /** The stand-in for the calibration tool: its window, and its program with its arguments. */
 class TouchCalibratorTest : public DeviceTest
@@ -67,6 +88,47 @@ private slots:
         QCOMPARE(window.hits(), 1);
     }
 
+    void tellsWhatToDo()
+    {
+        const AskedTexts asked;
+        CalibrationWindow window(CalibrationWindow::Points::Five);
+        window.resize(800, 480);
+        window.show();
+        const auto painted = [&] {
+            asked.texts.clear();
+            window.grab();
+            return asked.texts;
+        };
+        const auto number = "Target %1 of %2. Escape cancels"_s;
+        QCOMPARE(painted(), (QStringList{"Touch the centre of the amber target"_s, number}));
+        tap(window, window.targets().at(1));
+        QCOMPARE(painted(),
+            (QStringList{"Too far off. Touch the centre of the amber target"_s, number}));
+        for (const QPointF &target : window.targets())
+            tap(window, target);
+        QCOMPARE(painted(), QStringList("Calibration complete. Mean deviation: %1 pixels"_s));
+        tap(window, window.targets().at(0));
+        QVERIFY(window.isComplete());
+    }
+
+    // The target to be touched is the only amber one, those behind it have a tick instead of a
+    // cross.
+    void showsTheNextTarget()
+    {
+        CalibrationWindow window(CalibrationWindow::Points::Five);
+        window.resize(800, 480);
+        window.show();
+        tap(window, window.targets().at(0));
+        const QImage shown = window.grab().toImage();
+        const auto redOver = [&](int target) {
+            const QColor colour = shown.pixelColor(window.targets().at(target).toPoint());
+            return colour.red() - colour.blue();
+        };
+        QVERIFY(redOver(0) < 60);
+        QVERIFY(redOver(1) > 100);
+        QVERIFY(redOver(2) < 60);
+    }
+
     void escapeGivesUp()
     {
         CalibrationWindow window(CalibrationWindow::Points::Five);
@@ -106,7 +168,8 @@ private slots:
         }
         QVERIFY(program.waitForFinished(60'000));
         QCOMPARE(program.exitCode(), 2);
-        QVERIFY(program.readAllStandardError().contains("usage: "));
+        QVERIFY(program.readAllStandardError().trimmed().endsWith(
+            "usage: TouchCalibrator.exe [--13p]"));
     }
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/VornAux2.h"
+#include "tests/support/failureCodes.h"
 #include "tests/support/literals.h"
 
 #include <QApplication>
@@ -12,7 +13,6 @@
 #include <QtTest>
 
 #include <functional>
-#include <span>
 
 namespace support {
 
@@ -66,12 +66,6 @@ private:
     QList<Dialog> seen;
     QList<QPointer<QDialog>> open;
 };
-
-/** The codes that every operation is tried with: the device's special ones and faults, the last of
- *  which looks like "not supported" in 8 and in 16 bits. */
-inline constexpr int failureCodes[] = {2, 18, 20, 5, -1, 65538};
-/** Those of them that are faults wherever they come up: all but "not supported". */
-inline constexpr std::span faultCodes = std::span(failureCodes).subspan(1);
 
 /** The widget of that kind and name below the page; ends the test program if there is none. */
 template <typename Widget>
