@@ -12,6 +12,7 @@ namespace {
 QStringList calls;       // of the system since the last take()
 QStringList refused;     // names of calls that fail
 std::deque<DWORD> moved; // bytes that each transfer moves; then all that is wanted
+std::deque<DWORD> queue; // bytes that wait at each look; then none
 const auto line = HANDLE(0x4711);
 
 /** The system's state of a line: as other programs may have left it, all that the layer clears
@@ -153,6 +154,17 @@ BOOL notedReadFile(HANDLE handle, void *buffer, DWORD count, DWORD *read, OVERLA
             overlapped ? QStringLiteral("overlapped") : QStringLiteral("at once")});
 }
 
+BOOL notedClearCommError(HANDLE handle, DWORD *errors, COMSTAT *status)
+{
+    status->cbInQue = 0;
+    if (!queue.empty()) {
+        status->cbInQue = queue.front();
+        queue.pop_front();
+    }
+    return note("ClearCommError", handle,
+        {errors ? QStringLiteral("errors") : QStringLiteral("count alone")});
+}
+
 BOOL notedCloseHandle(HANDLE handle)
 {
     return note("CloseHandle", handle);
@@ -171,6 +183,7 @@ BOOL notedCloseHandle(HANDLE handle)
 #define PurgeComm notedPurgeComm
 #define WriteFile notedWriteFile
 #define ReadFile notedReadFile
+#define ClearCommError notedClearCommError
 #define CloseHandle notedCloseHandle
 #include "telematics/serialPort_win32.cpp"
 
@@ -201,6 +214,7 @@ private slots:
         take();
         refused.clear();
         moved.clear();
+        queue.clear();
     }
 
     void open_data()
@@ -304,6 +318,31 @@ private slots:
         QCOMPARE(serialRead(port, buffer.data(), 5), 0);
         QCOMPARE(take().size(), 2);
         QCOMPARE(buffer, QByteArray("rrrrr"));
+        serialClose(port);
+    }
+
+    /** It asks for bytes that are there alone, since one that waits couldn't be stopped. */
+    void stoppableRead()
+    {
+        SerialPort *port = serialOpen("COM3");
+        serialConfigure(port, 4, 3, 0, 0);
+        take();
+        SerialStop stop;
+        QByteArray buffer(5, '-');
+        const QString look = latin1("ClearCommError(4711, count alone)");
+        queue = {2, 0, 9};
+        QCOMPARE(serialRead(port, buffer.data(), 5, &stop), 0);
+        QCOMPARE(take(), QStringList({look, latin1("ReadFile(4711, 2, at once)"), look, look,
+                             latin1("ReadFile(4711, 3, at once)")}));
+        QCOMPARE(buffer, QByteArray("rrrrr"));
+        queue = {5, 5};
+        moved = {0}; // a failure isn't the end of the silence
+        QCOMPARE(serialRead(port, buffer.data(), 5, &stop), 0);
+        QCOMPARE(take().size(), 4);
+        stop.request();
+        queue = {5};
+        QCOMPARE(serialRead(port, buffer.data(), 5, &stop), 8);
+        QCOMPARE(take(), QStringList());
         serialClose(port);
     }
 

@@ -433,6 +433,62 @@ private slots:
         line.hangUp();
         QCOMPARE(read(port, 16).result, 7);
         QCOMPARE(write(port, "anybody?"), 1);
+        // Whoever reads in a loop and can be stopped doesn't spin.
+        const SerialStop nobodys;
+        const Reading reading = read(port, 16, &nobodys);
+        QCOMPARE(reading.result, 7);
+        QVERIFY(reading.milliseconds >= 3000 - early);
+    }
+
+    void stopWakesAWaitingRead()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QVERIFY(line.send("part"));
+        SerialStop stop;
+        std::thread stopper([&stop] {
+            QTest::qSleep(300);
+            stop.request();
+            stop.request();
+        });
+        const Reading reading = read(port, 16, &stop);
+        stopper.join();
+        QCOMPARE(reading.result, 8);
+        QCOMPARE(reading.bytes, QByteArray("part").leftJustified(16, '\0'));
+        QVERIFY(reading.milliseconds >= 300 - early);
+        QVERIFY(reading.milliseconds < 1500);
+    }
+
+    void stoppedReadsTakeNothing()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        QVERIFY(line.send("kept"));
+        SerialStop stop;
+        stop.request();
+        for (int time = 0; time < 2; ++time) {
+            const Reading reading = read(port, 4, &stop);
+            QCOMPARE(reading.result, 8);
+            QCOMPARE(reading.bytes, QByteArray(4, '\0'));
+        }
+        const SerialStop another;
+        QCOMPARE(read(port, 4, &another).bytes, QByteArray("kept"));
+    }
+
+    void stopThatNobodyRequests()
+    {
+        PseudoTerminal line;
+        const Port port = configured(line);
+        const SerialStop stop;
+        QVERIFY(line.send("full, part"));
+        Reading reading = read(port, 4, &stop);
+        QCOMPARE(reading.result, 0);
+        QCOMPARE(reading.bytes, QByteArray("full"));
+        reading = read(port, 16, &stop);
+        QCOMPARE(reading.result, 7);
+        QCOMPARE(reading.bytes, QByteArray(", part").leftJustified(16, '\0'));
+        QVERIFY(reading.milliseconds >= 3000 - early);
+        QVERIFY(reading.milliseconds < 3000 + late);
     }
 };
 
