@@ -82,7 +82,8 @@ std::optional<std::string> decodedByMark(std::istream &log)
         return std::nullopt;
     std::string decoded;
     while (log) {
-        for (const QChar unit : qtVersions::decode(*decoder, read(1 << 16))) {
+        const QString units = qtVersions::decode(*decoder, read(1 << 16));
+        for (const QChar unit : units) {
             if (!unit.isLowSurrogate()) // which is the other half of one character
                 decoded += unit.unicode() <= 0xFF ? static_cast<char>(unit.unicode()) : '?';
         }
