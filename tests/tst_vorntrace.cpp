@@ -118,8 +118,8 @@ void VorntraceTest::refusesWrongUsage_data()
              "record --fault Buzzer_getVolume=x -- prog",
              "record --fault Buzzer_getVolume=5,often=1 -- prog",
              "record --fault Buzzer_getVolume=5,times=-1 -- prog",
-             "record --fault Buzzer_create=5 -- prog", "record --delay Buzzer_getVolume=-1 -- prog",
-             "record --strict -- prog"})
+             "record --fault Buzzer_create=5 -- prog", "record --fault buzzer_getvolume=5 -- prog",
+             "record --delay Buzzer_getVolume=-1 -- prog", "record --strict -- prog"})
         QTest::newRow(*arguments ? arguments : "nothing") << QString::fromLatin1(arguments);
 }
 
@@ -131,6 +131,9 @@ void VorntraceTest::refusesWrongUsage()
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.output, QByteArray());
     QVERIFY2(run.errors.startsWith("vorntrace: "), run.errors.constData());
+    QCOMPARE(run.errors.count('\n'), 1);
+    if (arguments.contains(QStringLiteral("buzzer_getvolume")))
+        QVERIFY2(run.errors.contains("did you mean \"Buzzer_getVolume\"?"), run.errors.constData());
 }
 
 void VorntraceTest::refusesWhatCantBeDone_data()

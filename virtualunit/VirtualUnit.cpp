@@ -68,6 +68,13 @@ void apply(Unit &unit, const Assignment &wanted)
         unit.set(wanted.key, wanted.number);
 }
 
+/** The clock goes on. */
+void become(Unit &unit, Snapshot made)
+{
+    made.clock = unit.snapshot().clock;
+    unit.replace(made);
+}
+
 } // namespace
 
 Error open(const std::string &file)
@@ -77,11 +84,12 @@ Error open(const std::string &file)
 
 Error loadProfile(const std::string &nameOrPath)
 {
-    return changing([&](Unit &unit) {
-        auto made = profileSnapshot(nameOrPath, unit.now());
-        made.clock = unit.snapshot().clock;
-        unit.replace(made);
-    });
+    return changing([&](Unit &unit) { become(unit, profileSnapshot(nameOrPath, unit.now())); });
+}
+
+Error loadProfileText(const std::string &text)
+{
+    return changing([&](Unit &unit) { become(unit, readProfile(text, unit.now())); });
 }
 
 std::vector<std::string> profiles()

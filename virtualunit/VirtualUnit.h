@@ -30,14 +30,16 @@ struct Value {
 };
 
 /** Makes this process use that state file (":memory:" for one of its own) from now on. Without
- *  this call it is the file that VORN_UNIT names, else the one in the user's data directory. Open
- *  handles go on working and act on the new file. A new file becomes a unit of the profile "full".
- */
+ *  this call, or with an empty name, it is the file that VORN_UNIT names, else the one in the
+ *  user's data directory. Open handles go on working and act on the new file. A new file becomes a
+ *  unit of the profile "full". */
 VIRTUALUNIT_API Error open(const std::string &file);
 
 /** Replaces the whole state, faults and delays included, by that profile: a name of a profile that
  *  is shipped, or the path of a profile file. */
 VIRTUALUNIT_API Error loadProfile(const std::string &nameOrPath);
+/** The same from the text of a profile file. */
+VIRTUALUNIT_API Error loadProfileText(const std::string &text);
 /** Names of the shipped profiles. */
 VIRTUALUNIT_API std::vector<std::string> profiles();
 /** The present unit as a profile file. */

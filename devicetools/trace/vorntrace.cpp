@@ -1,4 +1,5 @@
 #include "commandline/commandline.h"
+#include "devicetools/contract.h"
 #include "devicetools/trace/Settings.h"
 #include "devicetools/trace/Tally.h"
 #include "devicetools/trace/format.h"
@@ -121,12 +122,23 @@ void endAfter(Ending (*runProgram)(Options &), Options &options)
     }
 }
 
+std::vector<std::string> operationNames()
+{
+    std::vector<std::string> names;
+    for (const auto &operation : contract::operations)
+        names.emplace_back(operation.name);
+    return names;
+}
+
 /// A check of an option that says what is wrong with it.
 template <typename Parse>
 CLI::Validator checkedBy(Parse parse, const std::string &form)
 {
     return CLI::Validator(
         [parse](const std::string &text) -> std::string {
+            const auto name = text.substr(0, text.find('='));
+            if (!contract::find(contract::operations, name))
+                return commandline::unknown("operation", name, operationNames());
             try {
                 parse(text);
                 return {};

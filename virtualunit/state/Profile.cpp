@@ -153,8 +153,13 @@ std::vector<std::string> profileNames()
 
 Snapshot profileSnapshot(const std::string &nameOrPath, std::int64_t epoch)
 {
+    return readProfile(profileSource(nameOrPath), epoch);
+}
+
+Snapshot readProfile(const std::string &text, std::int64_t epoch)
+{
     auto unit = freshSnapshot(epoch);
-    const auto json = parsed(profileSource(nameOrPath));
+    const auto json = parsed(text);
     if (!json.is_object())
         throw malformed("it isn't one JSON object.");
     readProfile(json, unit);

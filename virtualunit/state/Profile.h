@@ -14,6 +14,9 @@ struct EmbeddedProfile {
  *  Failure that tells what is wrong with it. */
 Snapshot profileSnapshot(const std::string &nameOrPath, std::int64_t epoch);
 
+/** The same from the text of a profile file. */
+Snapshot readProfile(const std::string &text, std::int64_t epoch);
+
 /** The unit at that time as a profile file. */
 std::string writeProfile(const Snapshot &unit, std::int64_t now);
 

@@ -73,7 +73,7 @@ void Unit::use(const std::string &newPath)
 {
     const std::lock_guard lock(mutex);
     file.reset();
-    chosenPath = newPath;
+    chosenPath = newPath.empty() ? std::nullopt : std::optional(newPath);
     acquire();
 }
 

@@ -4,6 +4,7 @@
 #include "virtualunit/system/system.h"
 #include "virtualunit/tool/journal.h"
 #include "virtualunit/tool/lists.h"
+#include "virtualunit/tool/unitOfTrace.h"
 
 #include <CLI/CLI.hpp>
 
@@ -70,12 +71,26 @@ void setFault(const Options &options)
     require(virtualunit::setFault(options.operation, options.code, options.times, options.after));
 }
 
+void initialise(const Options &options)
+{
+    if (!tool::isTrace(options.profile))
+        return require(virtualunit::loadProfile(options.profile));
+    std::string warning;
+    const auto profile = tool::profileOfTrace(options.profile, warning);
+    if (!warning.empty())
+        std::cerr << "vornunit: " << warning << '\n';
+    require(virtualunit::open(options.unit));
+    require(virtualunit::loadProfileText(profile));
+}
+
 void addProfileCommands(CLI::App &app, Options &options)
 {
-    auto *init = app.add_subcommand("init", "Makes the unit one of that profile, factory-new");
-    init->add_option("PROFILE", options.profile, "A name that \"profiles\" lists, or a file")
+    auto *init = app.add_subcommand(
+        "init", "Makes the unit one of that profile, factory-new, or as a trace last saw it");
+    init->add_option("PROFILE", options.profile,
+            "A name that \"profiles\" lists, a profile file, or a trace or journal")
         ->required();
-    init->final_callback([&] { require(virtualunit::loadProfile(options.profile)); });
+    init->final_callback([&] { initialise(options); });
 
     app.add_subcommand("profile", "Prints the present unit as a profile file")
         ->final_callback(printProfile);
