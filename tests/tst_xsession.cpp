@@ -6,7 +6,9 @@
 
 namespace {
 
-constexpr int patience = 60'000; // milliseconds
+constexpr int patience = 60'000;  // milliseconds
+constexpr int longPress = 2'000;  // milliseconds
+constexpr int settleTime = 1'000; // milliseconds, for what must not happen
 const QString program = QStringLiteral(VORN_BIN_DIR "/VornSettings");
 
 // Middles of buttons, in the window.
@@ -15,14 +17,21 @@ constexpr QPoint menuButton(395, 407);
 constexpr QPoint exitButton(525, 407);
 constexpr QPoint advancedButton(405, 304);
 constexpr QPoint firmwarePath(270, 116);
+constexpr QPoint defaultsButton(390, 321);
+constexpr QPoint shutdownButton(135, 321);
+constexpr QPoint ledButton(181, 205);
+constexpr QPoint colourList(410, 134);
+constexpr QPoint colourButton(410, 200);
 constexpr QPoint programFront(384, 168);
 
 /// The real program on a server and a unit of its own.
 class Session
 {
 public:
-    explicit Session(const support::XServer &xServer)
+    /// With a window manager on the server, that gives the keys to the program's windows.
+    explicit Session(const support::XServer &xServer, bool isManaged = false)
         : server(xServer)
+        , managed(isManaged)
     {
         environment.insert(QStringLiteral("DISPLAY"), server.display());
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
@@ -43,15 +52,30 @@ public:
     /// Starts and waits for the window.
     void start(const QStringList &arguments = {})
     {
+        launch(arguments);
+        awaitWindow();
+    }
+
+    void launch(const QStringList &arguments = {})
+    {
         process.setProcessEnvironment(environment);
         process.start(program, arguments);
         QVERIFY(process.waitForStarted());
+    }
+
+    void awaitWindow()
+    {
         window = windowNamed("Settings");
         QVERIFY(window != 0);
-        // Nobody manages windows here, so nobody gives them the keys.
-        QTRY_VERIFY_WITH_TIMEOUT(server.focus(window), patience);
+        awaitFocus(window);
         // The strip stands once the title's amber is there.
         QTRY_COMPARE_WITH_TIMEOUT(titleStrip().pixelColor(100, 8).green() > 200, true, patience);
+    }
+
+    void awaitFocus(std::uint32_t which) const
+    {
+        // Where nobody manages windows, nobody gives them the keys.
+        QTRY_VERIFY_WITH_TIMEOUT(managed ? server.hasFocus(which) : server.focus(which), patience);
     }
 
     void click(QPoint place) const
@@ -74,14 +98,29 @@ public:
     /// Changes the unit before the program starts.
     void setUnit(const QString &name, const QString &value) const
     {
+        vornunit({QStringLiteral("set"), name, value});
+    }
+
+    void vornunit(const QStringList &arguments) const
+    {
         QProcess tool;
         tool.setProcessEnvironment(environment);
-        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {QStringLiteral("set"), name, value});
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), arguments);
         QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
     }
 
     void type(const QString &text) const { server.tool({QStringLiteral("type"), text}); }
     void press(const char *key) const { server.tool({QStringLiteral("key"), QLatin1String(key)}); }
+
+    /// Holds Escape down for so long, milliseconds; the server repeats a key after some 600.
+    void holdEscape(int time) const
+    {
+        server.tool({QStringLiteral("keydown"), QStringLiteral("Escape")});
+        QTest::qWait(time);
+        server.tool({QStringLiteral("keyup"), QStringLiteral("Escape")});
+    }
+
+    bool isRunning() const { return process.state() == QProcess::Running; }
 
     QImage picture() const { return server.picture(window); }
     QImage titleStrip() const { return picture().copy(0, 0, 600, 51); }
@@ -103,6 +142,7 @@ public:
     }
 
     const support::XServer &server;
+    const bool managed;
     std::uint32_t window = 0;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 
@@ -138,6 +178,7 @@ class TestXSession : public QObject
 
 private:
     std::unique_ptr<support::XServer> server;
+    std::unique_ptr<support::XServer> managedServer;
     QImage plainLook; ///< of the window without any argument
 
     static void verifyHandlesGivenBack(const Session &session)
@@ -153,9 +194,114 @@ private slots:
     {
         server = std::make_unique<support::XServer>();
         QVERIFY(server->isRunning());
+        managedServer = std::make_unique<support::XServer>();
+        QVERIFY(managedServer->isRunning());
+        QVERIFY(managedServer->manage());
     }
 
-    void cleanupTestCase() { server.reset(); }
+    void cleanupTestCase()
+    {
+        managedServer.reset();
+        server.reset();
+    }
+
+    // The Escape that closes what stands in front of a page leaves the page as it is, however long
+    // the key is held; the next one leads to the menu.
+    void escapeBelongsToTheFront_data()
+    {
+        QTest::addColumn<QPoint>("entry");
+        QTest::addColumn<QPoint>("control");
+        QTest::addColumn<QString>("front"); ///< title of a window, none for a list
+        QTest::addColumn<QStringList>("fault");
+        QTest::addColumn<int>("held");
+        const QStringList none;
+        const QStringList failingShutdown{
+            QStringLiteral("fault"), QStringLiteral("Firmware_shutDown"), QStringLiteral("5")};
+        for (const int held : {30, longPress}) {
+            QTest::addRow("list, %d ms", held)
+                << ledButton << colourList << QString() << none << held;
+            QTest::addRow("colour dialog, %d ms", held)
+                << ledButton << colourButton << QStringLiteral("Select Color") << none << held;
+            QTest::addRow("question, %d ms", held)
+                << advancedButton << defaultsButton << QStringLiteral("Default Settings") << none
+                << held;
+            QTest::addRow("error box, %d ms", held)
+                << advancedButton << shutdownButton << QStringLiteral("Vornsettings")
+                << failingShutdown << held;
+        }
+    }
+
+    void escapeBelongsToTheFront()
+    {
+        QFETCH(QPoint, entry);
+        QFETCH(QPoint, control);
+        QFETCH(QString, front);
+        QFETCH(QStringList, fault);
+        QFETCH(int, held);
+        Session session(*managedServer, true);
+        if (!fault.isEmpty())
+            session.vornunit(fault);
+        session.start();
+        const QImage menu = session.titleStrip();
+        session.click(entry);
+        QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
+        const QImage page = session.titleStrip();
+        session.click(control);
+        if (front.isEmpty())
+            QTest::qWait(settleTime); // a list has no title to be found by
+        else
+            session.awaitFocus(session.windowNamed(front.toLatin1().constData()));
+        session.holdEscape(held);
+        QTest::qWait(settleTime);
+        QVERIFY(session.isRunning());
+        session.awaitFocus(session.window);
+        QCOMPARE(session.titleStrip(), page);
+        session.press("Escape");
+        QTRY_COMPARE_WITH_TIMEOUT(session.titleStrip(), menu, patience);
+        session.press("Escape");
+        session.verifyEnd(0);
+    }
+
+    // A box while the pages are built stands before a window that nobody has seen yet.
+    void escapeBeforeTheWindow_data()
+    {
+        QTest::addColumn<int>("held");
+        QTest::newRow("short") << 30;
+        QTest::newRow("long") << longPress;
+    }
+
+    void escapeBeforeTheWindow()
+    {
+        QFETCH(int, held);
+        Session session(*managedServer, true);
+        session.vornunit({QStringLiteral("fault"), QStringLiteral("Power_getCanPowerStatus"),
+            QStringLiteral("5"), QStringLiteral("--times"), QStringLiteral("1")});
+        session.launch();
+        session.awaitFocus(session.windowNamed("Vornsettings"));
+        session.holdEscape(held);
+        session.awaitWindow();
+        QTest::qWait(settleTime);
+        QVERIFY(session.isRunning());
+        session.press("Escape");
+        session.verifyEnd(0);
+    }
+
+    // The server repeats the key while it is held: one long press leads to the menu and stays
+    // there.
+    void longEscapeLeadsToTheMenu()
+    {
+        Session session(*managedServer, true);
+        session.start();
+        const QImage menu = session.titleStrip();
+        session.click(aboutButton);
+        QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
+        session.holdEscape(longPress);
+        QTRY_COMPARE_WITH_TIMEOUT(session.titleStrip(), menu, patience);
+        QTest::qWait(settleTime);
+        QVERIFY(session.isRunning());
+        session.press("Escape");
+        session.verifyEnd(0);
+    }
 
     void throughAboutAndBack_data()
     {

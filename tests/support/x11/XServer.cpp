@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QSize>
+#include <QThread>
 
 #include <xcb/xcb.h>
 
@@ -48,10 +49,33 @@ XServer::~XServer()
 {
     if (connection)
         xcb_disconnect(connection);
+    manager.kill();
+    manager.waitForFinished();
     server.terminate();
     if (!server.waitForFinished(startTime))
         server.kill();
     server.waitForFinished();
+}
+
+bool XServer::manage()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), name);
+    manager.setProcessEnvironment(environment);
+    manager.setStandardErrorFile(QProcess::nullDevice());
+    manager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+    // A window manager says so at the root window when it has begun.
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    for (int wait = 0; wait < startTime; wait += 50) {
+        const auto cookie = xcb_get_property(
+            connection, 0, root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
+        const Owned<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(connection, cookie, nullptr));
+        if (reply && xcb_get_property_value_length(reply.get()) != 0)
+            return true;
+        QThread::msleep(50);
+    }
+    return false;
 }
 
 QString XServer::tool(const QStringList &arguments) const
@@ -72,6 +96,13 @@ std::uint32_t XServer::atom(const char *text) const
         xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(text)), text);
     const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+bool XServer::hasFocus(std::uint32_t window) const
+{
+    const Owned<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return reply && reply->focus == window;
 }
 
 bool XServer::focus(std::uint32_t window) const

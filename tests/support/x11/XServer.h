@@ -11,7 +11,7 @@ struct xcb_connection_t;
 namespace support {
 
 /**
- * An X server of the test's own, without a screen to see and without a window manager, at a display
+ * An X server of the test's own, without a screen to see at a display
  * number that it chooses itself. It ends with this object.
  */
 class XServer
@@ -27,9 +27,14 @@ public:
     /** Value for DISPLAY, ":7". */
     QString display() const { return name; }
 
+    /** Starts a window manager, which gives the keys to each new window, and back when it goes. */
+    bool manage();
+
     /** Runs xdotool with these arguments; its output, trimmed, or "failed: ...". */
     QString tool(const QStringList &arguments) const;
 
+    /** Whether that window has the keys. */
+    bool hasFocus(std::uint32_t window) const;
     /** Gives the keys to that window; false while it can't have them. */
     bool focus(std::uint32_t window) const;
     /** What a window manager's close button sends. */
@@ -43,6 +48,7 @@ private:
     std::uint32_t atom(const char *text) const;
 
     QProcess server;
+    QProcess manager;
     QString name;
     xcb_connection_t *connection = nullptr;
 };
