@@ -6,6 +6,7 @@
 #include "frame/window/VornSettings.h"
 #include "frame/window/graphicalMode.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/pages.h"
 #include "virtualunit/VirtualUnit.h"
 
 #include <QDir>
@@ -13,7 +14,6 @@
 #include <QSlider>
 #include <QTabWidget>
 
-#include <array>
 #include <cstdio>
 
 namespace {
@@ -21,10 +21,6 @@ namespace {
 constexpr std::int64_t unitTime = 1'773'000'000'000; // a Sunday evening in March 2026
 constexpr int settleTime = 700;                      // milliseconds, longer than any refresh
 constexpr int deviceFault = 5;
-
-constexpr std::array<const char *, tabCount> pageNames = {"menu", "version", "temperature",
-    "display", "power", "heater", "about", "led", "buzzer", "can", "advanced", "digital-io",
-    "light-sensor", "touch", "on-off", "telematics"};
 
 /// Ends the program with one line if the virtual unit refuses.
 void require(const virtualunit::Error &error)
@@ -66,7 +62,7 @@ public:
 
     void takePage(VornSettings &window, int index)
     {
-        const QString name = QLatin1String(pageNames.at(size_t(index)));
+        const QString name = QLatin1String(support::pageAt(index).shot);
         window.showTab(index);
         auto *page = visiblePage(window);
         auto *tabs = page ? page->findChild<QTabWidget *>() : nullptr;

@@ -18,6 +18,7 @@
 #include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/SkippedPauses.h"
+#include "tests/support/pages.h"
 
 #include <QAbstractScrollArea>
 #include <QCheckBox>
@@ -33,62 +34,29 @@
 #include <memory>
 
 using support::child;
+using support::pageAt;
+using support::PageRow;
+using support::pageRows;
 
 namespace {
 
-struct PageRow {
-    int index;
-    const char *className;
-    const char *title;
-    const char *button; ///< in the menu
-};
-
-// In the order in which they are built.
-constexpr PageRow pageRows[] = {
-    {0, "tabMenuDlg", "Menu", nullptr},
-    {1, "tabVersionDlg", "Version", "pushButtonVersion"},
-    {2, "tabTempDlg", "Temperature", "pushButtonTemp"},
-    {3, "tabBacklightDlg", "Display", "pushButtonDisplay"},
-    {4, "tabPowerDlg", "Power", "pushButtonPower"},
-    {5, "tabSysConfDlg", "Heater", "pushButtonSysConfig"},
-    {10, "tabAdvancedDlg", "Advanced", "pushButtonAdvanced"},
-    {7, "tabLEDDlg", "Led", "pushButtonLed"},
-    {8, "tabBuzzerDlg", "Buzzer", "pushButtonBuzzer"},
-    {6, "tabAboutDlg", "About", "pushButtonAbout"},
-    {9, "tabCanDlg", "CAN", "pushButtonCAN"},
-    {11, "tabDigIODlg", "Digital Input/Output", "pushButtonDigIO"},
-    {12, "tabLightSensorDlg", "Light sensor", "pushButton"},
-    {13, "tabTouchDlg", "Touch Screen", "pushButtonTouch"},
-    {14, "tabOnOffDlg", "On/Off Settings", "pushButtonOnOffSettings"},
-    {15, "tabTelematicsDlg", "Telematics", "pushButtonTelematics"},
-};
-
-/// A menu entry that the window may dim.
+/// A page whose menu entry the window may dim.
 struct EntryRow {
+    int index;
     const char *name;
-    const char *button;
-    const char *label;
-    const char *picture;     ///< of the present feature
     const char *greyPicture; ///< null where the picture stays
     const char *toolTip;     ///< of the absent feature
-    int index;
 };
 
 constexpr EntryRow entryRows[] = {
-    {"display", "pushButtonDisplay", "label_3", "background.png", "backgroundGrey.png",
-        "Display is not available", 3},
-    {"heater", "pushButtonSysConfig", "label_5", "heater.png", "heaterGrey.png",
-        "Heater is not available", 5},
-    {"buzzer", "pushButtonBuzzer", "label_8", "arts.png", nullptr, "Buzzer is not available", 8},
-    {"can", "pushButtonCAN", "label_10", "input_device.png", nullptr, "Can is not available", 9},
-    {"digitalIO", "pushButtonDigIO", "label_11", "package_settings.png", nullptr,
-        "Digital Input is not available", 11},
-    {"lightSensor", "pushButton", "label_12", "Full.png", "FullGrey.png",
-        "Light sensor is not available", 12},
-    {"touch", "pushButtonTouch", "label_13", "tablet.png", "tabletGrey.png",
-        "Touch Screen is not available", 13},
-    {"telematics", "pushButtonTelematics", "label_15", "Globe.png", "GlobeGrey.png",
-        "Telematics module is not available", 15},
+    {3, "display", "backgroundGrey.png", "Display is not available"},
+    {5, "heater", "heaterGrey.png", "Heater is not available"},
+    {8, "buzzer", nullptr, "Buzzer is not available"},
+    {9, "can", nullptr, "Can is not available"},
+    {11, "digitalIO", nullptr, "Digital Input is not available"},
+    {12, "lightSensor", "FullGrey.png", "Light sensor is not available"},
+    {13, "touch", "tabletGrey.png", "Touch Screen is not available"},
+    {15, "telematics", "GlobeGrey.png", "Telematics module is not available"},
 };
 
 QString latin1(const char *text)
@@ -193,12 +161,13 @@ private:
     {
         QStringList lines;
         for (const EntryRow &row : entryRows) {
-            const auto *button = child<QPushButton>(menuOf(window), row.button);
-            const auto *label = child<QLabel>(menuOf(window), row.label);
+            const PageRow &page = pageAt(row.index);
+            const auto *button = child<QPushButton>(menuOf(window), page.button);
+            const auto *label = child<QLabel>(menuOf(window), page.label);
             const QImage icon = picture(button->icon());
             QString shown = QStringLiteral("another picture");
-            if (icon == resourcePicture(row.picture))
-                shown = latin1(row.picture);
+            if (icon == resourcePicture(page.picture))
+                shown = latin1(page.picture);
             else if (row.greyPicture && icon == resourcePicture(row.greyPicture))
                 shown = latin1(row.greyPicture);
             lines << entryLine(row, button->isEnabled(), shown, button->toolTip(), opacity(button),
@@ -214,7 +183,8 @@ private:
         QStringList lines;
         for (const EntryRow &row : entryRows) {
             const bool dimmed = absent.contains(latin1(row.name));
-            const char *shown = dimmed && row.greyPicture ? row.greyPicture : row.picture;
+            const char *shown =
+                dimmed && row.greyPicture ? row.greyPicture : pageAt(row.index).picture;
             const double expected = dimmed ? 0.5 : 1;
             lines << entryLine(row, !dimmed, latin1(shown),
                 dimmed ? latin1(row.toolTip) : QString(), expected, expected);

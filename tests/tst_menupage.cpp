@@ -1,5 +1,6 @@
 #include "frame/window/tabMenuDlg.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/pages.h"
 
 #include <QAccessible>
 #include <QGridLayout>
@@ -10,37 +11,6 @@
 using namespace support;
 
 namespace {
-
-struct Entry {
-    const char *button;
-    const char *picture;
-    const char *label;
-    const char *caption;
-    const char *slot;
-    int index;
-};
-
-// Row by row, five to a row.
-constexpr Entry entries[] = {
-    {"pushButtonVersion", "hwinfo.png", "label", "Version", "buttonVersionClicked()", 1},
-    {"pushButtonTemp", "thermometer.png", "label_2", "Temperature", "buttonTempClicked()", 2},
-    {"pushButtonDisplay", "background.png", "label_3", "Display", "buttonDisplayClicked()", 3},
-    {"pushButtonPower", "energy.png", "label_4", "Power", "buttonPowerClicked()", 4},
-    {"pushButtonSysConfig", "heater.png", "label_5", "Heater", "buttonSysConfigClicked()", 5},
-    {"pushButtonAbout", "kblackbox.png", "label_9", "About", "buttonAboutClicked()", 6},
-    {"pushButtonLed", "ksame.png", "label_7", "Led", "buttonLedClicked()", 7},
-    {"pushButtonBuzzer", "arts.png", "label_8", "Buzzer", "buttonBuzzerClicked()", 8},
-    {"pushButtonCAN", "input_device.png", "label_10", "CAN", "buttonCanClicked()", 9},
-    {"pushButtonDigIO", "package_settings.png", "label_11", "Digital I/O", "buttonDigIOClicked()",
-        11},
-    {"pushButtonTouch", "tablet.png", "label_13", "Touch", "buttonTouchClicked()", 13},
-    {"pushButton", "Full.png", "label_12", "Light sensor", "buttonLightSensorClicked()", 12},
-    {"pushButtonOnOffSettings", "exit.png", "label_14", "On/Off", "buttonOnOffSettingsClicked()",
-        14},
-    {"pushButtonAdvanced", "chip.png", "label_6", "Advanced", "buttonAdvancedClicked()", 10},
-    {"pushButtonTelematics", "Globe.png", "label_15", "Telematics", "buttonTelematicsClicked()",
-        15},
-};
 
 constexpr int columnX[] = {36, 148, 260, 372, 484};
 constexpr int labelY[] = {85, 190, 290};
@@ -70,8 +40,10 @@ private:
     static void addEntries()
     {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(entries)); ++row)
-            QTest::newRow(entries[row].caption) << row;
+        for (int row = 0; row < int(std::size(pageRows)); ++row) {
+            if (pageRows[row].button)
+                QTest::newRow(pageRows[row].caption) << row;
+        }
     }
 
 private slots:
@@ -135,7 +107,7 @@ private slots:
     void entry()
     {
         QFETCH(int, row);
-        const Entry &expected = entries[row];
+        const PageRow &expected = pageRows[row];
         tabMenuDlg page;
         page.show();
         const auto *button = child<QPushButton>(&page, expected.button);
@@ -147,14 +119,14 @@ private slots:
         QCOMPARE(button->toolTip(), QString());
         const QRect place = placeOn(page, button);
         QCOMPARE(place.size(), QSize(66, 66));
-        QCOMPARE(place.x(), columnX[row % 5]);
-        if (row >= 10)
+        QCOMPARE(place.x(), columnX[expected.place % 5]);
+        if (expected.place >= 10)
             QCOMPARE(place.y(), 220);
 
         const auto *label = child<QLabel>(&page, expected.label);
         QCOMPARE(label->text(), latin1(expected.caption));
         QCOMPARE(label->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
-        QCOMPARE(label->y(), labelY[row / 5]);
+        QCOMPARE(label->y(), labelY[expected.place / 5]);
         QCOMPARE(label->geometry().center().x(), place.center().x());
         QVERIFY(label->geometry().top() > place.bottom());
     }
@@ -164,7 +136,7 @@ private slots:
     void leadsToPage()
     {
         QFETCH(int, row);
-        const Entry &expected = entries[row];
+        const PageRow &expected = pageRows[row];
         tabMenuDlg page;
         QSignalSpy asked(&page, &tabMenuDlg::tabSelectionChanged);
         page.show();
@@ -174,8 +146,7 @@ private slots:
         QCOMPARE(asked.constFirst(), QVariantList{expected.index});
         QTest::keyClick(button, Qt::Key_Space);
         QCOMPARE(asked.size(), 2);
-        const QByteArray slot = QByteArray(expected.slot).chopped(2);
-        QVERIFY(QMetaObject::invokeMethod(&page, slot.constData()));
+        QVERIFY(QMetaObject::invokeMethod(&page, expected.slot));
         QCOMPARE(asked.constLast(), QVariantList{expected.index});
 
         button->setEnabled(false);
@@ -206,11 +177,11 @@ private slots:
     {
         QFETCH(int, row);
         tabMenuDlg page;
-        auto *button = child<QPushButton>(&page, entries[row].button);
+        auto *button = child<QPushButton>(&page, pageRows[row].button);
         auto *accessible = QAccessible::queryAccessibleInterface(button);
         QVERIFY(accessible);
-        QCOMPARE(accessible->text(QAccessible::Name), latin1(entries[row].caption));
-        QCOMPARE(child<QLabel>(&page, entries[row].label)->buddy(), button);
+        QCOMPARE(accessible->text(QAccessible::Name), latin1(pageRows[row].caption));
+        QCOMPARE(child<QLabel>(&page, pageRows[row].label)->buddy(), button);
     }
 
     // The page's own sheet, also over the grey of the frame's.
