@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QQueue>
@@ -634,6 +635,38 @@ private slots:
         QCOMPARE(
             shown, QStringList({"0 Fetching data..."_s, "0 Initiating"_s, "18 Reading File"_s}));
         QVERIFY(!page.progress()->isVisible());
+        QCOMPARE(boxes(&page), QStringList(verified()));
+    }
+
+    // What an answer says is on the screen before the next one is asked for.
+    void answersArePaintedAtOnce()
+    {
+        struct Paints : QObject {
+            int percent = -2;
+            QString label;
+            bool eventFilter(QObject *watched, QEvent *event) override
+            {
+                if (event->type() != QEvent::Paint)
+                    return false;
+                if (const auto *bar = qobject_cast<QProgressBar *>(watched))
+                    percent = bar->value();
+                else if (const auto *text = qobject_cast<QLabel *>(watched))
+                    label = text->text();
+                return false;
+            }
+        } painted;
+        Page page;
+        prepare(page, jobs[4], "/tmp/a.hex"_s);
+        questions.answers.append({FIRMWARE_INITIATING, 5, 0});
+        questions.answers.append({FIRMWARE_READING, 30, 0});
+        questions.answers.append({FIRMWARE_FLASHING, 60, 0});
+        questions.answers.append({FIRMWARE_DONE, 100, 0});
+        QStringList shown;
+        questions.asked = [&](int) { shown << "%1 %2"_s.arg(painted.percent).arg(painted.label); };
+        qApp->installEventFilter(&painted);
+        click(page.front);
+        QCOMPARE(
+            shown.mid(1), QStringList({"5 Initiating"_s, "30 Reading File"_s, "60 Flashing"_s}));
         QCOMPARE(boxes(&page), QStringList(verified()));
     }
 

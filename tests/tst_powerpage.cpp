@@ -330,6 +330,7 @@ private slots:
             QCOMPARE(tabs->count(), 1);
             QCOMPARE(tabs->tabText(0), "Power"_s);
             QVERIFY(!child<QWidget>(&page, "tabWidget_2Page2")->isEnabled());
+            QVERIFY(child<QCheckBox>(&page, "checkBoxCAN")->isEnabled());
             QCOMPARE(pageCalls().filter("Battery_get"_s), QStringList());
             page.hide();
         }
