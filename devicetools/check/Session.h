@@ -86,6 +86,7 @@ public:
     /** Loads the library; throws std::runtime_error. */
     void load();
     void unload();
+    bool isLoaded() const { return library != nullptr; }
 
     /** Whether the library exports it. */
     bool exports(const char *function) const { return library->function(function) != nullptr; }

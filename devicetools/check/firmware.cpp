@@ -23,8 +23,10 @@ Job verify(Session &session, const char *operation, const std::string &path)
     if (job.started != DEVICE_OK)
         return job;
     const auto ask = question("Firmware_getUpgradeStatus", {1});
+    constexpr int patience = 20; // questions that are waited for the last state behind an error
     int state = 0;
     int percent = 0;
+    int failed = 0;
     do {
         const auto answer = session.ask(ask);
         if (answer.code != DEVICE_OK) {
@@ -43,8 +45,8 @@ Job verify(Session &session, const char *operation, const std::string &path)
                          " percent";
         state = job.last.state;
         percent = job.last.percent;
-    } while (
-        job.last.state < FIRMWARE_DONE && job.last.errorCode == DEVICE_OK && job.broken.empty());
+        failed += job.last.errorCode == DEVICE_OK ? 0 : 1;
+    } while (job.last.state < FIRMWARE_DONE && failed < patience && job.broken.empty());
     return job;
 }
 

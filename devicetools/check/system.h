@@ -79,7 +79,7 @@ class Library
 public:
     using Function = void (*)();
 
-    /** Throws a std::runtime_error with the system's reason. */
+    /** By an absolute path. Throws a std::runtime_error with the system's reason. */
     explicit Library(const std::string &path);
     Library(const Library &) = delete;
     Library &operator=(const Library &) = delete;

@@ -45,28 +45,8 @@ int namelessFile()
 
 std::string signalName(int number)
 {
-    switch (number) {
-    case SIGSEGV:
-        return "SIGSEGV";
-    case SIGABRT:
-        return "SIGABRT";
-    case SIGBUS:
-        return "SIGBUS";
-    case SIGFPE:
-        return "SIGFPE";
-    case SIGILL:
-        return "SIGILL";
-    case SIGTRAP:
-        return "SIGTRAP";
-    case SIGPIPE:
-        return "SIGPIPE";
-    case SIGKILL:
-        return "SIGKILL";
-    case SIGTERM:
-        return "SIGTERM";
-    default:
-        return "signal " + std::to_string(number);
-    }
+    const char *name = ::sigabbrev_np(number);
+    return name ? std::string("SIG") + name : "signal " + std::to_string(number);
 }
 
 volatile std::sig_atomic_t caughtSignal = 0;
@@ -225,7 +205,7 @@ void prepareTestProcess()
 }
 
 Library::Library(const std::string &path)
-    : handle(::dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL))
+    : handle(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
 {
     if (!handle)
         throw std::runtime_error(::dlerror());

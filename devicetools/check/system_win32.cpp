@@ -230,12 +230,9 @@ void prepareTestProcess()
 }
 
 Library::Library(const std::string &path)
-{
-    std::error_code error;
-    const auto absolute =
-        std::filesystem::absolute(std::filesystem::path(wide(path)), error).wstring();
     // What it needs itself may lie beside it.
-    handle = LoadLibraryExW(absolute.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    : handle(LoadLibraryExW(wide(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
+{
     if (!handle)
         throw std::runtime_error(
             path + ": " + std::system_category().message(static_cast<int>(GetLastError())));

@@ -1,4 +1,5 @@
 #include "commandline/commandline.h"
+#include "devicetools/skeleton.h"
 #include "virtualunit/VirtualUnit.h"
 #include "virtualunit/lines/serve.h"
 #include "virtualunit/system/system.h"
@@ -165,6 +166,13 @@ void addDisturbanceCommands(CLI::App &app, Options &options)
     faults->final_callback([&] { tool::listDisturbances(options.format()); });
 }
 
+void addSkeletonCommand(CLI::App &app)
+{
+    app.add_subcommand("skeleton", "Prints a device library in C to begin with: it keeps the "
+                                   "contract and supports nothing")
+        ->final_callback([] { std::cout << devicetools::skeleton(); });
+}
+
 void addJournalCommand(CLI::App &app, Options &options)
 {
     auto *journal = app.add_subcommand("journal",
@@ -221,5 +229,6 @@ int main(int argc, char **argv)
     addDisturbanceCommands(app, options);
     addJournalCommand(app, options);
     addLineCommands(app, options);
+    addSkeletonCommand(app);
     return commandline::run(app, argc, argv);
 }

@@ -1,0 +1,491 @@
+#include "virtualunit/VirtualUnit.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int patience = 120'000; // milliseconds
+
+struct Outcome {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+/// A library that breaks a rule, and what finds it.
+struct Broken {
+    const char *library;
+    const char *finding; ///< result and test
+    const char *words;   ///< in what the test says
+};
+
+const Broken brokenLibraries[] = {
+    {"missing", "fail functions", "missing: Battery_getTimes"},
+    {"missing_text", "fail functions", "missing: deviceErrorText"},
+    {"loading", "fail loading", "in loading the library"},
+    {"crash", "fail answers", "in Battery_getTimes"},
+    {"abort", "fail answers", "in Battery_getTimes"},
+    {"exit", "fail answers", "exit code 0 in Battery_getTimes"},
+    {"endless", "fail answers", "no answer within 10 s from Battery_getTimes"},
+    {"crash_release", "fail answers", "in Buzzer_release"},
+    {"slow", "warn time", "Battery_getTimes took 1"},
+    {"too_slow", "fail time", "Battery_getTimes took 5"},
+    {"wait", "fail wait", "Firmware_getUpgradeStatus"},
+    {"prints", "fail quiet", "reading the times"},
+    {"prints_errors", "fail quiet", "reading the times"},
+    {"folder", "fail folder", "the working folder was"},
+    {"rounding", "fail rounding", "the rounding mode was"},
+    {"thread_left", "fail threads-left", "after the last release"},
+    {"descriptor", "fail descriptors-left", "leaves something open"},
+    {"leak", "fail growth", "10,000 creates and releases took"},
+    {"out_beyond", "fail out-bounds", "Battery_getTemperature wrote beyond the 2 bytes"},
+    {"out_before", "fail out-bounds", "Battery_getTemperature"},
+    {"out_far", "fail out-bounds", "Battery_getTemperature"},
+    {"width_narrow", "fail out-width", "Config_getExtOnOffSigTrigTime"},
+    {"width_none", "fail out-width", "Battery_getTemperature"},
+    {"width_record", "fail out-width", "Battery_getTimes"},
+    {"untouched", "fail out-untouched", "answered 7 and changed"},
+    {"untouched_text", "fail out-untouched", "changed buffer"},
+    {"flags", "warn flags", "Hardware_hasWlan gave 255"},
+    {"text_no_end", "fail text-end", "no ending zero byte"},
+    {"text_beyond", "fail text-bounds", "wrote beyond the 1 bytes of buffer"},
+    {"text_one", "fail text-bounds", "wrote beyond the 1 bytes of buffer"},
+    {"text_size", "fail text-sizes", "answered 5 for a buffer of 1"},
+    {"text_prefix", "fail text-prefix", "Tex..."},
+    {"fault", "fail faults", "Battery_getTemperature answered 14: an error"},
+    {"code_20", "fail code-20", "Battery_getTemperature answered 20"},
+    {"code_repeated", "fail code-repeated", "Diagnostics_getSSTemp"},
+    {"hardware_denies", "warn code-hardware", "Telematics_getWLANPowerStatus answered 0"},
+    {"hardware_affirms", "warn code-hardware", "Hardware_hasTouchscreen"},
+    {"sensors_endless", "fail sensors", "from 0 to 255"},
+    {"sensors_again", "fail sensors", "Diagnostics_getPMTemp(200) answered 0"},
+    {"channel_adc", "fail channels", "Adc_getVoltage(1)"},
+    {"channel_can", "fail channels", "Can_getBaudrate(2)"},
+    {"channel_touch", "fail channels", "Touch_getAdvancedSetting(12)"},
+    {"text_null", "fail error-texts", "deviceErrorText(300) gave null"},
+    {"text_empty", "fail error-texts", "deviceErrorText(-2) gave an empty text"},
+    {"text_buffer", "fail error-texts", "became \"error 2147483647\""},
+    {"reason_empty", "fail reason-texts", "Diagnostics_startupReasonText(65535)"},
+    {"word_changes", "fail hardware-texts", "Diagnostics_hwErrorText(0)"},
+    {"handles", "fail handles", "once another handle was released"},
+    {"threads", "fail threads", "Smart_getInitialTime answered 18"},
+    {"release_elsewhere", "fail release-elsewhere", "_release"},
+    {"set_refused", "fail write-values", "Buzzer_setVolume refused 51 with 5"},
+    {"set_ignored", "fail write-values", "Buzzer_getVolume gives 1"},
+    {"set_wrong", "fail write-values", "Buzzer_getVolume gives 50"},
+    {"range_taken", "warn write-range", "made 52 of it"},
+    {"range_changes", "fail write-range", "changed 1 to 51"},
+    {"neighbour", "fail write-neighbours", "Buzzer_getFrequency gives from 1000 to 3000"},
+    {"strings_empty", "fail write-strings", "refused \"\" (0 bytes)"},
+    {"strings_cut", "fail write-strings", "(1023 bytes)"},
+    {"strings_ascii", "fail write-strings", "Settings_getString gives \"Gr?"},
+    {"strings_forgotten", "fail write-strings-stay", "not there"},
+    {"outputs", "fail write-outputs", "DigIO_setDigIO was given 8"},
+    {"automatic", "fail write-automatic", "tells the opposite"},
+    {"averages_start", "fail write-averages", "the automatic backlight doesn't run"},
+    {"averages_stop", "fail write-averages", "LightSensor_stopAverageCalc answered 15"},
+    {"firmware_state", "fail firmware-missing", "ended in state 6"},
+    {"firmware_code", "fail firmware-missing", "Firmware_getUpgradeStatus answered 16"},
+    {"firmware_back", "fail firmware-file", "went back from state 5, 50 percent"},
+#ifndef Q_OS_WIN
+    {"locale", "fail locale", "the locale was"},
+    {"umask", "fail umask", "the mask for new files was"},
+    {"signals", "fail signals", "SIGUSR1 ignored"},
+#endif
+};
+
+QString brokenUnit(const QString &name)
+{
+    return QStringLiteral(VORN_BROKENUNIT_DIR "/") + name + QStringLiteral(VORN_LIBRARY_SUFFIX);
+}
+
+/// All of the unit's values that can be set, as the check must leave them.
+std::map<std::string, std::string> settings()
+{
+    std::vector<virtualunit::Value> properties;
+    if (!virtualunit::list(properties).empty())
+        qFatal("the unit can't be read");
+    std::map<std::string, std::string> values;
+    for (const auto &property : properties) {
+        const auto family = QString::fromStdString(property.name).section(QLatin1Char('.'), 0, 0);
+        const QStringList settable{QStringLiteral("Backlight"), QStringLiteral("Buzzer"),
+            QStringLiteral("Can"), QStringLiteral("Config"), QStringLiteral("DigIO"),
+            QStringLiteral("FrontLED"), QStringLiteral("Power"), QStringLiteral("Telematics"),
+            QStringLiteral("Touch")};
+        if (settable.contains(family))
+            values[property.name] = property.value;
+    }
+    return values;
+}
+
+} // namespace
+
+/** The compliance test, against libraries that keep the contract and libraries that don't. */
+class VorncheckTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void helps();
+    void refusesWrongUsage_data();
+    void refusesWrongUsage();
+    void lists();
+    void goodLibraryPasses();
+    void brokenLibraryIsFound_data();
+    void brokenLibraryIsFound();
+    void everyTestHasItsLibrary();
+    void onlyReadsUnlessAllowed();
+    void virtualUnitPasses_data();
+    void virtualUnitPasses();
+    void virtualUnitVerifiesFirmware();
+    void brokenProfileIsNamed();
+    void tinyUnitPasses();
+    void tinyUnitIsFound_data();
+    void tinyUnitIsFound();
+    void putsBackWhenInterrupted();
+    void putsBackAfterAnEndlessCall();
+
+private:
+    Outcome run(const QStringList &arguments);
+    QJsonObject check(const QStringList &arguments, int exitCode);
+    QStringList findings(const QJsonObject &report);
+    QStringList everything() const;
+
+    std::unique_ptr<QTemporaryDir> folder;
+    QProcessEnvironment environment;
+};
+
+void VorncheckTest::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder->isValid());
+    const QString unit = folder->filePath(QStringLiteral("unit.sqlite"));
+    environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("VORN_UNIT"), unit);
+    environment.insert(QStringLiteral("BROKENUNIT_STORE"), folder->path());
+    environment.remove(QStringLiteral("VORN_JOURNAL"));
+    QCOMPARE(virtualunit::open(unit.toStdString()), std::string());
+    QFile file(folder->filePath(QStringLiteral("image.hex")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.write(":0401000001020304F1\n:00000001FF\n") > 0);
+}
+
+Outcome VorncheckTest::run(const QStringList &arguments)
+{
+    QProcess tool;
+    tool.setProcessEnvironment(environment);
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vorncheck"), arguments);
+    if (!tool.waitForFinished(patience) || tool.exitStatus() != QProcess::NormalExit)
+        qFatal("vorncheck %s", qPrintable(tool.errorString()));
+    return {tool.exitCode(), QString::fromUtf8(tool.readAllStandardOutput()),
+        QString::fromUtf8(tool.readAllStandardError())};
+}
+
+QJsonObject VorncheckTest::check(const QStringList &arguments, int exitCode)
+{
+    const auto outcome = run(QStringList{QStringLiteral("--json")} + arguments);
+    if (outcome.exitCode != exitCode || !outcome.err.isEmpty())
+        qWarning("exit code %d, %s%s", outcome.exitCode, qPrintable(outcome.err),
+            qPrintable(outcome.out));
+    return QJsonDocument::fromJson(outcome.out.toUtf8()).object();
+}
+
+/// What isn't passed or skipped: "fail answers: what it says".
+QStringList VorncheckTest::findings(const QJsonObject &report)
+{
+    QStringList found;
+    for (const auto &value : report[QLatin1String("tests")].toArray()) {
+        const auto test = value.toObject();
+        const auto result = test[QLatin1String("result")].toString();
+        if (result == QLatin1String("pass") || result == QLatin1String("skip"))
+            continue;
+        QStringList sentences;
+        for (const auto &sentence : test[QLatin1String("findings")].toArray())
+            sentences << sentence.toString();
+        found << result + QLatin1Char(' ') + test[QLatin1String("name")].toString() +
+                     QStringLiteral(": ") + sentences.join(QStringLiteral("; "));
+    }
+    return found;
+}
+
+QStringList VorncheckTest::everything() const
+{
+    return {QStringLiteral("--write"), QStringLiteral("--power"), QStringLiteral("--firmware"),
+        folder->filePath(QStringLiteral("image.hex"))};
+}
+
+void VorncheckTest::helps()
+{
+    const auto help = run({QStringLiteral("--help")});
+    QCOMPARE(help.exitCode, 0);
+    QVERIFY(help.out.contains(QLatin1String("--write")));
+    const auto version = run({QStringLiteral("--version")});
+    QCOMPARE(version.exitCode, 0);
+    QVERIFY(version.out.startsWith(QLatin1String("vorncheck ")));
+}
+
+void VorncheckTest::refusesWrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("no library") << QStringList{} << "LIBRARY is required";
+    QTest::newRow("no such file") << QStringList{QStringLiteral("/no/such/library")}
+                                  << "/no/such/library";
+    QTest::newRow("no library at all")
+        << QStringList{QStringLiteral(VORN_SOURCE_DIR "/README.md")} << "README.md";
+    QTest::newRow("no such test") << QStringList{QStringLiteral("--only"),
+                                         QStringLiteral("thraeds"),
+                                         brokenUnit(QStringLiteral("goodunit"))}
+                                  << "There is no test \"thraeds\"; did you mean \"threads\"?";
+    QTest::newRow("no such option") << QStringList{QStringLiteral("--wriet")} << "--wriet";
+}
+
+void VorncheckTest::refusesWrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const auto outcome = run(arguments);
+    QCOMPARE(outcome.exitCode, 2);
+    QCOMPARE(outcome.out, QString());
+    QVERIFY2(outcome.err.startsWith(QLatin1String("vorncheck: ")), qPrintable(outcome.err));
+    QVERIFY2(outcome.err.contains(message), qPrintable(outcome.err));
+}
+
+void VorncheckTest::lists()
+{
+    const auto lines = run({QStringLiteral("--list")}).out.split(QLatin1Char('\n'));
+    QVERIFY(lines.size() > 40);
+    QVERIFY(lines.first().startsWith(QLatin1String("functions ")));
+}
+
+void VorncheckTest::goodLibraryPasses()
+{
+    const auto outcome = run(everything() << brokenUnit(QStringLiteral("goodunit")));
+    QCOMPARE(outcome.exitCode, 0);
+    const auto lines = outcome.out.trimmed().split(QLatin1Char('\n'));
+    for (const auto &line : lines.mid(0, lines.size() - 1))
+        QVERIFY2(
+            line.startsWith(QLatin1String("PASS ")) || line.contains(QLatin1String("this system")),
+            qPrintable(line));
+    QVERIFY2(lines.last().contains(QLatin1String(" passed, 0 failed, 0 warned, ")),
+        qPrintable(lines.last()));
+}
+
+void VorncheckTest::brokenLibraryIsFound_data()
+{
+    QTest::addColumn<QString>("finding");
+    QTest::addColumn<QString>("sentence");
+    for (const auto &broken : brokenLibraries)
+        QTest::newRow(broken.library) << broken.finding << broken.words;
+}
+
+/// By its test, by name, and by no other.
+void VorncheckTest::brokenLibraryIsFound()
+{
+    QFETCH(QString, finding);
+    QFETCH(QString, sentence);
+    QStringList tests;
+    // The two threads take seconds, so only their own library gets them.
+    if (finding != QLatin1String("fail threads")) {
+        for (const auto &line : run({QStringLiteral("--list")}).out.split(QLatin1Char('\n'))) {
+            const auto name = line.section(QLatin1Char(' '), 0, 0);
+            if (!name.isEmpty() && name != QLatin1String("threads"))
+                tests << QStringLiteral("--only") << name;
+        }
+    }
+    const auto library =
+        brokenUnit(QStringLiteral("broken_") + QLatin1String(QTest::currentDataTag()));
+    const int exitCode = finding.startsWith(QLatin1String("fail")) ? 1 : 0;
+    const auto found = findings(check(everything() + tests << library, exitCode));
+    QVERIFY2(found.size() == 1, qPrintable(found.join(QLatin1Char('\n'))));
+    QVERIFY2(found.first().startsWith(finding + QLatin1Char(':')), qPrintable(found.first()));
+    QVERIFY2(found.first().contains(sentence), qPrintable(found.first()));
+}
+
+/// A test that no library fails proves nothing.
+void VorncheckTest::everyTestHasItsLibrary()
+{
+    QStringList unproved;
+    for (const auto &line : run({QStringLiteral("--list")}).out.split(QLatin1Char('\n'))) {
+        const auto name = line.section(QLatin1Char(' '), 0, 0);
+        const auto proves = [&name](const Broken &broken) {
+            return QString::fromLatin1(broken.finding).section(QLatin1Char(' '), 1) == name;
+        };
+        if (!name.isEmpty() &&
+            std::none_of(std::begin(brokenLibraries), std::end(brokenLibraries), proves))
+            unproved << name;
+    }
+#ifdef Q_OS_WIN
+    for (const char *other : {"locale", "umask", "signals"})
+        unproved.removeAll(QLatin1String(other));
+#endif
+    QCOMPARE(unproved, QStringList());
+}
+
+/// The unit's own journal tells that nothing was set.
+void VorncheckTest::onlyReadsUnlessAllowed()
+{
+    const QString journal = folder->filePath(QStringLiteral("journal"));
+    environment.insert(QStringLiteral("VORN_JOURNAL"), journal);
+    run({QStringLiteral(VORN_DEVICE_LIBRARY)});
+    QFile file(journal);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray calls = file.readAll();
+    QVERIFY(calls.contains("Buzzer_getVolume"));
+    for (const char *changing : {"_set", "_start", "_stop", "_shutDown"})
+        QVERIFY2(!calls.contains(changing), changing);
+}
+
+void VorncheckTest::virtualUnitPasses_data()
+{
+    QTest::addColumn<bool>("warned");
+    for (const auto &name : virtualunit::profiles()) {
+        // Its firmware gives no access to the touch screen that it has.
+        if (name != "broken")
+            QTest::newRow(name.c_str()) << (name == "old-firmware");
+    }
+}
+
+void VorncheckTest::virtualUnitPasses()
+{
+    QFETCH(bool, warned);
+    QCOMPARE(virtualunit::loadProfile(QTest::currentDataTag()), std::string());
+    const auto before = settings();
+    const auto found = findings(check(
+        {QStringLiteral("--write"), QStringLiteral("--power"), QStringLiteral(VORN_DEVICE_LIBRARY)},
+        0));
+    QVERIFY2(found.size() == (warned ? 1 : 0), qPrintable(found.join(QLatin1Char('\n'))));
+    QVERIFY(!warned || found.first().startsWith(QLatin1String("warn code-hardware: Touch_")));
+    QVERIFY(settings() == before);
+}
+
+/// Which has stored no image to compare with; never does it get one.
+void VorncheckTest::virtualUnitVerifiesFirmware()
+{
+    const QStringList tests{QStringLiteral("--only"), QStringLiteral("firmware-file"),
+        QStringLiteral("--only"), QStringLiteral("firmware-missing")};
+    const auto found = findings(check(
+        QStringList{QStringLiteral("--firmware"), folder->filePath(QStringLiteral("image.hex"))} +
+            tests + QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)},
+        0));
+    QCOMPARE(found.size(), 1);
+    QVERIFY2(found.first().startsWith(
+                 QLatin1String("warn firmware-file: Firmware_startSSVerification found error 30")),
+        qPrintable(found.first()));
+}
+
+void VorncheckTest::brokenProfileIsNamed()
+{
+    QCOMPARE(virtualunit::loadProfile("broken"), std::string());
+    const auto found = findings(check(everything() << QStringLiteral(VORN_DEVICE_LIBRARY), 1));
+    const auto all = found.join(QLatin1Char('\n'));
+    // One that only reads, one that sets, one of each other kind.
+    for (const char *named : {"Versions_getFPGAVersion answered 14", "Buzzer_getVolume answered 27",
+             "Touch_getAdvancedSetting(0) answered 14", "Can_setBaudrate(1) refused 125 with 28",
+             "FrontLED_setNrOfPulses refused 3 with 14", "Touch_setMode refused",
+             "Settings_setString(\"VornsettingsGsmPort\") answered 28",
+             "DigIO_setDigIO(0) answered 27", "Backlight_startAutomaticBL answered 15"})
+        QVERIFY2(all.contains(QLatin1String(named)), named);
+}
+
+/// Answers 18 to everything.
+void VorncheckTest::tinyUnitPasses()
+{
+    const QString library =
+        QStringLiteral(VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
+    QCOMPARE(findings(check({QStringLiteral("--write"), library}, 0)), QStringList());
+}
+
+void VorncheckTest::tinyUnitIsFound_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("finding");
+    QTest::newRow("texts without an end") << "TINYUNIT_CODE"
+                                          << "0"
+                                          << "fail text-end: Hardware_getMainPcbSerial";
+    QTest::newRow("all bits of a flag") << "TINYUNIT_CODE"
+                                        << "0"
+                                        << "warn flags: Hardware_hasDisplay gave 255";
+    QTest::newRow("sensors without an end") << "TINYUNIT_CODE"
+                                            << "0"
+                                            << "fail sensors: ";
+    QTest::newRow("out values of failures") << "TINYUNIT_TRACES"
+                                            << "1"
+                                            << "fail out-untouched: Hardware_getMainPcbSerial";
+    QTest::newRow("20") << "TINYUNIT_CODE"
+                        << "20"
+                        << "fail code-20: Hardware_getMainPcbSerial";
+}
+
+void VorncheckTest::tinyUnitIsFound()
+{
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    QFETCH(QString, finding);
+    environment.insert(variable, value);
+    const QString library =
+        QStringLiteral(VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
+    const auto test = finding.section(QLatin1Char(' '), 1).section(QLatin1Char(':'), 0, 0);
+    const auto found = findings(check({QStringLiteral("--only"), test, library},
+        finding.startsWith(QLatin1String("fail")) ? 1 : 0));
+    QCOMPARE(found.size(), 1);
+    QVERIFY2(found.first().startsWith(finding), qPrintable(found.first()));
+}
+
+void VorncheckTest::putsBackWhenInterrupted()
+{
+#ifdef Q_OS_WIN
+    QSKIP("nobody can end a program on Windows in a way that it notices, but on its console");
+#else
+    const auto before = settings();
+    QCOMPARE(virtualunit::setDelay("Buzzer_setVolume", 300), std::string());
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        QProcess tool;
+        tool.setProcessEnvironment(environment);
+        tool.start(QStringLiteral(VORN_BIN_DIR "/vorncheck"),
+            {QStringLiteral("--write"), QStringLiteral("--only"), QStringLiteral("write-values"),
+                QStringLiteral(VORN_DEVICE_LIBRARY)});
+        QVERIFY(tool.waitForStarted(patience));
+        // Somewhere amid the volumes.
+        QTRY_VERIFY_WITH_TIMEOUT(
+            settings() != before && settings().at("Buzzer.volume") != before.at("Buzzer.volume"),
+            patience);
+        ::kill(static_cast<pid_t>(tool.processId()), signal);
+        QVERIFY(tool.waitForFinished(patience));
+        QCOMPARE(tool.exitStatus(), QProcess::CrashExit); // as the signal wants it
+        QVERIFY(settings() == before);
+    }
+#endif
+}
+
+/// The test's process is killed then, so another one puts things back.
+void VorncheckTest::putsBackAfterAnEndlessCall()
+{
+    const auto before = settings();
+    // Reads pass, so that it begins; the third write of one test then never comes back in time.
+    QCOMPARE(virtualunit::setDelay("Buzzer_setTrigger", 14'000), std::string());
+    const auto found =
+        findings(check({QStringLiteral("--write"), QStringLiteral("--only"),
+                           QStringLiteral("write-values"), QStringLiteral(VORN_DEVICE_LIBRARY)},
+            1));
+    QCOMPARE(found.size(), 1);
+    QVERIFY2(found.first().contains(QLatin1String("no answer within 10 s from Buzzer_setTrigger")),
+        qPrintable(found.first()));
+    QVERIFY(settings() == before);
+}
+
+QTEST_GUILESS_MAIN(VorncheckTest)
+#include "tst_vorncheck.moc"
