@@ -42,14 +42,16 @@ private slots:
         const QStringList program{"bin/VornSettings"_s};
         const QStringList unit{"bin/TouchCalibrator.exe"_s, "bin/vornunit"_s, "lib/libCgos.so"_s,
             "lib/libVornAux2.so"_s, "lib/libjida.so"_s};
-        const QStringList tools{
-            "bin/vornreport"_s, "bin/vorntrace"_s, "lib/vorntrace/libvorntrace.so"_s};
-        QStringList all = program + unit + tools;
+        const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vorntrace"_s,
+            "lib/vorntrace/libvorntrace.so"_s};
+        const QStringList devel{"include/VornAux2.h"_s, "lib/pkgconfig/VornAux2.pc"_s};
+        QStringList all = program + unit + tools + devel;
         all.sort();
         // On a real unit a stand-in would take the place of the real part.
         QTest::newRow("for a unit") << "program"_s << program;
         QTest::newRow("stand-ins") << "virtualunit"_s << unit;
         QTest::newRow("for whoever looks into one") << "tools"_s << tools;
+        QTest::newRow("for whoever writes a library") << "devel"_s << devel;
         QTest::newRow("all") << QString() << all;
     }
 
@@ -64,7 +66,7 @@ private slots:
     void treeRunsWhereItLies()
     {
         const QTemporaryDir prefix;
-        QCOMPARE(installed(prefix, {}).size(), 9);
+        QCOMPARE(installed(prefix, {}).size(), 12);
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VORN_UNIT"_s, ":memory:"_s);

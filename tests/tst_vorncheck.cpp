@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -156,6 +157,8 @@ private slots:
     void tinyUnitIsFound();
     void putsBackWhenInterrupted();
     void putsBackAfterAnEndlessCall();
+    void skeletonKeepsTheContract_data();
+    void skeletonKeepsTheContract();
 
 private:
     Outcome run(const QStringList &arguments);
@@ -485,6 +488,62 @@ void VorncheckTest::putsBackAfterAnEndlessCall()
     QVERIFY2(found.first().contains(QLatin1String("no answer within 10 s from Buzzer_setTrigger")),
         qPrintable(found.first()));
     QVERIFY(settings() == before);
+}
+
+void VorncheckTest::skeletonKeepsTheContract_data()
+{
+    QTest::addColumn<QString>("compiler");
+    QTest::addColumn<bool>("runs");
+    QTest::newRow("gcc, C99") << "gcc -std=c99 -Wmissing-prototypes -fPIC" << true;
+    QTest::newRow("gcc, C++17") << "g++ -std=c++17 -x c++ -fPIC" << true;
+    QTest::newRow("clang, C99") << "clang -std=c99 -fPIC" << false;
+    QTest::newRow("clang, C++17") << "clang++ -std=c++17 -x c++ -fPIC" << false;
+    QTest::newRow("MinGW, C99") << "x86_64-w64-mingw32-gcc -std=c99" << false;
+    QTest::newRow("MinGW, C++17") << "x86_64-w64-mingw32-g++ -std=c++17 -x c++" << false;
+}
+
+/// Compiles without a warning, passes, and the program makes its report on it.
+void VorncheckTest::skeletonKeepsTheContract()
+{
+#ifdef Q_OS_WIN
+    QSKIP("no compiler to be found on Windows");
+#else
+    QFETCH(QString, compiler);
+    QFETCH(bool, runs);
+    auto words = compiler.split(QLatin1Char(' '));
+    if (QStandardPaths::findExecutable(words.first()).isEmpty())
+        QSKIP("this compiler is not installed");
+    QProcess tool;
+    const auto source = folder->filePath(QStringLiteral("unit.c"));
+    tool.setStandardOutputFile(source);
+    tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {QStringLiteral("skeleton")});
+    QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
+    const auto library = folder->filePath(QStringLiteral("libVornAux2.so"));
+    QProcess build;
+    build.start(words.takeFirst(),
+        words + QStringList{QStringLiteral("-Wall"), QStringLiteral("-Wextra"),
+                    QStringLiteral("-Wpedantic"), QStringLiteral("-Wconversion"),
+                    QStringLiteral("-Wshadow"), QStringLiteral("-Werror"),
+                    QStringLiteral("-shared"), QStringLiteral("-I" VORN_SOURCE_DIR "/frame"),
+                    QStringLiteral("-o"), library, source});
+    QVERIFY(build.waitForFinished(patience));
+    QCOMPARE(QString::fromUtf8(build.readAllStandardError()), QString());
+    QCOMPARE(build.exitCode(), 0);
+    if (!runs)
+        return;
+    QCOMPARE(findings(check({QStringLiteral("--write"), library}, 0)), QStringList());
+
+    QProcess program;
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), folder->path());
+    program.setProcessEnvironment(environment);
+    const auto report = folder->filePath(QStringLiteral("report.txt"));
+    program.start(
+        QStringLiteral(VORN_BIN_DIR "/VornSettings"), {QStringLiteral("--systemreport"), report});
+    QVERIFY(program.waitForFinished(patience) && program.exitCode() == 0);
+    QFile file(report);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains("Not supported by this unit or its firmware"));
+#endif
 }
 
 QTEST_GUILESS_MAIN(VorncheckTest)
