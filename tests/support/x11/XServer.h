@@ -11,8 +11,8 @@ struct xcb_connection_t;
 namespace support {
 
 /**
- * An X server of the test's own, without a screen to see at a display
- * number that it chooses itself. It ends with this object.
+ * An X server of the test's own, without a screen to see, at a display number that it chooses
+ * itself. It ends with this object, and so does its window manager.
  */
 class XServer
 {
