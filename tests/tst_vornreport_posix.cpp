@@ -130,8 +130,11 @@ void VornreportLimitsTest::folderWithoutPermission()
 void VornreportLimitsTest::fullDisk()
 {
     write("reports/a.txt"_s, report);
-    shell("vornreport table reports > /dev/full"_s, 2);
-    QCOMPARE(words, QByteArray("vornreport: the output can't be written\n"));
+    for (const char *command : {"table reports", "json reports", "html reports",
+             "unit reports/a.txt", "diff --all reports/a.txt reports/a.txt"}) {
+        shell(QStringLiteral("vornreport %1 > /dev/full").arg(QLatin1String(command)), 2);
+        QCOMPARE(words, QByteArray("vornreport: the output can't be written\n"));
+    }
 }
 
 /** A log of a gigabyte takes no more memory than one of a line. */

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <atomic>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <new>
@@ -65,10 +66,12 @@ void attempt(Command command)
         tell({"there is not enough memory"});
         leave(InTrouble);
     }
-    if (!std::cout.flush()) {
-        tell({"the output can't be written"});
-        leave(InTrouble);
-    }
+}
+
+void print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+        throw Trouble{"the output can't be written"};
 }
 
 /// Does the job for each of the reports that were named.
@@ -100,7 +103,7 @@ void addExchange(CLI::App &app, Options &options)
     table->final_callback([&] {
         requireFiles(options);
         attempt([&] {
-            std::cout << tableHead << std::flush;
+            print(tableHead);
             leave(forEach(options, writeTable) ? Done : InTrouble);
         });
     });
@@ -134,7 +137,10 @@ void addDiff(CLI::App &app, Options &options)
                 if (!report->facts().complete)
                     tell({report->name() + ": is not complete"});
             }
-            leave(printDiff(std::cout, before, after, how) ? Found : Done);
+            std::ostringstream changes;
+            const bool found = printDiff(changes, before, after, how);
+            print(changes.str());
+            leave(found ? Found : Done);
         });
     });
 }
@@ -212,7 +218,7 @@ void addHtml(CLI::App &app, Options &options)
                 }
             }
             if (!all.empty())
-                std::cout << htmlPage(all, rules);
+                print(htmlPage(all, rules));
             leave(sound ? Done : InTrouble);
         });
     });
@@ -233,12 +239,10 @@ void addUnit(CLI::App &app, Options &options)
             if (!report.facts().complete)
                 tell({report.name() + ": is not complete"});
             const UnitProfile profile = unitProfile(report);
-            if (!options.all)
-                std::cout << profile.json;
-            for (const std::string &value : profile.untold) {
-                if (options.all)
-                    std::cout << value << '\n';
-            }
+            std::string untold;
+            for (const std::string &value : profile.untold)
+                untold += value + '\n';
+            print(options.all ? untold : profile.json);
         });
     });
 }
