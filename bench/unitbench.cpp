@@ -33,7 +33,7 @@ void measure(const char *name, Operation operation)
     times.reserve(rounds);
     for (int round = 0; round < rounds; ++round) {
         const auto start = Clock::now();
-        const DeviceCode code = operation();
+        const auto code = operation();
         times.push_back(microsecondsSince(start));
         if (code != DEVICE_OK) {
             std::fprintf(stderr, "unitbench: %s answers %d\n", name, code);

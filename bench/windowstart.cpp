@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The menu stands; what comes after it isn't measured.
+/** The menu stands; what comes after it isn't measured. */
 void endAtMenu()
 {
     afterFirstPaint([] { std::_Exit(EXIT_SUCCESS); });

@@ -28,7 +28,7 @@ constexpr const char *chargingLines[] = {
 
 QString lineOf(std::span<const char *const> lines, std::int32_t value)
 {
-    const auto index = static_cast<std::uint32_t>(value);
+    const auto index = std::uint32_t(value);
     return index < lines.size() ? QString::fromLatin1(lines[index]) : QString();
 }
 

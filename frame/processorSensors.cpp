@@ -5,7 +5,7 @@ int readProcessorSensors(
 {
     for (int n = 0; n < mostProcessorSensors; ++n) {
         ProcessorSensor sensor{0, SENSOR_CPU};
-        const auto index = static_cast<std::uint8_t>(n);
+        const auto index = std::uint8_t(n);
         if (Diagnostics_getPMTemp(diagnostics, index, &sensor.celsius, &sensor.kind) != DEVICE_OK)
             return n;
         found(n, sensor);

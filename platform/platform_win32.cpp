@@ -46,8 +46,7 @@ fs::path programFolder()
 {
     std::wstring file(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length =
-            GetModuleFileNameW(nullptr, file.data(), static_cast<DWORD>(file.size()));
+        const DWORD length = GetModuleFileNameW(nullptr, file.data(), DWORD(file.size()));
         if (length < file.size()) {
             file.resize(length);
             return fs::path(file).parent_path();
@@ -66,7 +65,7 @@ bool isThere(HANDLE stream)
 void writeToConsole(HANDLE console, const QString &line)
 {
     const auto *next = wide(line);
-    auto left = static_cast<DWORD>(line.size());
+    auto left = DWORD(line.size());
     while (left > 0) {
         // The console of older systems takes no more than 64 kB at once.
         constexpr DWORD most = 8192;
@@ -82,7 +81,7 @@ void writeToConsole(HANDLE console, const QString &line)
 void writeToFile(HANDLE file, const QByteArray &bytes)
 {
     const char *next = bytes.constData();
-    auto left = static_cast<DWORD>(bytes.size());
+    auto left = DWORD(bytes.size());
     while (left > 0) {
         DWORD written = 0;
         if (!WriteFile(file, next, left, &written, nullptr) || written == 0)
@@ -157,7 +156,7 @@ void showBlockingMessage(const QString &title, const QString &text)
 
 void pause(int milliseconds)
 {
-    Sleep(static_cast<DWORD>(milliseconds));
+    Sleep(DWORD(milliseconds));
 }
 
 std::optional<std::u16string> biosText(BiosValue value)

@@ -43,7 +43,7 @@ QString adcDataText()
     QString text = QStringLiteral("ADC values\n");
     for (const Rail &rail : rails) {
         double volts = 0;
-        const DeviceCode code = Adc_getVoltage(adc, rail.channel, &volts);
+        const auto code = Adc_getVoltage(adc, rail.channel, &volts);
         text += formatVoltageLine(code, rail.name, volts, "V");
     }
     return text;

@@ -54,7 +54,7 @@ template <auto Read, auto Format>
 QString equipmentLine(typename rows::ReadingOf<decltype(Read)>::Handle handle, const char *name)
 {
     typename rows::ReadingOf<decltype(Read)>::Value value{};
-    const DeviceCode code = Read(handle, &value);
+    const auto code = Read(handle, &value);
     return Format(code, name, value);
 }
 
@@ -64,7 +64,7 @@ template <auto Read, auto Format>
 QString settingLine(typename rows::ReadingOf<decltype(Read)>::Handle handle, const char *name)
 {
     typename rows::ReadingOf<decltype(Read)>::Value value{};
-    const DeviceCode code = Read(handle, &value);
+    const auto code = Read(handle, &value);
     return Format(
         name, static_cast<typename rows::SettingOf<decltype(Format)>::Value>(value), code);
 }

@@ -54,7 +54,7 @@ std::optional<std::int32_t> errorCode(std::string_view text)
     text.remove_prefix(errorStart.size());
     std::int32_t code = 0;
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), code);
-    const auto length = static_cast<std::size_t>(end - text.data());
+    const auto length = std::size_t(end - text.data());
     if (failure != std::errc() || !text.substr(length).starts_with(") "))
         return {};
     return code;
@@ -103,7 +103,7 @@ void readMinutes(Entry &entry)
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), minutes);
     // The brackets tell the same once more; where they don't, neither is to be trusted.
     if (failure == std::errc() && minutesText(minutes) == text)
-        setNumber(entry, text.substr(0, static_cast<std::size_t>(end - text.data())));
+        setNumber(entry, text.substr(0, std::size_t(end - text.data())));
 }
 
 void readNumber(Entry &entry)

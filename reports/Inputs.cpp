@@ -20,15 +20,15 @@ bool isReportName(const fs::path &path)
 {
     std::string extension = textOf(path.extension());
     std::transform(extension.begin(), extension.end(), extension.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+        return character >= 'A' && character <= 'Z' ? char(character + 32) : character;
     });
     return extension == ".txt";
 }
 
 std::size_t readSome(std::streambuf &from, char *to, std::size_t size)
 {
-    const auto count = from.sgetn(to, static_cast<std::streamsize>(size));
-    return count > 0 ? static_cast<std::size_t>(count) : 0;
+    const auto count = from.sgetn(to, std::streamsize(size));
+    return count > 0 ? std::size_t(count) : 0;
 }
 
 /** So that a log's text lies in one piece, as readers get it. */

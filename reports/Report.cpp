@@ -16,7 +16,7 @@ void LogFile::add(std::string_view piece)
     constexpr std::uint64_t prime = 1099511628211U; // FNV-1a
     for (const char character : piece)
         fingerprint = (fingerprint ^ static_cast<unsigned char>(character)) * prime;
-    lines += static_cast<std::size_t>(std::count(piece.begin(), piece.end(), '\n'));
+    lines += std::size_t(std::count(piece.begin(), piece.end(), '\n'));
     bytes += piece.size();
     end += piece;
     if (end.size() < 2 * keptOfLog)

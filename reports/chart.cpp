@@ -122,8 +122,7 @@ double secondsOf(const std::string &isoTime)
     if (std::sscanf(isoTime.c_str(), "%lld-%u-%uT%u:%u:%u", &year, &month, &day, &hour, &minute,
             &second) != 6)
         return 0;
-    return static_cast<double>(daysOf(year, month, day)) * 86400 + hour * 3600.0 + minute * 60.0 +
-           second;
+    return double(daysOf(year, month, day)) * 86400 + hour * 3600.0 + minute * 60.0 + second;
 }
 
 std::string chart(const Series &series, const std::string &id)

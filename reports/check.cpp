@@ -21,7 +21,7 @@ std::string utf8(std::string_view latin1)
 
 char lower(char character)
 {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+    return character >= 'A' && character <= 'Z' ? char(character + 32) : character;
 }
 
 bool sameText(std::string_view one, std::string_view other)

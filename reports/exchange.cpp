@@ -20,11 +20,11 @@ constexpr auto special = [] {
 void appendCharacter(std::string &text, unsigned char byte)
 {
     if (byte < 0x80) {
-        text += static_cast<char>(byte);
+        text += char(byte);
         return;
     }
-    text += static_cast<char>(0xC0 | (byte >> 6));
-    text += static_cast<char>(0x80 | (byte & 0x3F));
+    text += char(0xC0 | (byte >> 6));
+    text += char(0x80 | (byte & 0x3F));
 }
 
 void appendEscaped(std::string &text, unsigned char byte)
@@ -33,7 +33,7 @@ void appendEscaped(std::string &text, unsigned char byte)
         text += "\\n";
     } else if (byte == '"' || byte == '\\') {
         text += '\\';
-        text += static_cast<char>(byte);
+        text += char(byte);
     } else if (byte < 0x20 || byte == 0x7F) {
         text += "\\u00";
         text += hexDigits[byte >> 4];
@@ -100,7 +100,7 @@ public:
     }
     const std::string &of(const Item &item) const
     {
-        return texts[static_cast<std::size_t>(&item - items().data())];
+        return texts[std::size_t(&item - items().data())];
     }
 
 private:

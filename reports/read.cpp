@@ -51,8 +51,7 @@ std::span<const Item> rowsOf(std::string_view section)
         rows.begin(), rows.end(), [&](const Item &item) { return item.section == section; });
     const auto last =
         std::find_if(first, rows.end(), [&](const Item &item) { return item.section != section; });
-    return rows.subspan(
-        static_cast<std::size_t>(first - rows.begin()), static_cast<std::size_t>(last - first));
+    return rows.subspan(std::size_t(first - rows.begin()), std::size_t(last - first));
 }
 
 class Reader
@@ -146,7 +145,7 @@ private:
     bool wasSeen(std::string_view title) const
     {
         const auto at = std::find(sections().begin(), sections().end(), title);
-        return seen[static_cast<std::size_t>(at - sections().begin())];
+        return seen[std::size_t(at - sections().begin())];
     }
 
     bool takeFrame(std::string_view line)
@@ -171,7 +170,7 @@ private:
     {
         banners = true;
         const auto at = std::find(sections().begin(), sections().end(), title);
-        const auto index = static_cast<std::size_t>(at - sections().begin());
+        const auto index = std::size_t(at - sections().begin());
         if (index < sections().size()) {
             inOrder = inOrder && index == place;
             place = index + 1;
@@ -256,7 +255,7 @@ private:
         section = only->section;
         group = only->group;
         rows = rowsOf(section);
-        expected = static_cast<std::size_t>(only - rows.data()) + 1;
+        expected = std::size_t(only - rows.data()) + 1;
         return true;
     }
 
@@ -419,7 +418,7 @@ std::string isoTime(std::string_view text)
     const std::string line(text.substr(0, 40));
     if (std::sscanf(line.c_str(), "%3s %3s %2u %2u:%2u:%2u %5d%n", dayName, monthName, &day, &hour,
             &minute, &second, &year, &length) != 7 ||
-        static_cast<std::size_t>(length) != text.size())
+        std::size_t(length) != text.size())
         return {};
     const std::string_view name = monthName;
     const std::size_t month = months.find(name);
@@ -428,7 +427,7 @@ std::string isoTime(std::string_view text)
         return {};
     std::array<char, 64> iso{};
     std::snprintf(iso.data(), iso.size(), "%04d-%02u-%02uT%02u:%02u:%02u", year,
-        static_cast<unsigned>(month / 3 + 1), day, hour, minute, second);
+        unsigned(month / 3 + 1), day, hour, minute, second);
     return iso.data();
 }
 

@@ -21,7 +21,7 @@ std::string latin1(const Json &value)
             text += utf8[i];
         } else if ((byte == 0xC2 || byte == 0xC3) && i + 1 < utf8.size()) {
             const auto next = static_cast<unsigned char>(utf8[++i]);
-            text += static_cast<char>(((byte & 3U) << 6U) | (next & 0x3FU));
+            text += char(((byte & 3U) << 6U) | (next & 0x3FU));
         } else {
             throw Trouble{"\"" + utf8 + "\" has characters that no report has"};
         }

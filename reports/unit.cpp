@@ -283,8 +283,8 @@ private:
         }
         if (property == "Backlight.softTransitions" || property == "Buzzer.trigger")
             set(property, number != 0);
-        else if (number == static_cast<double>(static_cast<std::int64_t>(number)))
-            set(property, static_cast<std::int64_t>(number));
+        else if (number == double(std::int64_t(number)))
+            set(property, std::int64_t(number));
         else
             set(property, number);
         return true;

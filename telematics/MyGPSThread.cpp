@@ -20,7 +20,7 @@ bool keepsRunning()
 
 QString shown(std::string_view text)
 {
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+    return QString::fromUtf8(text.data(), int(text.size()));
 }
 
 } // namespace
@@ -52,7 +52,7 @@ void MyGPSThread::run()
     DeviceHandle<Telematics_create, Telematics_release> telematics;
     while (keepsRunning()) {
         std::int32_t antenna = 0;
-        const DeviceCode code = Telematics_getGPSAntennaStatus(telematics, &antenna);
+        const auto code = Telematics_getGPSAntennaStatus(telematics, &antenna);
         showAntenna(antennaText(code, antenna));
         std::array<char, 512> buffer{};
         // A result would say nothing that the buffer doesn't: what came in time is there.

@@ -58,7 +58,7 @@ bool storeBaud(DCB &state, std::int32_t code)
 {
     constexpr DWORD none = 0;
     constexpr DWORD speeds[] = {1200, none, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
-    if (code < 0 || code >= static_cast<std::int32_t>(std::size(speeds)) || speeds[code] == none)
+    if (code < 0 || code >= std::int32_t(std::size(speeds)) || speeds[code] == none)
         return false;
     state.BaudRate = speeds[code];
     return true;
@@ -68,7 +68,7 @@ bool storeBaud(DCB &state, std::int32_t code)
 template <std::size_t Count>
 bool storeByte(BYTE &field, const BYTE (&numbers)[Count], std::int32_t code)
 {
-    if (code < 0 || code >= static_cast<std::int32_t>(Count))
+    if (code < 0 || code >= std::int32_t(Count))
         return false;
     field = numbers[code];
     return true;
@@ -205,7 +205,7 @@ std::int32_t serialWrite(SerialPort *port, const void *bytes, std::uint32_t coun
         if (!WriteFile(port->handle, next, count, &taken, nullptr) || taken == 0)
             return SERIAL_NO_LINE;
         next += taken;
-        count -= static_cast<std::uint32_t>(taken);
+        count -= std::uint32_t(taken);
     }
     return SERIAL_OK;
 }
@@ -223,7 +223,7 @@ std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count, con
         if (got == 0 && !isStopped(stop))
             return SERIAL_TIMED_OUT;
         next += got;
-        count -= static_cast<std::uint32_t>(got);
+        count -= std::uint32_t(got);
     }
     return SERIAL_OK;
 }

@@ -23,7 +23,7 @@ QByteArray bytes(const IntelHexResult &result)
         reinterpret_cast<const char *>(result.image.bytes.data()), int(result.image.bytes.size())};
 }
 
-/// Two bytes, high byte first, as address records have them.
+/** Two bytes, high byte first, as address records have them. */
 QByteArray word(int value)
 {
     return QByteArray(1, char(value >> 8)) + char(value);

@@ -30,7 +30,7 @@ DeviceCode FrontLED_getSignal(FrontLEDHandle handle, double *hertz, std::uint8_t
 {
     using Operation = DeviceCode (*)(FrontLEDHandle, double *, std::uint8_t *);
     static const auto library = reinterpret_cast<Operation>(deviceProcedure("FrontLED_getSignal"));
-    const DeviceCode code = library(handle, hertz, dutyCycle);
+    const auto code = library(handle, hertz, dutyCycle);
     if (code != DEVICE_OK)
         *dutyCycle = dutyCycleBesideFailure;
     if (deviceFrequency)
@@ -45,7 +45,7 @@ DeviceCode FrontLED_getStandardColor(FrontLEDHandle handle, std::int32_t *color)
     using Operation = DeviceCode (*)(FrontLEDHandle, std::int32_t *);
     static const auto library =
         reinterpret_cast<Operation>(deviceProcedure("FrontLED_getStandardColor"));
-    const DeviceCode code = library(handle, color);
+    const auto code = library(handle, color);
     if (standardColor)
         *color = *standardColor;
     return code;

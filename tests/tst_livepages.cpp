@@ -37,8 +37,8 @@ constexpr LivePage livePages[] = {
 
 } // namespace
 
-/// What the pages that follow the device do while a box of their own stands before them, with their
-/// real timers. A timer isn't delivered again while its own slot waits for such a box.
+/** What the pages that follow the device do while a box of their own stands before them, with their
+ *  real timers. A timer isn't delivered again while its own slot waits for such a box. */
 class LivePagesTest : public PageTest
 {
     Q_OBJECT

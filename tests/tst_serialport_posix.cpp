@@ -389,7 +389,7 @@ private slots:
                          IGNBRK | BRKINT | PARMRK;
         found.c_oflag |= OPOST | ONLCR;
         found.c_cflag |= CRTSCTS | HUPCL;
-        found.c_cflag &= ~static_cast<tcflag_t>(CLOCAL);
+        found.c_cflag &= ~tcflag_t(CLOCAL);
         found.c_lflag |= ICANON | ECHO | ISIG | IEXTEN | TOSTOP;
         found.c_cc[VINTR] = 7;
         setState(line, found);
@@ -489,7 +489,7 @@ private slots:
         PseudoTerminal line;
         QByteArray all;
         for (int byte = 0; byte < 256; ++byte)
-            all += static_cast<char>(byte);
+            all += char(byte);
         const Port port = configured(line);
         QCOMPARE(write(port, all), 0);
         QCOMPARE(line.receive(256), all);

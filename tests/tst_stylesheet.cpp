@@ -50,7 +50,7 @@ bool near(const QColor &one, const QColor &other, int tolerance)
            qAbs(one.blue() - other.blue()) <= tolerance;
 }
 
-/// What a dark mark or text on a lighter ground covers.
+/** What a dark mark or text on a lighter ground covers. */
 QRect darkPart(const QImage &image)
 {
     QRect dark;
@@ -63,7 +63,7 @@ QRect darkPart(const QImage &image)
     return dark;
 }
 
-/// The real window with an empty page that shows.
+/** The real window with an empty page that shows. */
 class Stage
 {
 public:
@@ -91,7 +91,7 @@ public:
 
 Q_DECLARE_METATYPE(Make)
 
-/// The sheet as it comes out on real widgets of a page in the real window.
+/** The sheet as it comes out on real widgets of a page in the real window. */
 class StyleSheetTest : public DeviceTest
 {
     Q_OBJECT

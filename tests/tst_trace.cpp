@@ -131,7 +131,7 @@ void TraceTest::journal_isATrace_data()
         QTest::newRow(profile.c_str()) << profile;
 }
 
-/// Every operation of the contract, answered by the virtual unit.
+/** Every operation of the contract, answered by the virtual unit. */
 void TraceTest::journal_isATrace()
 {
     QFETCH(std::string, profile);

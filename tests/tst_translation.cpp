@@ -20,7 +20,7 @@ namespace {
 const QString sourceDir = QStringLiteral(VORN_SOURCE_DIR "/");
 const QChar mark(0x00AB);
 
-/// A text with the context under which it is translated.
+/** A text with the context under which it is translated. */
 using Caption = std::pair<QString, QString>;
 using Captions = std::set<Caption>;
 
@@ -44,7 +44,7 @@ QStringList formFiles()
     return files;
 }
 
-/// What a form shows: its captions, and the texts that it withholds from translation.
+/** What a form shows: its captions, and the texts that it withholds from translation. */
 struct FormTexts {
     QString name;
     Captions captions;
@@ -105,7 +105,7 @@ Captions readTranslationSource()
     return all;
 }
 
-/// Marks every text of ours that asks for a translation, and remembers it.
+/** Marks every text of ours that asks for a translation, and remembers it. */
 class PseudoLocale : public QTranslator
 {
 public:
@@ -149,7 +149,7 @@ class TranslationTest : public DeviceTest
     Q_OBJECT
 
 private:
-    /// The user's way through every page and every tab of it.
+    /** The user's way through every page and every tab of it. */
     static void seeEverything(VornSettings &window)
     {
         window.show();

@@ -27,7 +27,7 @@ QString fromBytes(const std::string &text)
     return QString::fromUtf8(text.data(), int(text.size()));
 }
 
-/// SQLite's own judgement on a file.
+/** SQLite's own judgement on a file. */
 QString integrity(const QString &file)
 {
     sqlite3 *database = nullptr;
@@ -44,7 +44,7 @@ QString integrity(const QString &file)
     return answer;
 }
 
-/// Changes a file behind the unit's back.
+/** Changes a file behind the unit's back. */
 void execute(const QString &file, const QString &sql)
 {
     sqlite3 *database = nullptr;
@@ -55,7 +55,7 @@ void execute(const QString &file, const QString &sql)
     sqlite3_close(database);
 }
 
-/// What puts a text where the unit's file has a number.
+/** What puts a text where the unit's file has a number. */
 QString statementFor(const QString &kind)
 {
     const QHash<QString, const char *> statements{
@@ -75,7 +75,7 @@ QString statementFor(const QString &kind)
     return QString::fromLatin1(statements[kind]);
 }
 
-/// One operation of each family, as what the unit's file is to them all.
+/** One operation of each family, as what the unit's file is to them all. */
 std::vector<std::pair<QString, DeviceCode>> callEachFamily()
 {
     std::vector<std::pair<QString, DeviceCode>> codes;
@@ -175,7 +175,7 @@ void UnitRobustnessTest::start(QProcess &process, const QStringList &arguments)
     QVERIFY2(started, qPrintable(process.errorString()));
 }
 
-/// What unitwriter writes in one operation comes from one round.
+/** What unitwriter writes in one operation comes from one round. */
 void UnitRobustnessTest::checkWholeValues()
 {
     const DeviceHandle<Backlight_create, Backlight_release> backlight;

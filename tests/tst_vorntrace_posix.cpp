@@ -174,7 +174,7 @@ void VorntracePosixTest::record_tellsThatTheDiskIsFull()
     QVERIFY2(run.errors.contains("can't be written"), run.errors.constData());
 }
 
-/// A program that closes its streams or leads them elsewhere is traced to where they were.
+/** A program that closes its streams or leads them elsewhere is traced to where they were. */
 void VorntracePosixTest::record_keepsItsErrorStream()
 {
     const auto script = "\"" + writer.toLatin1() + "\" count key 1";

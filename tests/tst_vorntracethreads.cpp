@@ -97,7 +97,8 @@ void VorntraceThreadsTest::faults_areCountedOnAllThreads()
     QCOMPARE(tree.read(QStringLiteral("trace")).count(" = 77 fault <"), 500);
 }
 
-/// What the program's own thread has called before it crashes is there, and only whole lines are.
+/** What the program's own thread has called before it crashes is there, and only whole lines are.
+ */
 void VorntraceThreadsTest::crash_losesNoFinishedLine()
 {
     const Tree tree;

@@ -14,7 +14,7 @@ struct Outcome {
     QString err;
 };
 
-/// A line of the shell, with the tool's folder in the path.
+/** A line of the shell, with the tool's folder in the path. */
 Outcome shell(const QString &line, const QTemporaryDir &folder)
 {
     auto environment = QProcessEnvironment::systemEnvironment();

@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t guardSize = 64;
 constexpr unsigned char guardByte = 0xC3;
 
-/// The keys that the program stores, and one that nobody does.
+/** The keys that the program stores, and one that nobody does. */
 constexpr const char *settingKeys[] = {
     "VornsettingsGsmPort", "VornsettingsGpsPort", "VornCheckUnknownKey"};
 
@@ -52,7 +52,7 @@ double numberIn(Number number, std::size_t width, const unsigned char *bytes)
     }
 }
 
-/// What an out argument holds, for messages.
+/** What an out argument holds, for messages. */
 std::string contents(const Argument &argument, const std::vector<unsigned char> &bytes)
 {
     if (argument.role == Role::Out)
@@ -241,7 +241,7 @@ Answer Session::ask(const Question &question, void *handle, unsigned char fillin
             values[i].integer = size;
         if (!arguments[i].isWritten())
             continue;
-        auto &memory = arenas[static_cast<std::size_t>(thread)][i];
+        auto &memory = arenas[std::size_t(thread)][i];
         const auto width = widthOf(arguments[i], size);
         where[i] = place == Place::AtEdge ? memory.end() - width : memory.begin() + guardSize;
         std::fill(memory.begin(), memory.end(), guardByte);
@@ -262,13 +262,13 @@ Answer Session::ask(const Question &question, void *handle, unsigned char fillin
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         if (!where[i])
             continue;
-        const auto &memory = arenas[static_cast<std::size_t>(thread)][i];
+        const auto &memory = arenas[std::size_t(thread)][i];
         const auto width = widthOf(arguments[i], size);
         answer.written[i].assign(where[i], where[i] + width);
         const auto isGuard = [](unsigned char byte) { return byte == guardByte; };
         if (!std::all_of(memory.begin(), where[i], isGuard) ||
             !std::all_of(where[i] + width, memory.end(), isGuard))
-            answer.overrun = static_cast<int>(i);
+            answer.overrun = int(i);
     }
     return answer;
 }
@@ -316,7 +316,7 @@ contract::Value valueOf(const Argument &argument, double number)
     if (argument.number == Number::Real)
         value.real = number;
     else
-        value.integer = static_cast<std::int64_t>(number);
+        value.integer = std::int64_t(number);
     return value;
 }
 
@@ -336,7 +336,7 @@ Question question(std::string_view name, std::initializer_list<double> given)
 
 namespace {
 
-/// What an argument of a reading operation may be, by what it is called.
+/** What an argument of a reading operation may be, by what it is called. */
 std::vector<double> meaningfulValues(
     std::string_view family, std::string_view argument, double canCount)
 {
@@ -349,7 +349,7 @@ std::vector<double> meaningfulValues(
         values.push_back(0);
         add(2, 23);
     } else if (argument == "channel") {
-        add(1, static_cast<int>(std::clamp(canCount, 1.0, 9.0)));
+        add(1, int(std::clamp(canCount, 1.0, 9.0)));
     } else if (argument == "index") {
         add(0, 9);
     } else if (argument == "number") {
@@ -386,7 +386,7 @@ std::vector<Question> readingQuestions(Session &session)
         } else {
             for (const char *key : settingKeys) {
                 auto asked = question(operation.name);
-                asked.given[static_cast<std::size_t>(given - operation.arguments.begin())].pointer =
+                asked.given[std::size_t(given - operation.arguments.begin())].pointer =
                     const_cast<char *>(key);
                 questions.push_back(asked);
             }

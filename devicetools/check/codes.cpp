@@ -7,7 +7,7 @@ namespace check {
 
 namespace {
 
-/// What Hardware_... tells of, and what can be asked of it.
+/** What Hardware_... tells of, and what can be asked of it. */
 struct Equipment {
     const char *told;
     std::vector<Question> asked;
@@ -74,7 +74,7 @@ void compareWith(Session &session, const Equipment &row, bool present)
                      " says that there is one");
 }
 
-/// A question about what doesn't exist.
+/** A question about what doesn't exist. */
 void expectFailure(Session &session, const Question &question)
 {
     if (!session.has(question.operation->name))

@@ -25,7 +25,7 @@ std::vector<Question> questionsOf(
     return own;
 }
 
-/// What a question was answered with while one handle alone asked it.
+/** What a question was answered with while one handle alone asked it. */
 struct Alone {
     std::set<DeviceCode> codes;
     std::vector<Answer> answers;
@@ -37,7 +37,8 @@ void askAlone(Session &session, const Question &question, Alone &alone)
     alone.codes.insert(alone.answers.back().code);
 }
 
-/// Whether a number lies among those that were seen, or as near as a measured one may have moved.
+/** Whether a number lies among those that were seen, or as near as a measured one may have moved.
+ */
 bool isAmong(
     double value, const Alone &alone, const contract::Operation &operation, std::size_t place)
 {
@@ -72,7 +73,7 @@ bool isAmong(const Answer &answer, const Alone &alone, const contract::Operation
     return true;
 }
 
-/// The first answer of each question on this thread that was none of those of one alone.
+/** The first answer of each question on this thread that was none of those of one alone. */
 using Strange = std::vector<std::optional<Answer>>;
 
 void askOnThread(Session &session, const contract::Family &family,
@@ -94,7 +95,7 @@ try {
     // The test's own thread finds it out at its next call.
 }
 
-/// A live value moves on; then one handle alone gets there too.
+/** A live value moves on; then one handle alone gets there too. */
 bool comesAlone(Session &session, const Question &question, const Answer &strange, Alone &alone)
 {
     for (int round = 0; round < 20; ++round) {

@@ -22,20 +22,20 @@ struct Ends {
     bool isStrict = true; ///< nothing beyond is legal
 };
 
-/// What a value may be; both are missing for one that the contract says nothing of.
+/** What a value may be; both are missing for one that the contract says nothing of. */
 struct Range {
     std::vector<double> members; ///< of an enumeration
     std::optional<Ends> ends;
 };
 
-/// Present state of what draws power, as against what is stored for the next start.
+/** Present state of what draws power, as against what is stored for the next start. */
 bool isPower(const Operation &operation)
 {
     const std::string_view name = operation.name;
     return name.find("PowerStatus") != name.npos && name.find("StartUp") == name.npos;
 }
 
-/// The operation of a setter's name that reads, null for none.
+/** The operation of a setter's name that reads, null for none. */
 const Operation *getterOf(const Operation &setter)
 {
     std::string name = setter.name;
@@ -46,8 +46,8 @@ const Operation *getterOf(const Operation &setter)
     return contract::find(contract::operations, name);
 }
 
-/// The ranges that a comment has, "700 to 10000", in its order. What only the program keeps to,
-/// "of which the program sets 0.2 to 30", says nothing of what lies beyond.
+/** The ranges that a comment has, "700 to 10000", in its order. What only the program keeps to,
+ *  "of which the program sets 0.2 to 30", says nothing of what lies beyond. */
 std::vector<Ends> rangesIn(const std::string &comment)
 {
     static const std::regex form(
@@ -59,7 +59,7 @@ std::vector<Ends> rangesIn(const std::string &comment)
     return ranges;
 }
 
-/// The enumeration that a comment names, null for none.
+/** The enumeration that a comment names, null for none. */
 const contract::Enumeration *enumerationIn(const std::string &comment)
 {
     for (const auto &enumeration : contract::enumerations) {
@@ -69,13 +69,13 @@ const contract::Enumeration *enumerationIn(const std::string &comment)
     return nullptr;
 }
 
-/// Whether the enumeration is a mask, which its one member has all bits of.
+/** Whether the enumeration is a mask, which its one member has all bits of. */
 bool isMask(const contract::Enumeration &enumeration)
 {
     return std::string_view(enumeration.name).ends_with("Mask");
 }
 
-/// What the comment says of a value; `index` is its number among those without an enumeration.
+/** What the comment says of a value; `index` is its number among those without an enumeration. */
 Range rangeOf(const Argument &argument, const std::string &comment, std::size_t index)
 {
     Range range;
@@ -128,11 +128,11 @@ SettingValue describe(const Argument &argument, const Range &range)
     return value;
 }
 
-/// Rates that a CAN controller has, where the contract names none.
+/** Rates that a CAN controller has, where the contract names none. */
 constexpr double usualRates[] = {125, 250, 500, 1000};
 
-/// Fills in the values of a setting whose channel, if any, stands in its questions. False if the
-/// two operations don't fit together.
+/** Fills in the values of a setting whose channel, if any, stands in its questions. False if the
+ *  two operations don't fit together. */
 bool matchValues(Setting &setting, const std::string &comment)
 {
     const auto &getter = *setting.get.operation;
@@ -150,13 +150,13 @@ bool matchValues(Setting &setting, const std::string &comment)
         if (std::string_view(argument.name) == "kbitPerSecond")
             value.legal.assign(std::begin(usualRates), std::end(usualRates));
         value.setPlace = place;
-        value.getPlace = static_cast<std::size_t>(same - getter.arguments.begin());
+        value.getPlace = std::size_t(same - getter.arguments.begin());
         setting.values.push_back(value);
     }
     return !setting.values.empty();
 }
 
-/// The comment that describes what is asked: the enumerator's, where a number chooses.
+/** The comment that describes what is asked: the enumerator's, where a number chooses. */
 std::string commentOf(const Question &get, const Operation &setter)
 {
     std::string comment = std::string(get.operation->comment) + " " + setter.comment;
@@ -167,7 +167,7 @@ std::string commentOf(const Question &get, const Operation &setter)
     if (chooser == get.operation->arguments.end() || !enumeration ||
         std::string_view(chooser->name) != "number")
         return comment;
-    const auto place = static_cast<std::size_t>(chooser - get.operation->arguments.begin());
+    const auto place = std::size_t(chooser - get.operation->arguments.begin());
     for (const auto &enumerator : enumeration->enumerators) {
         if (enumerator.value == get.given[place].integer)
             return enumerator.comment;
@@ -276,22 +276,22 @@ void Restorer::remember(const Question &call)
     if (index >= Channel::callCount)
         throw std::runtime_error("more settings than can be remembered");
     auto &kept = channel.restoring[index];
-    kept.operation = static_cast<std::int32_t>(call.operation - contract::operations);
+    kept.operation = std::int32_t(call.operation - contract::operations);
     kept.texts[0] = 0;
     for (std::size_t place = 1; place < call.operation->arguments.size(); ++place) {
         const auto &argument = call.operation->arguments[place];
         if (argument.role == Role::String) {
             const auto *text = static_cast<const char *>(call.given[place].pointer);
-            const auto size = static_cast<std::int32_t>(std::strlen(text)) + 1;
+            const auto size = std::int32_t(std::strlen(text)) + 1;
             if (channel.textsUsed + size > Channel::textSize)
                 throw std::runtime_error("longer texts than can be remembered");
-            std::memcpy(channel.texts + channel.textsUsed, text, static_cast<std::size_t>(size));
+            std::memcpy(channel.texts + channel.textsUsed, text, std::size_t(size));
             kept.texts[place] = channel.textsUsed;
             channel.textsUsed += size;
         } else if (argument.number == Number::Real) {
             kept.numbers[place] = call.given[place].real;
         } else {
-            kept.numbers[place] = static_cast<double>(call.given[place].integer);
+            kept.numbers[place] = double(call.given[place].integer);
         }
     }
     ++channel.toRestore;
@@ -312,7 +312,7 @@ Question rememberedCall(Channel &channel, const Channel::Call &kept)
     return call;
 }
 
-/// Whether what a setter would set is what its getter gives.
+/** Whether what a setter would set is what its getter gives. */
 bool isRestored(Session &session, const Question &set)
 {
     const auto *getter = getterOf(*set.operation);
@@ -331,8 +331,7 @@ bool isRestored(Session &session, const Question &set)
     for (std::size_t i = 0; i < present->size(); ++i) {
         const auto place = setting.values[i].setPlace;
         const bool isReal = set.operation->arguments[place].number == Number::Real;
-        const auto wanted =
-            isReal ? set.given[place].real : static_cast<double>(set.given[place].integer);
+        const auto wanted = isReal ? set.given[place].real : double(set.given[place].integer);
         if (isReal ? std::abs((*present)[i] - wanted) > 1e-9 : (*present)[i] != wanted)
             return false;
     }

@@ -14,7 +14,7 @@ using check::Outcome;
 using check::Result;
 using check::Test;
 
-/// The exit codes that scripts may rely on, beside those of all tools.
+/** The exit codes that scripts may rely on, beside those of all tools. */
 enum ExitCode { Passed = 0, Failed = 1 };
 
 constexpr const char *words[] = {"PASS", "FAIL", "WARN", "SKIP"};
@@ -26,7 +26,7 @@ struct Settings {
     bool json = false;
 };
 
-/// What a library or a system says, on one line of the terminal.
+/** What a library or a system says, on one line of the terminal. */
 std::string onOneLine(std::string text)
 {
     for (char &byte : text) {
@@ -38,7 +38,7 @@ std::string onOneLine(std::string text)
 
 std::string lineOf(const Test &test, const Outcome &outcome)
 {
-    std::string line = words[static_cast<int>(outcome.result)] + (' ' + std::string(test.name));
+    std::string line = words[int(outcome.result)] + (' ' + std::string(test.name));
     for (std::size_t i = 0; i < outcome.findings.size(); ++i)
         line += (i == 0 ? ": " : "; ") + onOneLine(outcome.findings[i]);
     return line;
@@ -46,9 +46,9 @@ std::string lineOf(const Test &test, const Outcome &outcome)
 
 nlohmann::json entryOf(const Test &test, const Outcome &outcome)
 {
-    std::string result = words[static_cast<int>(outcome.result)];
+    std::string result = words[int(outcome.result)];
     std::transform(result.begin(), result.end(), result.begin(),
-        [](char letter) { return static_cast<char>(letter - 'A' + 'a'); });
+        [](char letter) { return char(letter - 'A' + 'a'); });
     return {{"name", test.name}, {"about", test.about}, {"result", result},
         {"findings", outcome.findings}};
 }
@@ -75,7 +75,7 @@ void listTests(bool json)
         std::cout << printable(entries) << '\n';
 }
 
-/// Why a test isn't run; empty if it is.
+/** Why a test isn't run; empty if it is. */
 std::string reasonToSkip(const Test &test, const check::Options &options)
 {
     if (test.needs == check::Needs::Write && !options.write)
@@ -99,7 +99,7 @@ int checkLibrary(const Settings &settings)
         Outcome outcome{Result::Skip, {reasonToSkip(test, settings.check)}};
         if (outcome.findings.front().empty())
             outcome = watch.run(test);
-        ++counts[static_cast<int>(outcome.result)];
+        ++counts[int(outcome.result)];
         if (settings.json)
             entries.push_back(entryOf(test, outcome));
         else

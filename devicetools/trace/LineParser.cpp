@@ -177,7 +177,7 @@ private:
             std::to_string(8 * width) + " bits";
         const auto figures = text.substr(position);
         const auto value = number<std::int64_t>(what);
-        const int bits = static_cast<int>(8 * width) - (kind == Number::Signed ? 1 : 0);
+        const int bits = int(8 * width) - (kind == Number::Signed ? 1 : 0);
         const std::int64_t high =
             bits > 62 ? std::numeric_limits<std::int64_t>::max() : (std::int64_t{1} << bits) - 1;
         const std::int64_t low = kind == Number::Signed ? -high - 1 : 0;
@@ -229,7 +229,7 @@ private:
             fail("a text has no end");
         if (!areDigits || byte == 0)
             throw LineError{"a text has an unknown escape", false};
-        return static_cast<char>(byte);
+        return char(byte);
     }
 
     /** A byte above 0x7F, which is two in UTF-8; the first one is taken. */
@@ -240,7 +240,7 @@ private:
         const auto next = static_cast<unsigned char>(text[position++]);
         if ((lead != 0xC2 && lead != 0xC3) || (next & 0xC0U) != 0x80)
             throw LineError{"a text has a character that no device's text has", false};
-        return static_cast<char>((lead & 0x03U) << 6U | (next & 0x3FU));
+        return char((lead & 0x03U) << 6U | (next & 0x3FU));
     }
 
     std::string quotedText()
@@ -354,7 +354,7 @@ private:
             if (!isNull())
                 call.text = quotedText();
         } else {
-            call.code = static_cast<std::int32_t>(integer(Number::Signed, sizeof call.code));
+            call.code = std::int32_t(integer(Number::Signed, sizeof call.code));
             if (call.code == DEVICE_OK)
                 readOuts(*call.operation, call.outs);
         }

@@ -45,7 +45,7 @@ private:
     void appendIntegral(std::int64_t value, Number number)
     {
         if (number == Number::Bool || number == Number::Flag)
-            appendFlag(line, static_cast<std::uint8_t>(value));
+            appendFlag(line, std::uint8_t(value));
         else
             appendInteger(line, value);
     }

@@ -95,7 +95,7 @@ void appendOut(std::string &line, const Argument &argument, const Value *value)
         appendNumber(line, argument.number, place, argument.width);
     else {
         const auto *text = static_cast<const char *>(place);
-        const auto size = static_cast<std::size_t>(value[1].integer);
+        const auto size = std::size_t(value[1].integer);
         appendText(line, std::string_view(text, std::find(text, text + size, '\0')));
     }
 }
@@ -146,8 +146,7 @@ void appendText(std::string &line, std::string_view latin1)
         else if (byte < 0x80)
             line += character;
         else
-            (line += static_cast<char>(0xC0U | byte >> 6U)) +=
-                static_cast<char>(0x80U | (byte & 0x3FU));
+            (line += char(0xC0U | byte >> 6U)) += char(0x80U | (byte & 0x3FU));
     }
     line += '"';
 }

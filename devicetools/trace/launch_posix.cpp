@@ -60,7 +60,7 @@ std::string loaderOf(const path &program)
             continue;
         std::string name(part.p_filesz, '\0');
         stream.seekg(static_cast<std::streamoff>(part.p_offset));
-        stream.read(name.data(), static_cast<std::streamsize>(name.size()));
+        stream.read(name.data(), std::streamsize(name.size()));
         return stream ? name.c_str() : std::string();
     }
     return {};

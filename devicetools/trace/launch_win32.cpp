@@ -25,7 +25,7 @@ static_assert(sizeof deviceLibrary == sizeof tracingLibrary);
 
 std::string lastError()
 {
-    return std::system_category().message(static_cast<int>(GetLastError()));
+    return std::system_category().message(int(GetLastError()));
 }
 
 /** As the C library of the program takes it apart again. */
@@ -56,14 +56,14 @@ std::wstring commandLine(const std::vector<std::string> &command)
 std::filesystem::path toolFolder()
 {
     std::wstring name(32768, L'\0'); // no path is longer
-    name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
+    name.resize(GetModuleFileNameW(nullptr, name.data(), DWORD(name.size())));
     return std::filesystem::path(name).parent_path();
 }
 
 std::wstring variable(const wchar_t *name)
 {
     std::wstring value(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
+    value.resize(GetEnvironmentVariableW(name, value.data(), DWORD(value.size())));
     return value;
 }
 
@@ -102,8 +102,7 @@ public:
         base = read<std::uint64_t>(
             reinterpret_cast<std::uint64_t>(information.PebBaseAddress) + 2 * sizeof(void *));
         const auto head = read<IMAGE_DOS_HEADER>(base);
-        const auto headers =
-            read<IMAGE_NT_HEADERS64>(base + static_cast<std::uint64_t>(head.e_lfanew));
+        const auto headers = read<IMAGE_NT_HEADERS64>(base + std::uint64_t(head.e_lfanew));
         if (headers.OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC)
             return; // a program of 32 bits has another library
         const auto imports =
@@ -176,7 +175,7 @@ Ending launch(const std::vector<std::string> &command, const Settings &settings,
     WaitForSingleObject(program.hProcess, INFINITE);
     DWORD code = 0;
     GetExitCodeProcess(program.hProcess, &code);
-    return {static_cast<int>(code), 0};
+    return {int(code), 0};
 }
 
 void endAs(const Ending &ending)

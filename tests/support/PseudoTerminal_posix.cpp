@@ -101,8 +101,8 @@ void PseudoTerminal::setFormat(int baud, int stops)
         if (row.baud == baud)
             ::cfsetspeed(&state, row.code);
     }
-    state.c_cflag &= ~static_cast<tcflag_t>(CSTOPB);
-    state.c_cflag |= stops == 2 ? static_cast<tcflag_t>(CSTOPB) : 0;
+    state.c_cflag &= ~tcflag_t(CSTOPB);
+    state.c_cflag |= stops == 2 ? tcflag_t(CSTOPB) : 0;
     ::tcsetattr(handle, TCSANOW, &state);
 }
 
@@ -112,8 +112,8 @@ bool PseudoTerminal::send(const QByteArray &bytes)
     QElapsedTimer timer;
     timer.start();
     while (sent < bytes.size()) {
-        const auto taken = ::write(
-            handle, bytes.constData() + sent, static_cast<std::size_t>(bytes.size() - sent));
+        const auto taken =
+            ::write(handle, bytes.constData() + sent, std::size_t(bytes.size() - sent));
         if (taken > 0) {
             sent += taken;
             timer.start();
@@ -134,7 +134,7 @@ QByteArray PseudoTerminal::receive(int count, int milliseconds)
     QByteArray bytes;
     while (bytes.size() < count && waitFor(handle, POLLIN, milliseconds - int(timer.elapsed()))) {
         QByteArray piece(count - int(bytes.size()), '\0');
-        const auto got = ::read(handle, piece.data(), static_cast<std::size_t>(piece.size()));
+        const auto got = ::read(handle, piece.data(), std::size_t(piece.size()));
         if (got <= 0)
             break;
         bytes += piece.left(int(got));

@@ -83,7 +83,7 @@ QByteArray dosDevice(const QByteArray &portName)
 void useNoOtherLines() {}
 
 PseudoTerminal::PseudoTerminal()
-    : handle(static_cast<int>(connectedLine()))
+    : handle(int(connectedLine()))
     , name(freeNames().isEmpty() ? QByteArray() : freeNames().takeLast().toLatin1())
 {
     if (name.isEmpty())

@@ -23,15 +23,14 @@ Reading read(const Port &port, int count, const SerialStop *stop)
     Reading reading{0, QByteArray(count, '\0'), 0};
     QElapsedTimer timer;
     timer.start();
-    reading.result =
-        serialRead(port.get(), reading.bytes.data(), static_cast<std::uint32_t>(count), stop);
+    reading.result = serialRead(port.get(), reading.bytes.data(), std::uint32_t(count), stop);
     reading.milliseconds = timer.elapsed();
     return reading;
 }
 
 int write(const Port &port, const QByteArray &bytes)
 {
-    return serialWrite(port.get(), bytes.constData(), static_cast<std::uint32_t>(bytes.size()));
+    return serialWrite(port.get(), bytes.constData(), std::uint32_t(bytes.size()));
 }
 
 } // namespace support

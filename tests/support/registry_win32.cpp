@@ -9,7 +9,7 @@ namespace {
 void require(LSTATUS result)
 {
     if (result != ERROR_SUCCESS)
-        qFatal("registry: error %ld", static_cast<long>(result));
+        qFatal("registry: error %ld", long(result));
 }
 
 } // namespace
@@ -23,8 +23,8 @@ void writeValue(
     // The system takes a zero behind the data in, so there is something else if none is wanted.
     const std::wstring data = text + (withZero ? L'\0' : L'x');
     const auto size = (data.size() - (withZero ? 0 : 1)) * sizeof(wchar_t);
-    require(RegSetValueExW(opened, value, 0, type, reinterpret_cast<const BYTE *>(data.data()),
-        static_cast<DWORD>(size)));
+    require(RegSetValueExW(
+        opened, value, 0, type, reinterpret_cast<const BYTE *>(data.data()), DWORD(size)));
     RegCloseKey(opened);
 }
 

@@ -7,13 +7,13 @@ namespace {
 
 constinit VirtualBoard board(u"BQ77");
 
-/// A text of two characters as one word, the first one in the high byte.
+/** A text of two characters as one word, the first one in the high byte. */
 bool readCharacterPair(const char *name, std::uint16_t &out)
 {
     char16_t text[3] = {};
     if (!readText(name, text))
         return false;
-    out = static_cast<std::uint16_t>((text[0] & 0xFF) << 8 | (text[1] & 0xFF));
+    out = std::uint16_t((text[0] & 0xFF) << 8 | (text[1] & 0xFF));
     return true;
 }
 

@@ -73,8 +73,7 @@ DeviceCode set(const char *operation, Device *handle, In<T>... ins)
     return perform(operation, handle, {Argument(ins.value)...}, Does::Write, [&](Unit &unit) {
         Code code = Ok;
         ((code = code != Ok ? code : unit.missing(ins.key)), ...);
-        ((code = code != Ok ? code : unit.setChecked(ins.key, static_cast<double>(ins.value))),
-            ...);
+        ((code = code != Ok ? code : unit.setChecked(ins.key, double(ins.value))), ...);
         return code;
     });
 }

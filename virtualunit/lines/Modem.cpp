@@ -119,7 +119,7 @@ std::string Modem::executeLine(std::string_view typed)
         return {};
     if (typed.size() > longestLine)
         return framed(error);
-    std::string_view rest = typed.substr(static_cast<std::size_t>(start - typed.begin()) + 2);
+    std::string_view rest = typed.substr(std::size_t(start - typed.begin()) + 2);
     std::string answer;
     std::string result = ok;
     while (!rest.empty() && result == ok) {

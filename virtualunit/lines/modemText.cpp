@@ -43,7 +43,7 @@ std::string framed(std::string_view text)
 
 char upper(char character)
 {
-    return static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
+    return char(std::toupper(static_cast<unsigned char>(character)));
 }
 
 bool isCode(std::string_view text, std::size_t least, std::size_t most)
@@ -82,7 +82,7 @@ int takeNumber(std::string_view &text)
     const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (code == std::errc::invalid_argument)
         return 0;
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    text.remove_prefix(std::size_t(end - text.data()));
     return code == std::errc() ? number : -1;
 }
 

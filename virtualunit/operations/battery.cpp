@@ -53,7 +53,7 @@ DeviceCode Battery_getTimes(BatteryHandle handle, BatteryTimes *times)
         const Code code = unit.missing("Battery.runTimeMainPower");
         if (code != Ok)
             return code;
-        const auto minutes = [&](Key key) { return static_cast<uint32_t>(unit.number(key)); };
+        const auto minutes = [&](Key key) { return uint32_t(unit.number(key)); };
         times->runTimeMainPower = minutes("Battery.runTimeMainPower");
         times->runTimeBatteryPower = minutes("Battery.runTimeBatteryPower");
         times->runTimeBelowMinus20 = minutes("Battery.runTimeBelowMinus20");

@@ -25,7 +25,7 @@ DeviceCode DigIO_setDigIO(DigIOHandle handle, uint8_t mask)
         if (!unit.on("Feature.digitalOutputs"))
             return NotSupported;
         // Lines above the fourth may be read, but nothing drives them.
-        const auto present = static_cast<unsigned>(unit.number("DigIO.digIO"));
+        const auto present = unsigned(unit.number("DigIO.digIO"));
         constexpr unsigned driven = 0x0F;
         if (((mask ^ present) & ~driven) != 0)
             return ValueOutOfRange;

@@ -26,7 +26,7 @@ int32_t standardColor(const Unit &unit)
         std::find_if(std::begin(standardColors), std::end(standardColors), [&](const Color &color) {
             return color.red == red && color.green == green && color.blue == blue;
         });
-    return static_cast<int32_t>(found - std::begin(standardColors));
+    return int32_t(found - std::begin(standardColors));
 }
 
 } // namespace
@@ -120,7 +120,7 @@ DeviceCode FrontLED_setStandardColor(FrontLEDHandle handle, int32_t color)
     return perform(__func__, handle, {color}, Does::Write, [&](Unit &unit) {
         if (const Code code = unit.missing("FrontLED.red"); code != Ok)
             return code;
-        if (color < 0 || static_cast<std::size_t>(color) >= std::size(standardColors))
+        if (color < 0 || std::size_t(color) >= std::size(standardColors))
             return ValueOutOfRange;
         const auto &[red, green, blue] = standardColors[color];
         unit.set("FrontLED.red", red);

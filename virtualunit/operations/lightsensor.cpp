@@ -8,9 +8,9 @@ namespace {
 int32_t rangeInUse(const Unit &unit)
 {
     constexpr double standardLimit = 4095; // lux
-    const auto mode = static_cast<int32_t>(unit.number("LightSensor.samplingMode"));
+    const auto mode = int32_t(unit.number("LightSensor.samplingMode"));
     if (!unit.on("LightSensor.averaging"))
-        return static_cast<int32_t>(unit.number("LightSensor.operatingRange"));
+        return int32_t(unit.number("LightSensor.operatingRange"));
     if (mode != SAMPLING_AUTO)
         return mode == SAMPLING_EXTENDED ? LIGHT_RANGE_EXTENDED : LIGHT_RANGE_STANDARD;
     return unit.number("LightSensor.illuminance") > standardLimit ? LIGHT_RANGE_EXTENDED

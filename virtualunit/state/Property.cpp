@@ -84,7 +84,7 @@ std::string checkedText(const Property &property, std::string_view text)
     const bool good = property.kind == Kind::Version
                           ? parseVersion(text, property.reports.high, numbers)
                           : text.find('\0') == std::string_view::npos &&
-                                static_cast<double>(toLatin1(text).size()) <= property.reports.high;
+                                double(toLatin1(text).size()) <= property.reports.high;
     if (!good)
         refuse(property, text);
     return std::string(text);

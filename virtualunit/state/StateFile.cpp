@@ -186,13 +186,12 @@ void StateFile::loadCells(Snapshot &snapshot)
     }
     auto faults = database.prepare("SELECT operation, code, times, after, seen FROM fault");
     while (faults.step()) {
-        snapshot.faults[faults.text(0)] = {static_cast<std::int32_t>(faults.integer(1)),
-            static_cast<std::uint32_t>(faults.integer(2)),
-            static_cast<std::uint32_t>(faults.integer(3)), faults.integer(4)};
+        snapshot.faults[faults.text(0)] = {std::int32_t(faults.integer(1)),
+            std::uint32_t(faults.integer(2)), std::uint32_t(faults.integer(3)), faults.integer(4)};
     }
     auto delays = database.prepare("SELECT operation, milliseconds FROM delay");
     while (delays.step())
-        snapshot.delays[delays.text(0)] = static_cast<std::uint32_t>(delays.integer(1));
+        snapshot.delays[delays.text(0)] = std::uint32_t(delays.integer(1));
 }
 
 void StateFile::begin()

@@ -13,8 +13,8 @@ std::string fromLatin1(std::string_view text)
         if (byte < 0x80) {
             utf8 += character;
         } else {
-            utf8 += static_cast<char>(0xC0 | (byte >> 6));
-            utf8 += static_cast<char>(0x80 | (byte & 0x3F));
+            utf8 += char(0xC0 | (byte >> 6));
+            utf8 += char(0x80 | (byte & 0x3F));
         }
     }
     return utf8;
@@ -33,7 +33,7 @@ std::string toLatin1(std::string_view text)
         const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
         if ((byte != 0xC2 && byte != 0xC3) || (next & 0xC0) != 0x80)
             throw Failure{ValueOutOfRange, "Texts of the unit take Latin-1 characters only."};
-        latin1 += static_cast<char>(((byte & 0x03U) << 6U) | (next & 0x3FU));
+        latin1 += char(((byte & 0x03U) << 6U) | (next & 0x3FU));
         ++i;
     }
     return latin1;

@@ -11,7 +11,7 @@ namespace virtualunit {
 
 namespace {
 
-/// Bit 0 first. Bits beyond the table are faults too, of a kind that this unit doesn't name.
+/** Bit 0 first. Bits beyond the table are faults too, of a kind that this unit doesn't name. */
 constexpr const char *hardwareFaults[] = {
     "RTC battery low",
     "Main board temperature sensor",

@@ -18,8 +18,8 @@ using virtualunit::system::pathOf;
 
 namespace {
 
-/// Prints what the journal holds from that byte on and says where the next call goes on. A journal
-/// that has become shorter was emptied and is read from its beginning.
+/** Prints what the journal holds from that byte on and says where the next call goes on. A journal
+ *  that has become shorter was emptied and is read from its beginning. */
 std::uintmax_t printJournal(const std::string &file, std::uintmax_t position)
 {
     std::error_code error;
@@ -32,7 +32,7 @@ std::uintmax_t printJournal(const std::string &file, std::uintmax_t position)
     stream.seekg(static_cast<std::streamoff>(position));
     std::vector<char> chunk(std::size_t{64} * 1024);
     while (stream && std::cout) {
-        stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+        stream.read(chunk.data(), std::streamsize(chunk.size()));
         std::cout.write(chunk.data(), stream.gcount());
         position += static_cast<std::uintmax_t>(stream.gcount());
     }

@@ -91,7 +91,7 @@ std::string faultText(const virtualunit::Disturbance &fault)
     return text;
 }
 
-/// Control characters as C writes them, so that a message stays on its line.
+/** Control characters as C writes them, so that a message stays on its line. */
 void printText(const std::string &text)
 {
     for (const char byte : text) {
@@ -119,7 +119,7 @@ void listShortMessages(Format format)
     }
     for (const auto &message : messages) {
         // A state file may hold any number, and Windows knows no years before 1970 or after 3000.
-        const auto seconds = static_cast<std::time_t>(message.time / 1000);
+        const auto seconds = std::time_t(message.time / 1000);
         if (const std::tm *utc = std::gmtime(&seconds))
             std::cout << std::put_time(utc, "%Y-%m-%d %H:%M:%S");
         else

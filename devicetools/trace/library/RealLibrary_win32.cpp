@@ -16,8 +16,7 @@ RealLibrary::RealLibrary(const std::string &file)
                                              nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (!found) {
         giveUp("The library \"" + (file.empty() ? std::string("VornAux2.dll") : file) +
-               "\" can't be loaded: " +
-               std::system_category().message(static_cast<int>(GetLastError())));
+               "\" can't be loaded: " + std::system_category().message(int(GetLastError())));
     }
     library = found;
 }

@@ -21,17 +21,17 @@ void writeInteger(void *place, std::int64_t number, std::size_t width)
 {
     switch (width) {
     case 1: {
-        const auto value = static_cast<std::uint8_t>(number);
+        const auto value = std::uint8_t(number);
         std::memcpy(place, &value, sizeof value);
         break;
     }
     case 2: {
-        const auto value = static_cast<std::uint16_t>(number);
+        const auto value = std::uint16_t(number);
         std::memcpy(place, &value, sizeof value);
         break;
     }
     case 4: {
-        const auto value = static_cast<std::uint32_t>(number);
+        const auto value = std::uint32_t(number);
         std::memcpy(place, &value, sizeof value);
         break;
     }
@@ -54,7 +54,7 @@ void writeText(char *buffer, const Datum &datum, std::int64_t size)
     const auto *text = std::get_if<std::string>(&datum);
     if (!text || size <= 0)
         return;
-    const auto length = std::min(text->size(), static_cast<std::size_t>(size) - 1);
+    const auto length = std::min(text->size(), std::size_t(size) - 1);
     std::memcpy(buffer, text->data(), length);
     buffer[length] = '\0';
 }
@@ -82,7 +82,7 @@ void writeOuts(const Call &call, const contract::Value *values)
             writeNumber(value->pointer, *datum, argument.width);
         else if (value->pointer)
             writeText(static_cast<char *>(value->pointer), *datum, value[1].integer);
-        datum += record ? static_cast<std::ptrdiff_t>(record->fields.size()) : 1;
+        datum += record ? std::ptrdiff_t(record->fields.size()) : 1;
     }
 }
 

@@ -26,7 +26,7 @@ public:
             const auto written = ::write(handle, line.data(), line.size());
             if (written < 0 && errno != EINTR)
                 return std::strerror(errno);
-            line.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+            line.remove_prefix(written < 0 ? 0 : std::size_t(written));
         }
         return {};
     }

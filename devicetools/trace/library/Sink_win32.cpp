@@ -12,7 +12,7 @@ namespace {
 
 std::string lastError()
 {
-    return std::system_category().message(static_cast<int>(GetLastError()));
+    return std::system_category().message(int(GetLastError()));
 }
 
 class Descriptor : public Sink
@@ -29,7 +29,7 @@ public:
     {
         while (!line.empty()) {
             DWORD written = 0;
-            if (!WriteFile(handle, line.data(), static_cast<DWORD>(line.size()), &written, nullptr))
+            if (!WriteFile(handle, line.data(), DWORD(line.size()), &written, nullptr))
                 return lastError();
             line.remove_prefix(written);
         }

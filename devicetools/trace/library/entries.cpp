@@ -18,7 +18,7 @@ Value valueOf(T argument)
     else if constexpr (std::is_floating_point_v<T>)
         value.real = argument;
     else
-        value.integer = static_cast<std::int64_t>(argument);
+        value.integer = std::int64_t(argument);
     return value;
 }
 
@@ -38,7 +38,7 @@ DeviceCode perform(std::array<Value, Count> values)
 template <typename Entry, std::size_t Count>
 constexpr std::size_t rowOf(const Entry (&table)[Count], std::string_view name)
 {
-    return static_cast<std::size_t>(contract::find(table, name) - table);
+    return std::size_t(contract::find(table, name) - table);
 }
 
 } // namespace

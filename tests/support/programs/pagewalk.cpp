@@ -44,7 +44,7 @@ QString shownOn(const QWidget *widget)
     return {};
 }
 
-/// Timers would ask as often as the machine's speed lets them.
+/** Timers would ask as often as the machine's speed lets them. */
 void holdTimers(const QObject &object)
 {
     for (auto *timer : object.findChildren<QTimer *>())

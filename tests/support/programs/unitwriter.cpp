@@ -19,7 +19,7 @@ void require(DeviceCode code, const char *what)
     std::exit(1);
 }
 
-/// Values that only one operation writes together, all of them made from the round's number.
+/** Values that only one operation writes together, all of them made from the round's number. */
 void writeRound(unsigned round)
 {
     const DeviceHandle<Backlight_create, Backlight_release> backlight;
@@ -27,11 +27,11 @@ void writeRound(unsigned round)
     const DeviceHandle<Settings_create, Settings_release> settings;
     const auto samples = round % 255 + 1;
     require(Backlight_setAutomaticBLFilter(
-                backlight, samples, samples, samples, static_cast<std::int32_t>(samples % 3)),
+                backlight, samples, samples, samples, std::int32_t(samples % 3)),
         "setAutomaticBLFilter");
-    const auto shade = static_cast<std::uint8_t>(round % 16);
+    const auto shade = std::uint8_t(round % 16);
     require(FrontLED_setColor(led, shade, shade, shade), "setColor");
-    const std::string text(200, static_cast<char>('a' + round % 26));
+    const std::string text(200, char('a' + round % 26));
     require(Settings_setString(settings, "unitwriter", text.c_str()), "setString");
 }
 
@@ -43,7 +43,7 @@ void writeForEver()
     }
 }
 
-/// Counts a key up, and reads each number back before the next one.
+/** Counts a key up, and reads each number back before the next one. */
 void countUp(const char *key, int last)
 {
     const DeviceHandle<Settings_create, Settings_release> settings;
@@ -59,7 +59,7 @@ void countUp(const char *key, int last)
     }
 }
 
-/// Programs the system supervisor with the two images by turns.
+/** Programs the system supervisor with the two images by turns. */
 void programForEver(const char *first, const char *second)
 {
     const DeviceHandle<Firmware_create, Firmware_release> firmware;
