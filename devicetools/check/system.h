@@ -96,7 +96,7 @@ private:
 class GuardedMemory
 {
 public:
-    explicit GuardedMemory(std::size_t atLeast);
+    explicit GuardedMemory(std::size_t wanted);
     GuardedMemory(const GuardedMemory &) = delete;
     GuardedMemory &operator=(const GuardedMemory &) = delete;
     ~GuardedMemory();

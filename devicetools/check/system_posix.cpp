@@ -221,10 +221,10 @@ Library::Function Library::function(const char *name) const
     return reinterpret_cast<Function>(::dlsym(handle, name));
 }
 
-GuardedMemory::GuardedMemory(std::size_t atLeast)
+GuardedMemory::GuardedMemory(std::size_t wanted)
 {
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    usable = (atLeast + page - 1) / page * page;
+    usable = (wanted + page - 1) / page * page;
     void *pages =
         ::mmap(nullptr, usable + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (pages == MAP_FAILED)

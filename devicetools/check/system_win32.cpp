@@ -249,12 +249,12 @@ Library::Function Library::function(const char *name) const
         reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(handle), name)));
 }
 
-GuardedMemory::GuardedMemory(std::size_t atLeast)
+GuardedMemory::GuardedMemory(std::size_t wanted)
 {
     SYSTEM_INFO info;
     GetSystemInfo(&info);
     const std::size_t page = info.dwPageSize;
-    usable = (atLeast + page - 1) / page * page;
+    usable = (wanted + page - 1) / page * page;
     memory = static_cast<unsigned char *>(
         VirtualAlloc(nullptr, usable + page, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     DWORD before = 0;
