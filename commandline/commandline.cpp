@@ -16,7 +16,7 @@ std::string lowered(std::string_view text)
 {
     std::string lower(text);
     for (char &letter : lower)
-        letter = 'A' <= letter && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+        letter = 'A' <= letter && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
     return lower;
 }
 

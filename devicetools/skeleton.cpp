@@ -54,7 +54,7 @@ static void releaseDevice(void *device)
  */
 )";
 
-/// The bodies of the functions that give texts, by their names.
+/** The bodies of the functions that give texts, by their names. */
 constexpr struct {
     std::string_view name;
     const char *body;
@@ -90,7 +90,7 @@ std::string commentOf(const char *comment)
     return text + " */\n";
 }
 
-/// A signature on as many lines as it needs.
+/** A signature on as many lines as it needs. */
 std::string wrapped(const std::string &signature)
 {
     std::string text;

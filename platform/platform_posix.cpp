@@ -83,7 +83,7 @@ void printErrorLine(const QString &line)
 {
     const QByteArray bytes = line.toLocal8Bit() + '\n';
     const char *next = bytes.constData();
-    auto left = static_cast<std::size_t>(bytes.size());
+    auto left = std::size_t(bytes.size());
     while (left > 0) {
         const ssize_t written = write(STDERR_FILENO, next, left);
         if (written < 0 && errno == EINTR)
@@ -91,7 +91,7 @@ void printErrorLine(const QString &line)
         if (written <= 0)
             return;
         next += written;
-        left -= static_cast<std::size_t>(written);
+        left -= std::size_t(written);
     }
 }
 
@@ -126,7 +126,7 @@ std::optional<std::u16string> biosText(BiosValue value)
     if (!stream.is_open() || stream.bad())
         return std::nullopt;
 
-    std::string text(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+    std::string text(bytes.data(), std::size_t(stream.gcount()));
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
         if (!text.empty() && text.back() == '\r')
@@ -136,13 +136,13 @@ std::optional<std::u16string> biosText(BiosValue value)
         return std::nullopt;
     std::u16string wide;
     for (const char character : text.substr(0, text.find('\0')))
-        wide += static_cast<char16_t>(static_cast<unsigned char>(character));
+        wide += char16_t(static_cast<unsigned char>(character));
     return wide;
 }
 
 std::string timeStampLine(std::int64_t secondsSince1970)
 {
-    const auto time = static_cast<std::time_t>(secondsSince1970);
+    const auto time = std::time_t(secondsSince1970);
     std::tm local{};
     tzset();
     return localtime_r(&time, &local) ? calendarLine(local) : "\n";

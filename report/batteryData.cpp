@@ -30,7 +30,7 @@ constexpr std::uint32_t textSize = 20;
 QString errorStatusLine(BatteryHandle battery)
 {
     std::int32_t status = 0;
-    const DeviceCode code = Battery_getHwErrorStatus(battery, &status);
+    const auto code = Battery_getHwErrorStatus(battery, &status);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery error status code", code);
     return batteryErrorLine(status);
@@ -39,7 +39,7 @@ QString errorStatusLine(BatteryHandle battery)
 QString hwVersionLine(BatteryHandle battery)
 {
     char version[textSize + 1] = "";
-    const DeviceCode code = Battery_getHwVersion(battery, version, textSize);
+    const auto code = Battery_getHwVersion(battery, version, textSize);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery HW version", code);
     return QStringLiteral("Battery HW version: %1\n").arg(QString::fromLatin1(version));
@@ -51,7 +51,7 @@ QString swVersionLine(BatteryHandle battery)
     std::uint16_t minor = 0;
     std::uint16_t release = 0;
     std::uint16_t build = 0;
-    const DeviceCode code = Battery_getSwVersion(battery, &major, &minor, &release, &build);
+    const auto code = Battery_getSwVersion(battery, &major, &minor, &release, &build);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery SW version", code);
     return QStringLiteral("Battery SW version: %1.%2.%3.%4\n")
@@ -64,7 +64,7 @@ QString swVersionLine(BatteryHandle battery)
 QString serialNumberLine(BatteryHandle battery)
 {
     char serial[textSize + 1] = "";
-    const DeviceCode code = Battery_getSerialNumber(battery, serial, textSize);
+    const auto code = Battery_getSerialNumber(battery, serial, textSize);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery serial number", code);
     return QStringLiteral("Battery serial number: %1\n").arg(QString::fromLatin1(serial));
@@ -74,7 +74,7 @@ QString serialNumberLine(BatteryHandle battery)
 void addChargingStatus(BatteryHandle battery, QString &text)
 {
     std::int32_t status = 0;
-    const DeviceCode code = Battery_getChargingStatus(battery, &status);
+    const auto code = Battery_getChargingStatus(battery, &status);
     if (code != DEVICE_OK)
         text += batteryFailureLine("battery charging status", code);
     else if (status == CHARGING_IDLE)
@@ -86,7 +86,7 @@ void addChargingStatus(BatteryHandle battery, QString &text)
 QString powerSourceLine(BatteryHandle battery)
 {
     std::int32_t source = POWER_BATTERY;
-    const DeviceCode code = Battery_getPowerSource(battery, &source);
+    const auto code = Battery_getPowerSource(battery, &source);
     if (code != DEVICE_OK)
         return batteryFailureLine("power source", code);
     return powerSourceText(source) + QLatin1Char('\n');
@@ -95,7 +95,7 @@ QString powerSourceLine(BatteryHandle battery)
 QString voltageLevelLine(BatteryHandle battery)
 {
     std::uint8_t percent = 0;
-    const DeviceCode code = Battery_getVoltageLevel(battery, &percent);
+    const auto code = Battery_getVoltageLevel(battery, &percent);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery voltage level", code);
     return QStringLiteral("Battery voltage level: %1%\n").arg(percent);
@@ -104,7 +104,7 @@ QString voltageLevelLine(BatteryHandle battery)
 QString temperatureLine(BatteryHandle battery)
 {
     std::int16_t celsius = 0;
-    const DeviceCode code = Battery_getTemperature(battery, &celsius);
+    const auto code = Battery_getTemperature(battery, &celsius);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery temperature", code);
     return QStringLiteral("Battery temperature: %1 deg C\n").arg(celsius);
@@ -114,7 +114,7 @@ QString extremesLine(BatteryHandle battery)
 {
     std::int16_t minimum = 0;
     std::int16_t maximum = 0;
-    const DeviceCode code = Battery_getMinMaxTemp(battery, &minimum, &maximum);
+    const auto code = Battery_getMinMaxTemp(battery, &minimum, &maximum);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery min/max temperature", code);
     return QStringLiteral("Battery minimum temp: %1 deg C, maximum temp: %2 deg C\n")
@@ -125,7 +125,7 @@ QString extremesLine(BatteryHandle battery)
 QString timeLines(BatteryHandle battery)
 {
     BatteryTimes times{};
-    const DeviceCode code = Battery_getTimes(battery, &times);
+    const auto code = Battery_getTimes(battery, &times);
     if (code != DEVICE_OK)
         return batteryFailureLine("battery diagnostic times", code);
     QString text;

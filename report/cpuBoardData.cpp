@@ -122,9 +122,9 @@ QString dateLine(const Record<Bytes> &record)
 /** Two characters in one word, the first in its high byte. */
 QString revisionText(std::uint16_t word)
 {
-    QString text(QChar(static_cast<std::uint16_t>(word >> 8)));
+    QString text(QChar(std::uint16_t(word >> 8)));
     text += QLatin1Char('.');
-    text += QChar(static_cast<std::uint16_t>(word & 0xFF));
+    text += QChar(std::uint16_t(word & 0xFF));
     return text;
 }
 

@@ -37,7 +37,7 @@ constexpr const char *sensorNames[] = {
 
 const char *sensorName(std::int32_t kind)
 {
-    const auto index = static_cast<std::uint32_t>(kind);
+    const auto index = std::uint32_t(kind);
     return index < std::size(sensorNames) ? sensorNames[index] : "JIDA unknown temp";
 }
 
@@ -64,7 +64,7 @@ QString reasonLines(DiagnosticsHandle diagnostics)
 QString timeLines(DiagnosticsHandle diagnostics)
 {
     DiagnosticTimes times{};
-    const DeviceCode code = Diagnostics_getTimers(diagnostics, &times);
+    const auto code = Diagnostics_getTimers(diagnostics, &times);
     QString text;
     for (const TimeRow &row : timeRows)
         text += formatMinutesLine(code, row.name, times.*row.minutes);
@@ -75,7 +75,7 @@ QString extremeLines(DiagnosticsHandle diagnostics)
 {
     std::int16_t minimum = 0;
     std::int16_t maximum = 0;
-    const DeviceCode code = Diagnostics_getMinMaxTemp(diagnostics, &minimum, &maximum);
+    const auto code = Diagnostics_getMinMaxTemp(diagnostics, &minimum, &maximum);
     QString text = formatShortLine(code, "Minimum temp", minimum, celsius);
     text += formatShortLine(code, "Maximum temp", maximum, celsius);
     return text;
@@ -84,7 +84,7 @@ QString extremeLines(DiagnosticsHandle diagnostics)
 QString powerCyclesLine(DiagnosticsHandle diagnostics)
 {
     std::uint16_t cycles = 0;
-    const DeviceCode code = Diagnostics_getPowerCycles(diagnostics, &cycles);
+    const auto code = Diagnostics_getPowerCycles(diagnostics, &cycles);
     return formatUShortLine(code, "Number of power cycles", cycles, "");
 }
 
@@ -105,7 +105,7 @@ QString temperatureLine(DiagnosticsHandle diagnostics,
     DeviceCode (*read)(DiagnosticsHandle, std::int16_t *), const char *name)
 {
     std::int16_t temperature = 0;
-    const DeviceCode code = read(diagnostics, &temperature);
+    const auto code = read(diagnostics, &temperature);
     return formatShortLine(code, name, temperature, celsius);
 }
 

@@ -10,7 +10,7 @@ template <DeviceCode (*Read)(HardwareHandle, char *, std::uint32_t)>
 QString text(HardwareHandle hardware, const char *name)
 {
     char buffer[200 + 1] = ""; // one byte more, so that a text without its end stays bounded
-    const DeviceCode code = Read(hardware, buffer, sizeof buffer - 1);
+    const auto code = Read(hardware, buffer, sizeof buffer - 1);
     return formatTextLine(code, name, buffer, "");
 }
 

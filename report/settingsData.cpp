@@ -54,7 +54,7 @@ QString colorLines(FrontLEDHandle led, const char *)
     std::uint8_t red = 0;
     std::uint8_t green = 0;
     std::uint8_t blue = 0;
-    const DeviceCode code = FrontLED_getColor(led, &red, &green, &blue);
+    const auto code = FrontLED_getColor(led, &red, &green, &blue);
     QString text = formatIntLine("Color R", red, code);
     text += formatIntLine("Color G", green, code);
     text += formatIntLine("Color B", blue, code);
@@ -66,7 +66,7 @@ QString signalLines(FrontLEDHandle led, const char *)
 {
     double hertz = 0;
     std::uint8_t dutyCycle = 0;
-    const DeviceCode code = FrontLED_getSignal(led, &hertz, &dutyCycle);
+    const auto code = FrontLED_getSignal(led, &hertz, &dutyCycle);
     QString text = formatDoubleLine("Signal frequency", hertz, code);
     text += formatIntLine("Signal duty cycle", dutyCycle, code);
     return text;
@@ -168,12 +168,12 @@ QString canBlock()
     QString text = QStringLiteral("\nCan Settings:\n");
     for (const CanChannel &channel : canChannels) {
         std::uint16_t kbitPerSecond = 0;
-        const DeviceCode code = Can_getBaudrate(can, channel.number, &kbitPerSecond);
+        const auto code = Can_getBaudrate(can, channel.number, &kbitPerSecond);
         text += formatIntLine(channel.baudRateName, kbitPerSecond, code);
     }
     for (const CanChannel &channel : canChannels) {
         std::int32_t frameType = 0;
-        const DeviceCode code = Can_getFrameType(can, channel.number, &frameType);
+        const auto code = Can_getFrameType(can, channel.number, &frameType);
         text += formatFrameTypeLine(channel.frameTypeName, frameType, code);
     }
     return text;
@@ -200,10 +200,10 @@ QString powerBlock()
 QString touchModeLine(TouchHandle touch)
 {
     std::int32_t mode = 0;
-    const DeviceCode code = Touch_getMode(touch, &mode);
+    const auto code = Touch_getMode(touch, &mode);
     if (code != DEVICE_OK)
         return formatErrorLine(QStringLiteral("TouchScreenMode"), code);
-    const auto index = static_cast<std::uint32_t>(mode);
+    const auto index = std::uint32_t(mode);
     const char *text = index < std::size(touchModes) ? touchModes[index] : "Undefined value";
     return QStringLiteral("TouchScreenMode: %1\n").arg(QString::fromLatin1(text));
 }
@@ -223,7 +223,7 @@ QString telematicsBlock()
     telematics.keep(); // deliberately not released
     QString text = QStringLiteral("\nTelematics:\n");
     std::int32_t available = 0;
-    const DeviceCode code = Telematics_getAvailable(telematics, &available);
+    const auto code = Telematics_getAvailable(telematics, &available);
     text += formatEnabledLine("Telematics board available", available, code);
     if (code == DEVICE_OK && available == 1)
         text += reportLines<TelematicsHandle>(telematics, addonBoardRows);

@@ -43,7 +43,7 @@ QString versionLines()
         std::uint8_t minor = 0;
         std::uint8_t release = 0;
         std::uint8_t build = 0;
-        const DeviceCode code = row.read(versions, &major, &minor, &release, &build);
+        const auto code = row.read(versions, &major, &minor, &release, &build);
         text += formatVersionLine(row.name, major, minor, release, build, code);
     }
     return text;
@@ -73,7 +73,7 @@ std::optional<std::string> decodedByMark(std::istream &log)
     QByteArray piece(1 << 16, '\0');
     const auto read = [&](int most) {
         log.read(piece.data(), most);
-        return piece.left(static_cast<int>(log.gcount()));
+        return piece.left(int(log.gcount()));
     };
     const auto decoder = qtVersions::decoderByMark(read(4));
     log.clear();
@@ -85,7 +85,7 @@ std::optional<std::string> decodedByMark(std::istream &log)
         const QString units = qtVersions::decode(*decoder, read(1 << 16));
         for (const QChar unit : units) {
             if (!unit.isLowSurrogate()) // which is the other half of one character
-                decoded += unit.unicode() <= 0xFF ? static_cast<char>(unit.unicode()) : '?';
+                decoded += unit.unicode() <= 0xFF ? char(unit.unicode()) : '?';
         }
     }
     return decoded;
@@ -100,7 +100,7 @@ void addLog(QString &text, const std::filesystem::path &path, const char *header
         return;
     std::vector<char> buffer(1 << 16); // outlives the stream
     std::ifstream file;
-    file.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    file.rdbuf()->pubsetbuf(buffer.data(), std::streamsize(buffer.size()));
     file.open(path, std::ios::binary);
     if (!file.is_open())
         return;

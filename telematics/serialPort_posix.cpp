@@ -52,7 +52,7 @@ bool findLine(const char *name, Path &path)
         length = std::snprintf(path.data(), path.size(), "/dev/ttyS%d", number - 1);
     else
         length = std::snprintf(path.data(), path.size(), "/dev/%s", name);
-    return length > 0 && static_cast<std::size_t>(length) < path.size();
+    return length > 0 && std::size_t(length) < path.size();
 }
 
 /** Makes that open line this caller's alone. The lock is for our own kind, and goes with its
@@ -101,7 +101,7 @@ bool storeBaud(termios &state, std::int32_t code)
     constexpr speed_t none = B0;
     constexpr speed_t speeds[] = {
         B1200, none, B2400, B4800, B9600, B19200, B38400, B57600, B115200};
-    if (code < 0 || code >= static_cast<std::int32_t>(std::size(speeds)) || speeds[code] == none)
+    if (code < 0 || code >= std::int32_t(std::size(speeds)) || speeds[code] == none)
         return false;
     return ::cfsetispeed(&state, speeds[code]) == 0 && ::cfsetospeed(&state, speeds[code]) == 0;
 }
@@ -114,7 +114,7 @@ void replaceFlags(tcflag_t &flags, tcflag_t mask, tcflag_t value)
 bool storeDataBits(termios &state, std::int32_t code)
 {
     constexpr tcflag_t sizes[] = {CS5, CS6, CS7, CS8};
-    if (code < 0 || code >= static_cast<std::int32_t>(std::size(sizes)))
+    if (code < 0 || code >= std::int32_t(std::size(sizes)))
         return false;
     replaceFlags(state.c_cflag, CSIZE, sizes[code]);
     return true;
@@ -123,7 +123,7 @@ bool storeDataBits(termios &state, std::int32_t code)
 bool storeParity(termios &state, std::int32_t code)
 {
     constexpr tcflag_t parities[] = {0, PARENB, PARENB | PARODD};
-    if (code < 0 || code >= static_cast<std::int32_t>(std::size(parities)))
+    if (code < 0 || code >= std::int32_t(std::size(parities)))
         return false;
     // Left in, CMSPAR would turn even and odd into space and mark.
     replaceFlags(state.c_cflag, PARENB | PARODD | CMSPAR, parities[code]);
@@ -133,7 +133,7 @@ bool storeParity(termios &state, std::int32_t code)
 bool storeStopBits(termios &state, std::int32_t code)
 {
     constexpr tcflag_t stops[] = {0, CSTOPB};
-    if (code < 0 || code >= static_cast<std::int32_t>(std::size(stops)))
+    if (code < 0 || code >= std::int32_t(std::size(stops)))
         return false;
     replaceFlags(state.c_cflag, CSTOPB, stops[code]);
     return true;
@@ -142,12 +142,12 @@ bool storeStopBits(termios &state, std::int32_t code)
 /** No handshake, and bytes as they are on the wire. INPCK and all else stays as found. */
 void storeTransparency(termios &state)
 {
-    state.c_iflag &= ~static_cast<tcflag_t>(
-        IXON | IXOFF | IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC);
-    state.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    state.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL | ICANON | ISIG | IEXTEN);
+    state.c_iflag &=
+        ~tcflag_t(IXON | IXOFF | IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR | ICRNL | IUCLC);
+    state.c_oflag &= ~tcflag_t(OPOST);
+    state.c_lflag &= ~tcflag_t(ECHO | ECHONL | ICANON | ISIG | IEXTEN);
     // CLOCAL: losing the carrier must not hang up the line.
-    replaceFlags(state.c_cflag, static_cast<tcflag_t>(CRTSCTS), CLOCAL | CREAD);
+    replaceFlags(state.c_cflag, tcflag_t(CRTSCTS), CLOCAL | CREAD);
     // With VMIN 0 an idle line could not be told from one that is gone.
     state.c_cc[VMIN] = 1;
     state.c_cc[VTIME] = 0;
@@ -169,7 +169,7 @@ using std::chrono::milliseconds;
 int millisecondsUntil(Clock::time_point end)
 {
     const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
-    return static_cast<int>(std::max(left, milliseconds::zero()).count());
+    return int(std::max(left, milliseconds::zero()).count());
 }
 
 /** Waits until bytes can be read. False at the end, or when the signal of a stop comes. A line that
@@ -204,7 +204,7 @@ std::uint32_t readSome(int handle, char *buffer, std::uint32_t count, int stopSi
     for (;;) {
         const auto got = ::read(handle, buffer, count);
         if (got > 0)
-            return static_cast<std::uint32_t>(got);
+            return std::uint32_t(got);
         if (got < 0 && errno == EINTR)
             continue;
         const bool nothingYet = got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
@@ -230,7 +230,7 @@ std::uint32_t writeSome(int handle, const char *bytes, std::uint32_t count)
     for (;;) {
         const auto taken = ::write(handle, bytes, count);
         if (taken >= 0)
-            return static_cast<std::uint32_t>(taken);
+            return std::uint32_t(taken);
         if (errno == EINTR)
             continue;
         if ((errno != EAGAIN && errno != EWOULDBLOCK) || Clock::now() >= end)
@@ -279,13 +279,13 @@ SerialStop::SerialStop()
 SerialStop::~SerialStop()
 {
     if (wakeUp != invalidHandle)
-        ::close(static_cast<int>(wakeUp));
+        ::close(int(wakeUp));
 }
 
 void SerialStop::request()
 {
     requested.store(true, std::memory_order_relaxed);
-    ::eventfd_write(static_cast<int>(wakeUp), 1); // fails if so many have come before
+    ::eventfd_write(int(wakeUp), 1); // fails if so many have come before
 }
 
 SerialPort *serialOpen(const char *name)
@@ -354,7 +354,7 @@ std::int32_t serialRead(SerialPort *port, void *buffer, std::uint32_t count, con
 {
     if (!isUsable(port))
         return SERIAL_NO_LINE;
-    const int stopSignal = stop ? static_cast<int>(stop->signal()) : invalidHandle;
+    const int stopSignal = stop ? int(stop->signal()) : invalidHandle;
     auto *next = static_cast<char *>(buffer);
     while (count > 0) {
         if (isStopped(stop))

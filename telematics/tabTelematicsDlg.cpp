@@ -27,7 +27,7 @@ constexpr std::size_t longestPortName = 255;      // bytes
 QString portName(SettingsHandle settings, const char *key, const char *usual)
 {
     std::array<char, 255 + 1> name{}; // one more, so that a text without its end stays bounded
-    const DeviceCode code = Settings_getString(settings, key, name.data(), 255);
+    const auto code = Settings_getString(settings, key, name.data(), 255);
     if (code != DEVICE_OK || name[0] == '\0')
         return QString::fromLatin1(usual);
     return QString::fromUtf8(name.data()); // as the page stores it; other texts are Latin-1
@@ -143,7 +143,7 @@ void tabTelematicsDlg::refreshStatus()
         ui->checkBoxGPRS->setChecked(false);
     } else {
         std::int32_t status = STATUS_OFF;
-        const DeviceCode code = Telematics_getGPRSPowerStatus(telematics, &status);
+        const auto code = Telematics_getGPRSPowerStatus(telematics, &status);
         if (code == DEVICE_OK)
             ui->checkBoxGPRS->setChecked(status == STATUS_ON);
         else
@@ -165,7 +165,7 @@ void tabTelematicsDlg::showPower(bool present,
     if (!present)
         return box->setChecked(false);
     std::int32_t status = STATUS_OFF;
-    const DeviceCode code = query(telematics, &status);
+    const auto code = query(telematics, &status);
     if (code == DEVICE_OK)
         box->setChecked(status == STATUS_ON);
     else
@@ -188,7 +188,7 @@ void tabTelematicsDlg::showGps()
     }
     showPower(hasGps, Telematics_getGPSPowerStatus, "getGPSPowerStatus", ui->checkBoxGPS);
     std::int32_t status = 0;
-    const DeviceCode code = Telematics_getGPSAntennaStatus(telematics, &status);
+    const auto code = Telematics_getGPSAntennaStatus(telematics, &status);
     reportError(code, "getGPSAntennaStatus");
     ui->label_GPSantenna->setText(antennaText(code, status));
 }
@@ -311,7 +311,7 @@ void tabTelematicsDlg::TabChanged(int)
 void tabTelematicsDlg::enterGsmTab()
 {
     std::int32_t status = STATUS_OFF;
-    const DeviceCode code = Telematics_getGPRSPowerStatus(telematics, &status);
+    const auto code = Telematics_getGPRSPowerStatus(telematics, &status);
     if (code == DEVICE_OK && status != STATUS_ON)
         return refuseConsole(QStringLiteral("Please enable GSM/GPRS power!"));
     if (!hasGsm)
@@ -345,7 +345,7 @@ void tabTelematicsDlg::leaveGsmTab()
 void tabTelematicsDlg::enterGpsTab()
 {
     std::int32_t status = STATUS_OFF;
-    const DeviceCode code = Telematics_getGPSPowerStatus(telematics, &status);
+    const auto code = Telematics_getGPSPowerStatus(telematics, &status);
     if (code == DEVICE_OK && status != STATUS_ON) {
         ui->buttonToggleData->setEnabled(false);
         ui->editGpsDate->setText(QStringLiteral("Please enable GPS Power!"));

@@ -22,7 +22,7 @@ constexpr std::int64_t unitTime = 1'773'000'000'000; // a Sunday evening in Marc
 constexpr int settleTime = 700;                      // milliseconds, longer than any refresh
 constexpr int deviceFault = 5;
 
-/// Ends the program with one line if the virtual unit refuses.
+/** Ends the program with one line if the virtual unit refuses. */
 void require(const virtualunit::Error &error)
 {
     if (error.empty())
@@ -37,7 +37,7 @@ void useProfile(const std::string &profile)
     require(virtualunit::setClock(unitTime));
 }
 
-/// "GSM/GPRS" gives "gsm-gprs".
+/** "GSM/GPRS" gives "gsm-gprs". */
 QString fileWord(const QString &caption)
 {
     static const QRegularExpression others(QStringLiteral("[^a-z0-9]+"));
@@ -75,7 +75,7 @@ public:
         tabs->setCurrentIndex(0);
     }
 
-    /// The display page with the error box that a failing slider brings up.
+    /** The display page with the error box that a failing slider brings up. */
     void takeError(VornSettings &window, support::Dialogs &dialogs)
     {
         require(virtualunit::setFault("Backlight_setIntensity", deviceFault));

@@ -16,7 +16,7 @@ using Open = std::int32_t (*)(std::uintptr_t, std::uint32_t, std::uint32_t, std:
 using Close = std::int32_t (*)(std::uint32_t);
 using GetInfo = std::int32_t (*)(std::uint32_t, void *);
 
-/// A vendor's library by its procedures, in the order in which the program looks them up.
+/** A vendor's library by its procedures, in the order in which the program looks them up. */
 struct Board {
     Initialise initialise = nullptr;
     Initialise uninitialise = nullptr;
@@ -58,7 +58,7 @@ int recordSize(bool jida)
     return jida ? 464 : 304;
 }
 
-/// The fields by their offsets in bytes, as the vendors publish them.
+/** The fields by their offsets in bytes, as the vendors publish them. */
 QString text(const QByteArray &record, int offset)
 {
     QString result;

@@ -13,7 +13,7 @@ using namespace support;
  */
 namespace {
 
-/// Operations that have that signature, all of them.
+/** Operations that have that signature, all of them. */
 template <typename Signature, Signature... Operations>
 struct All {};
 
@@ -241,7 +241,7 @@ static_assert(std::is_same_v<decltype(FirmwareUpgradeStatus::state), int32_t>);
 static_assert(std::is_same_v<decltype(FirmwareUpgradeStatus::percent), uint8_t>);
 static_assert(std::is_same_v<decltype(FirmwareUpgradeStatus::errorCode), int32_t>);
 
-/// Whether the enumerators are these numbers, one after the other.
+/** Whether the enumerators are these numbers, one after the other. */
 template <typename... Enumerators>
 constexpr bool countUp(int first, Enumerators... enumerators)
 {
@@ -273,7 +273,7 @@ static_assert(countUp(0, FIRMWARE_INITIATING, FIRMWARE_PREPARING, FIRMWARE_READI
     FIRMWARE_CONVERTING, FIRMWARE_FLASHING, FIRMWARE_VERIFYING, FIRMWARE_DONE, FIRMWARE_FAILED));
 static_assert(VIDEO_MASK_ALL == 0x0F && SHUTDOWN_REASON_NO_ERROR == 31);
 
-/// Names that the file asks others for, or offers to them.
+/** Names that the file asks others for, or offers to them. */
 QStringList symbols(const char *which, const QString &file)
 {
     QProcess nm;
@@ -303,7 +303,7 @@ QStringList contractNames()
 
 } // namespace
 
-/// What the program and a unit's library see of each other.
+/** What the program and a unit's library see of each other. */
 class ContractTest : public QObject
 {
     Q_OBJECT

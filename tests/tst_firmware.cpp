@@ -19,7 +19,7 @@ namespace {
 using Start = DeviceCode (*)(FirmwareHandle, const char *, bool);
 using Version = DeviceCode (*)(VersionsHandle, uint8_t *, uint8_t *, uint8_t *, uint8_t *);
 
-/// One programmable controller, as the contract has it.
+/** One programmable controller, as the contract has it. */
 struct Target {
     const char *name;
     Start upgrade;
@@ -436,7 +436,7 @@ private:
         return status;
     }
 
-    /// Everything that the job says until it has ended for good, a tenth of a second apart.
+    /** Everything that the job says until it has ended for good, a tenth of a second apart. */
     static std::vector<FirmwareUpgradeStatus> follow(FirmwareHandle handle)
     {
         std::vector<FirmwareUpgradeStatus> all;

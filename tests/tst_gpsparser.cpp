@@ -23,7 +23,7 @@ QByteArray lines(const GpsTexts &texts)
 
 std::string_view view(const QByteArray &bytes)
 {
-    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+    return {bytes.constData(), std::size_t(bytes.size())};
 }
 
 QByteArray read(const QByteArray &line, GpsFields &fields)
@@ -80,7 +80,7 @@ private slots:
         QList<QByteArray> found;
         while (!rest.atEnd()) {
             const auto line = rest.next();
-            found << QByteArray(line.data(), static_cast<int>(line.size()));
+            found << QByteArray(line.data(), int(line.size()));
             QVERIFY(!rest.stuck());
         }
         QCOMPARE(found, expected);

@@ -25,7 +25,7 @@ QStringList journal()
     return lines;
 }
 
-/// The window, if it is the only visible one.
+/** The window, if it is the only visible one. */
 VornSettings *onlyWindow()
 {
     QWidgetList visible;
@@ -45,7 +45,7 @@ Q_COREAPP_STARTUP_FUNCTION(whenApplicationStarts)
 
 } // namespace
 
-/// The whole graphical mode, from its application object to its exit value.
+/** The whole graphical mode, from its application object to its exit value. */
 class GraphicalModeTest : public QObject
 {
     Q_OBJECT

@@ -40,7 +40,7 @@ using support::pageRows;
 
 namespace {
 
-/// A page whose menu entry the window may dim.
+/** A page whose menu entry the window may dim. */
 struct EntryRow {
     int index;
     const char *name;
@@ -85,7 +85,7 @@ QList<tabDlg *> pagesOf(const VornSettings &window)
         ->findChildren<tabDlg *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-/// The page that shows, null if it isn't exactly one.
+/** The page that shows, null if it isn't exactly one. */
 tabDlg *visiblePage(const VornSettings &window)
 {
     tabDlg *visible = nullptr;
@@ -131,7 +131,7 @@ private:
         return [] { return new Page; };
     }
 
-    /// Makers of the pages in the order of pageRows.
+    /** Makers of the pages in the order of pageRows. */
     static QList<MakePage> makers()
     {
         return {maker<tabMenuDlg>(), maker<tabVersionDlg>(), maker<tabTempDlg>(),
@@ -156,7 +156,7 @@ private:
             fault(QStringLiteral("Config_getHeatingTempLimit"), feature == Feature::Absent ? 2 : 5);
     }
 
-    /// One line for each entry that may be dimmed: what its button and its label look like.
+    /** One line for each entry that may be dimmed: what its button and its label look like. */
     static QStringList entries(const VornSettings &window)
     {
         QStringList lines;
@@ -206,7 +206,7 @@ private:
                 shown, toolTip, QString::number(button), QString::number(label));
     }
 
-    /// Names of the visible widgets that show less than they hold.
+    /** Names of the visible widgets that show less than they hold. */
     static QStringList clippedIn(const tabDlg *page)
     {
         QStringList names;
@@ -217,7 +217,7 @@ private:
         return names;
     }
 
-    /// Whether the widget reaches out of its surroundings; what scrolls may.
+    /** Whether the widget reaches out of its surroundings; what scrolls may. */
     static bool isCut(const QWidget *widget)
     {
         if (widget->isWindow() || qobject_cast<QAbstractScrollArea *>(widget->parentWidget()))

@@ -129,7 +129,7 @@ private slots:
         std::string all;
         for (int round = 0; round < 4; ++round) {
             for (int byte = 127; byte < 256; ++byte)
-                all += static_cast<char>(byte);
+                all += char(byte);
         }
         QCOMPARE(modem.receive(all), std::string());
         QCOMPARE(modem.receive(std::string(5000, 'A') + "\r"), std::string());

@@ -325,7 +325,7 @@ private slots:
         PseudoTerminal line;
         QByteArray all;
         for (int value = 0; value < 256; ++value)
-            all += static_cast<char>(value);
+            all += char(value);
         const Port port = configured(line);
         QCOMPARE(write(port, all), 0);
         QCOMPARE(line.receive(256), all);

@@ -26,7 +26,7 @@ struct Pair<Owner, Set, Get> {
             [](double &number) {
                 O out{};
                 const auto code = Get(Owner(), &out);
-                number = static_cast<double>(out);
+                number = double(out);
                 return code;
             }};
     }
@@ -39,7 +39,7 @@ Setting indexed(Index index, DeviceCode (*)(struct CanDevice *, Index, T))
         [index](double &number) {
             T out{};
             const auto code = Get(Can(), index, &out);
-            number = static_cast<double>(out);
+            number = double(out);
             return code;
         }};
 }
@@ -47,7 +47,7 @@ Setting indexed(Index index, DeviceCode (*)(struct CanDevice *, Index, T))
 Setting touchSetting(int32_t number)
 {
     return {[number](double value) {
-                return Touch_setAdvancedSetting(Touch(), number, static_cast<uint16_t>(value));
+                return Touch_setAdvancedSetting(Touch(), number, uint16_t(value));
             },
         [number](double &value) {
             uint16_t out = 0;

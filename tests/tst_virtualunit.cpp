@@ -333,7 +333,7 @@ private slots:
                 const Can can;
                 const Battery battery;
                 uint16_t rate = 0;
-                const auto wanted = static_cast<uint16_t>(100 + i);
+                const auto wanted = uint16_t(100 + i);
                 DeviceBool available = 0;
                 if (Can_setBaudrate(can, channel, wanted) != DEVICE_OK ||
                     Can_getBaudrate(can, channel, &rate) != DEVICE_OK || rate != wanted ||

@@ -24,7 +24,7 @@ struct Outcome {
     QString err;
 };
 
-/// A library that breaks a rule, and what finds it.
+/** A library that breaks a rule, and what finds it. */
 struct Broken {
     const char *library;
     const char *finding; ///< result and test
@@ -111,7 +111,7 @@ QString brokenUnit(const QString &name)
     return QStringLiteral(VORN_BROKENUNIT_DIR "/") + name + QStringLiteral(VORN_LIBRARY_SUFFIX);
 }
 
-/// All of the unit's values that can be set, as the check must leave them.
+/** All of the unit's values that can be set, as the check must leave them. */
 std::map<std::string, std::string> settings()
 {
     std::vector<virtualunit::Value> properties;
@@ -205,7 +205,7 @@ QJsonObject VorncheckTest::check(const QStringList &arguments, int exitCode)
     return QJsonDocument::fromJson(outcome.out.toUtf8()).object();
 }
 
-/// What isn't passed or skipped: "fail answers: what it says".
+/** What isn't passed or skipped: "fail answers: what it says". */
 QStringList VorncheckTest::findings(const QJsonObject &report)
 {
     QStringList found;
@@ -294,7 +294,7 @@ void VorncheckTest::brokenLibraryIsFound_data()
         QTest::newRow(broken.library) << broken.finding << broken.words;
 }
 
-/// By its test, by name, and by no other.
+/** By its test, by name, and by no other. */
 void VorncheckTest::brokenLibraryIsFound()
 {
     QFETCH(QString, finding);
@@ -317,7 +317,7 @@ void VorncheckTest::brokenLibraryIsFound()
     QVERIFY2(found.first().contains(sentence), qPrintable(found.first()));
 }
 
-/// A test that no library fails proves nothing.
+/** A test that no library fails proves nothing. */
 void VorncheckTest::everyTestHasItsLibrary()
 {
     QStringList unproved;
@@ -337,7 +337,7 @@ void VorncheckTest::everyTestHasItsLibrary()
     QCOMPARE(unproved, QStringList());
 }
 
-/// The unit's own journal tells that nothing was set.
+/** The unit's own journal tells that nothing was set. */
 void VorncheckTest::onlyReadsUnlessAllowed()
 {
     const QString journal = folder->filePath(QStringLiteral("journal"));
@@ -375,7 +375,7 @@ void VorncheckTest::virtualUnitPasses()
     QVERIFY(settings() == before);
 }
 
-/// Which has stored no image to compare with; never does it get one.
+/** Which has stored no image to compare with; never does it get one. */
 void VorncheckTest::virtualUnitVerifiesFirmware()
 {
     const QStringList tests{QStringLiteral("--only"), QStringLiteral("firmware-file"),
@@ -404,7 +404,7 @@ void VorncheckTest::brokenProfileIsNamed()
         QVERIFY2(all.contains(QLatin1String(named)), named);
 }
 
-/// Answers 18 to everything.
+/** Answers 18 to everything. */
 void VorncheckTest::tinyUnitPasses()
 {
     const QString library =
@@ -475,7 +475,7 @@ void VorncheckTest::putsBackWhenInterrupted()
 #endif
 }
 
-/// The test's process is killed then, so another one puts things back.
+/** The test's process is killed then, so another one puts things back. */
 void VorncheckTest::putsBackAfterAnEndlessCall()
 {
     const auto before = settings();
@@ -503,7 +503,7 @@ void VorncheckTest::skeletonKeepsTheContract_data()
     QTest::newRow("MinGW, C++17") << "x86_64-w64-mingw32-g++ -std=c++17 -x c++" << false;
 }
 
-/// Compiles without a warning, passes, and the program makes its report on it.
+/** Compiles without a warning, passes, and the program makes its report on it. */
 void VorncheckTest::skeletonKeepsTheContract()
 {
 #ifdef Q_OS_WIN

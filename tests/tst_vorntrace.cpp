@@ -169,7 +169,7 @@ void VorntraceTest::record_writesTheJournalsLines_data()
         QTest::newRow(profile.c_str()) << QString::fromStdString(profile);
 }
 
-/// And the report comes out of the trace as it came out of the unit.
+/** And the report comes out of the trace as it came out of the unit. */
 void VorntraceTest::record_writesTheJournalsLines()
 {
     QFETCH(QString, profile);
@@ -275,7 +275,7 @@ void VorntraceTest::record_delays()
     QVERIFY(clock.elapsed() >= 600);
 }
 
-/// The tiny unit gives all handles one address.
+/** The tiny unit gives all handles one address. */
 void VorntraceTest::record_tellsHandlesApart()
 {
     tree->replaceDeviceLibrary(tiny);

@@ -564,7 +564,7 @@ private:
     }
     Outcome run(const char *arguments) { return run(words(arguments)); }
 
-    /// Lets another process make so many pairs of calls, with its journal on.
+    /** Lets another process make so many pairs of calls, with its journal on. */
     void writeCalls(int count)
     {
         auto journalling = environment;

@@ -24,11 +24,11 @@ constexpr QPoint colourList(410, 134);
 constexpr QPoint colourButton(410, 200);
 constexpr QPoint programFront(384, 168);
 
-/// The real program on a server and a unit of its own.
+/** The real program on a server and a unit of its own. */
 class Session
 {
 public:
-    /// With a window manager on the server, that gives the keys to the program's windows.
+    /** With a window manager on the server, that gives the keys to the program's windows. */
     explicit Session(const support::XServer &xServer, bool isManaged = false)
         : server(xServer)
         , managed(isManaged)
@@ -49,7 +49,7 @@ public:
         process.waitForFinished();
     }
 
-    /// Starts and waits for the window.
+    /** Starts and waits for the window. */
     void start(const QStringList &arguments = {})
     {
         launch(arguments);
@@ -85,7 +85,7 @@ public:
             QStringLiteral("click"), QStringLiteral("1")});
     }
 
-    /// The program's window of that title, once it shows.
+    /** The program's window of that title, once it shows. */
     std::uint32_t windowNamed(const char *title) const
     {
         const QString found = server.tool({QStringLiteral("search"), QStringLiteral("--sync"),
@@ -95,7 +95,7 @@ public:
         return found.toUInt();
     }
 
-    /// Changes the unit before the program starts.
+    /** Changes the unit before the program starts. */
     void setUnit(const QString &name, const QString &value) const
     {
         vornunit({QStringLiteral("set"), name, value});
@@ -112,7 +112,7 @@ public:
     void type(const QString &text) const { server.tool({QStringLiteral("type"), text}); }
     void press(const char *key) const { server.tool({QStringLiteral("key"), QLatin1String(key)}); }
 
-    /// Holds Escape down for so long, milliseconds; the server repeats a key after some 600.
+    /** Holds Escape down for so long, milliseconds; the server repeats a key after some 600. */
     void holdEscape(int time) const
     {
         server.tool({QStringLiteral("keydown"), QStringLiteral("Escape")});
@@ -125,7 +125,7 @@ public:
     QImage picture() const { return server.picture(window); }
     QImage titleStrip() const { return picture().copy(0, 0, 600, 51); }
 
-    /// The program has ended by itself, with its exit value.
+    /** The program has ended by itself, with its exit value. */
     void verifyEnd(int exitCode)
     {
         QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished(patience));
@@ -153,7 +153,7 @@ private:
     QProcess process;
 };
 
-/// "Buzzer #1" for each handle that was created and not released.
+/** "Buzzer #1" for each handle that was created and not released. */
 QStringList openHandles(const QStringList &journal)
 {
     static const QRegularExpression created(
@@ -171,7 +171,7 @@ QStringList openHandles(const QStringList &journal)
 
 } // namespace
 
-/// The real program on a real X server, driven by the events of real keys and buttons.
+/** The real program on a real X server, driven by the events of real keys and buttons. */
 class TestXSession : public QObject
 {
     Q_OBJECT

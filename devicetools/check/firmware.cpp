@@ -7,7 +7,7 @@ namespace check {
 
 namespace {
 
-/// Follows a verification to its end. Only verifications are ever started.
+/** Follows a verification to its end. Only verifications are ever started. */
 struct Job {
     FirmwareUpgradeStatus last{};
     std::string broken; ///< what went against the contract on the way

@@ -107,7 +107,7 @@ bool comesAlone(Session &session, const Question &question, const Answer &strang
     return false;
 }
 
-/// What went wrong, in a sentence for each question; empty if nothing did.
+/** What went wrong, in a sentence for each question; empty if nothing did. */
 std::vector<std::string> disturbances(
     Session &session, const contract::Family &family, const std::vector<Question> &questions)
 {
@@ -134,7 +134,7 @@ std::vector<std::string> disturbances(
     return sentences;
 }
 
-/// A live value may leap while the threads ask, but not each time.
+/** A live value may leap while the threads ask, but not each time. */
 void checkFamily(
     Session &session, const contract::Family &family, const std::vector<Question> &questions)
 {

@@ -11,7 +11,7 @@ namespace check {
 
 namespace {
 
-/// Uses everything that changes nothing, once, and gives all handles back.
+/** Uses everything that changes nothing, once, and gives all handles back. */
 void useAll(Session &session)
 {
     if (!session.isLoaded())
@@ -27,7 +27,7 @@ void useAll(Session &session)
     session.releaseAll();
 }
 
-/// Whether what is measured is the same after the library was used.
+/** Whether what is measured is the same after the library was used. */
 template <typename Measure>
 void compareAround(Session &session, const std::string &what, Measure measure)
 {

@@ -32,7 +32,7 @@ constexpr int memoryDescriptor = 3; ///< where a test's process finds the memory
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A file without a name, gone with its last descriptor.
+/** A file without a name, gone with its last descriptor. */
 int namelessFile()
 {
     std::string name = std::filesystem::temp_directory_path().string() + "/vorncheck-XXXXXX";
@@ -64,17 +64,16 @@ SharedMemory::SharedMemory(std::size_t bytes)
     : handle(namelessFile())
     , size(bytes)
 {
-    if (::ftruncate(static_cast<int>(handle), static_cast<off_t>(size)) != 0)
+    if (::ftruncate(int(handle), static_cast<off_t>(size)) != 0)
         fail("shared memory");
-    memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, static_cast<int>(handle), 0);
+    memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, int(handle), 0);
     if (memory == MAP_FAILED)
         fail("shared memory");
 }
 
 SharedMemory::SharedMemory(const std::string &token, std::size_t bytes)
     : handle(std::stoi(token))
-    , memory(
-          ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, static_cast<int>(handle), 0))
+    , memory(::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, int(handle), 0))
     , size(bytes)
 {
     if (memory == MAP_FAILED)
@@ -84,7 +83,7 @@ SharedMemory::SharedMemory(const std::string &token, std::size_t bytes)
 SharedMemory::~SharedMemory()
 {
     ::munmap(memory, size);
-    ::close(static_cast<int>(handle));
+    ::close(int(handle));
 }
 
 std::string SharedMemory::token() const
@@ -103,7 +102,7 @@ Process::Process(const std::vector<std::string> &arguments, const SharedMemory &
 {
     d->output = namelessFile();
     // Not the descriptor that the memory gets: a duplicate onto itself would stay closed on exec.
-    const int shared = ::fcntl(static_cast<int>(memory.descriptor()), F_DUPFD_CLOEXEC, 10);
+    const int shared = ::fcntl(int(memory.descriptor()), F_DUPFD_CLOEXEC, 10);
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, d->output, STDOUT_FILENO);
@@ -174,7 +173,7 @@ std::string Process::printed() const
 {
     std::string text(300, '\0');
     const auto count = ::pread(d->output, text.data(), text.size(), 0);
-    text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    text.resize(count > 0 ? std::size_t(count) : 0);
     return text;
 }
 
@@ -223,7 +222,7 @@ Library::Function Library::function(const char *name) const
 
 GuardedMemory::GuardedMemory(std::size_t wanted)
 {
-    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const auto page = std::size_t(::sysconf(_SC_PAGESIZE));
     usable = (wanted + page - 1) / page * page;
     void *pages =
         ::mmap(nullptr, usable + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -236,7 +235,7 @@ GuardedMemory::GuardedMemory(std::size_t wanted)
 
 GuardedMemory::~GuardedMemory()
 {
-    ::munmap(memory, usable + static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)));
+    ::munmap(memory, usable + std::size_t(::sysconf(_SC_PAGESIZE)));
 }
 
 std::optional<std::string> umaskNow()
@@ -244,7 +243,7 @@ std::optional<std::string> umaskNow()
     const mode_t mask = ::umask(0);
     ::umask(mask);
     char text[16];
-    std::snprintf(text, sizeof text, "%03o", static_cast<unsigned>(mask));
+    std::snprintf(text, sizeof text, "%03o", unsigned(mask));
     return text;
 }
 
@@ -298,7 +297,7 @@ std::optional<std::size_t> privateBytesNow()
     std::size_t shared = 0;
     if (!(file >> total >> resident >> shared))
         return std::nullopt;
-    return (resident - shared) * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    return (resident - shared) * std::size_t(::sysconf(_SC_PAGESIZE));
 }
 
 } // namespace check::system

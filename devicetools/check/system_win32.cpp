@@ -16,7 +16,7 @@ namespace {
 
 [[noreturn]] void fail(const char *what)
 {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+    throw std::system_error(int(GetLastError()), std::system_category(), what);
 }
 
 std::wstring wide(const std::string &text)
@@ -34,7 +34,7 @@ SECURITY_ATTRIBUTES inheritable()
     return {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
 }
 
-/// As the runtime library of the started program takes it apart again.
+/** As the runtime library of the started program takes it apart again. */
 std::wstring quoted(const std::wstring &argument)
 {
     std::wstring text = L"\"";
@@ -51,11 +51,11 @@ std::wstring quoted(const std::wstring &argument)
 std::wstring ownProgram()
 {
     std::wstring path(32'768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    path.resize(GetModuleFileNameW(nullptr, path.data(), DWORD(path.size())));
     return path;
 }
 
-/// A file that goes with its last handle.
+/** A file that goes with its last handle. */
 HANDLE passingFile()
 {
     wchar_t folder[MAX_PATH + 1];
@@ -71,7 +71,7 @@ HANDLE passingFile()
     return file;
 }
 
-/// The exceptions that end a process; empty for an exit code of its own.
+/** The exceptions that end a process; empty for an exit code of its own. */
 std::string crashName(DWORD code)
 {
     switch (code) {
@@ -98,7 +98,7 @@ std::atomic<int> wantedEnd = 0;
 
 BOOL WINAPI noteEvent(DWORD event)
 {
-    wantedEnd = static_cast<int>(event) + 1;
+    wantedEnd = int(event) + 1;
     // A closed window or a log-off ends the process when this returns.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
         Sleep(20'000);
@@ -112,7 +112,7 @@ SharedMemory::SharedMemory(std::size_t bytes)
 {
     auto attributes = inheritable();
     const HANDLE mapping = CreateFileMappingW(
-        INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE, 0, static_cast<DWORD>(size), nullptr);
+        INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE, 0, DWORD(size), nullptr);
     if (!mapping)
         fail("shared memory");
     handle = reinterpret_cast<std::intptr_t>(mapping);
@@ -185,12 +185,12 @@ Process::~Process()
 
 std::optional<End> Process::wait(std::chrono::milliseconds time)
 {
-    if (WaitForSingleObject(d->process, static_cast<DWORD>(time.count())) != WAIT_OBJECT_0)
+    if (WaitForSingleObject(d->process, DWORD(time.count())) != WAIT_OBJECT_0)
         return std::nullopt;
     d->runs = false;
     DWORD code = 0;
     GetExitCodeProcess(d->process, &code);
-    return End{static_cast<int>(code), crashName(code)};
+    return End{int(code), crashName(code)};
 }
 
 void Process::kill()
@@ -203,7 +203,7 @@ std::string Process::printed() const
     std::string text(300, '\0');
     DWORD count = 0;
     OVERLAPPED start{};
-    if (!ReadFile(d->output, text.data(), static_cast<DWORD>(text.size()), &count, &start))
+    if (!ReadFile(d->output, text.data(), DWORD(text.size()), &count, &start))
         count = 0;
     text.resize(count);
     return text;
@@ -234,8 +234,7 @@ Library::Library(const std::string &path)
     : handle(LoadLibraryExW(wide(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
 {
     if (!handle)
-        throw std::runtime_error(
-            path + ": " + std::system_category().message(static_cast<int>(GetLastError())));
+        throw std::runtime_error(path + ": " + std::system_category().message(int(GetLastError())));
 }
 
 Library::~Library()

@@ -9,7 +9,7 @@ using contract::Role;
 
 namespace {
 
-/// Buffers of the texts: the small ones, and those that the program has.
+/** Buffers of the texts: the small ones, and those that the program has. */
 constexpr std::uint32_t textSizes[] = {1, 2, 8, 20, 21, 200, 255, 1024, roomySize};
 
 bool isText(const contract::Operation &operation)
@@ -22,7 +22,7 @@ std::size_t bufferOf(const contract::Operation &operation)
 {
     const auto found = std::find_if(operation.arguments.begin(), operation.arguments.end(),
         [](const Argument &argument) { return argument.role == Role::Buffer; });
-    return static_cast<std::size_t>(found - operation.arguments.begin());
+    return std::size_t(found - operation.arguments.begin());
 }
 
 std::vector<Question> questionsOf(Session &session, bool texts)
@@ -34,8 +34,8 @@ std::vector<Question> questionsOf(Session &session, bool texts)
     return questions;
 }
 
-/// First amid bytes that tell who changed them, which names every culprit; then before a page whose
-/// touch ends the process, which misses nothing.
+/** First amid bytes that tell who changed them, which names every culprit; then before a page whose
+ *  touch ends the process, which misses nothing. */
 void checkBounds(
     Session &session, const std::vector<Question> &questions, std::span<const std::uint32_t> sizes)
 {
@@ -47,8 +47,7 @@ void checkBounds(
                 const auto answer = session.ask(question, oneFilling, place, size);
                 if (answer.overrun < 0)
                     continue;
-                const auto &argument =
-                    question.operation->arguments[static_cast<std::size_t>(answer.overrun)];
+                const auto &argument = question.operation->arguments[std::size_t(answer.overrun)];
                 const auto width = argument.role == Role::Buffer ? size : argument.width;
                 session.fail(question.text() + " wrote beyond the " + std::to_string(width) +
                              " bytes of " + argument.name);
@@ -58,7 +57,7 @@ void checkBounds(
     }
 }
 
-/// Whether bytes of the argument that count have their filling in both answers.
+/** Whether bytes of the argument that count have their filling in both answers. */
 bool isSkipped(const Argument &argument, const std::vector<unsigned char> &one,
     const std::vector<unsigned char> &other)
 {
@@ -83,7 +82,7 @@ bool isFilled(const std::vector<unsigned char> &bytes, unsigned char filling)
         bytes.begin(), bytes.end(), [filling](unsigned char byte) { return byte == filling; });
 }
 
-/// The text in a buffer; all of it if it doesn't end.
+/** The text in a buffer; all of it if it doesn't end. */
 std::string textIn(const Answer &answer, std::size_t place)
 {
     const auto &bytes = answer.written[place];
@@ -135,7 +134,7 @@ void leavesUntouched(Session &session)
                 [filling](const auto &bytes) { return !isFilled(bytes, filling); });
             if (touched == answer.written.end())
                 continue;
-            const auto place = static_cast<std::size_t>(touched - answer.written.begin());
+            const auto place = std::size_t(touched - answer.written.begin());
             session.fail(question.text() + " answered " + std::to_string(answer.code) +
                          " and changed " + question.operation->arguments[place].name);
             break;

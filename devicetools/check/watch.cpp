@@ -24,7 +24,7 @@ constexpr auto stopLimit = seconds(8);   ///< for a test that was asked to put t
 constexpr std::string_view mark = "--test-process"; ///< the first argument of a test's process
 constexpr std::string_view loadOnly = "(load)";
 constexpr std::string_view restoreOnly = "(restore)";
-/// Exit code of a test's process without a library; 3 is what abort() leaves on Windows.
+/** Exit code of a test's process without a library; 3 is what abort() leaves on Windows. */
 constexpr int notLoaded = 113;
 
 std::string joined(const std::set<std::string, std::less<>> &words)
@@ -35,12 +35,12 @@ std::string joined(const std::set<std::string, std::less<>> &words)
     return text;
 }
 
-/// A test's process and what it tells.
+/** A test's process and what it tells. */
 struct Run {
     Run(std::string_view test, const Options &options)
         : Run(test, options, std::make_shared<system::SharedMemory>(sizeof(Channel)))
     {}
-    /// One that finds what another has left.
+    /** One that finds what another has left. */
     Run(std::string_view test, const Options &options, std::shared_ptr<system::SharedMemory> shared)
         : memory(std::move(shared))
         , channel(*static_cast<Channel *>(memory->data()))
@@ -68,7 +68,7 @@ struct Run {
     }
 };
 
-/// Lets a test put back what it changed, and ends as the interruption wants.
+/** Lets a test put back what it changed, and ends as the interruption wants. */
 [[noreturn]] void giveUp(Run &run, const Options &options, int event)
 {
     run.channel.stop = true;
@@ -96,7 +96,7 @@ void noteEnd(Run &run, const system::End &end)
                                     : "killed by " + end.crash + " " + where;
 }
 
-/// Waits for a test's end, and brings it about if a call or all of it takes too long.
+/** Waits for a test's end, and brings it about if a call or all of it takes too long. */
 void watch(Run &run, const Options &options, seconds limit)
 {
     const auto deadline = steady_clock::now() + limit;
@@ -126,7 +126,7 @@ void watch(Run &run, const Options &options, seconds limit)
     }
 }
 
-/// The worst of what a test found, and what it said of it.
+/** The worst of what a test found, and what it said of it. */
 void judge(const Channel &channel, Outcome &outcome)
 {
     constexpr std::pair<Severity, Result> order[] = {{Severity::Fail, Result::Fail},
@@ -147,7 +147,7 @@ void judge(const Channel &channel, Outcome &outcome)
         outcome.findings.push_back(std::to_string(channel.found - Channel::findingCount) + " more");
 }
 
-/// "Can_getBaudrate(2)" without what is asked.
+/** "Can_getBaudrate(2)" without what is asked. */
 std::string functionOf(const std::string &call)
 {
     return call.substr(0, call.find('('));

@@ -9,7 +9,7 @@ namespace check {
 
 namespace {
 
-/// Values that are two views of the same thing, so that setting one moves the other.
+/** Values that are two views of the same thing, so that setting one moves the other. */
 constexpr std::pair<std::string_view, std::string_view> related[] = {
     {"FrontLED_setColor", "FrontLED_setStandardColor"},
     {"FrontLED_setSignal", "FrontLED_setOnTime"},
@@ -25,7 +25,7 @@ bool areRelated(const Setting &one, const Setting &other)
     });
 }
 
-/// What is no fault: done, not supported, not available at present.
+/** What is no fault: done, not supported, not available at present. */
 bool isFair(DeviceCode code)
 {
     return code == DEVICE_OK || code == DEVICE_NOT_SUPPORTED || code == DEVICE_DATA_NOT_AVAILABLE;
@@ -46,8 +46,8 @@ bool hasNoSuspend(Session &session)
     return session.has(asked.operation->name) && session.ask(asked).code == DEVICE_NOT_SUPPORTED;
 }
 
-/// What may be set. What the automatic backlight moves is its own, and a unit without suspend need
-/// not take it for a button's action.
+/** What may be set. What the automatic backlight moves is its own, and a unit without suspend need
+ *  not take it for a button's action. */
 std::vector<Setting> settableOf(Session &session)
 {
     session.load();
@@ -76,7 +76,7 @@ std::string listed(const std::vector<double> &values)
     return text;
 }
 
-/// Calls with values one after the other, one of them changed at a time.
+/** Calls with values one after the other, one of them changed at a time. */
 template <typename Function>
 void forEachCandidate(Session &session, const Setting &setting, Function function)
 {
@@ -157,7 +157,7 @@ std::vector<std::vector<double>> readAll(Session &session, const std::vector<Set
     return all;
 }
 
-/// Calls that need no values to be given back what they switched.
+/** Calls that need no values to be given back what they switched. */
 void rememberAutomatic(Session &session, Restorer &restorer)
 {
     restorer.remember(question(
@@ -188,9 +188,9 @@ DeviceCode setString(Session &session, const char *key, const std::string &value
 
 constexpr const char *ownKey = "VornCheck";
 
-/// The key to write to: our own, or one of the program's if the library takes no others. The second
-/// case needs a value that can be put back. Empty if there is none, which is the test's finding
-/// then.
+/** The key to write to: our own, or one of the program's if the library takes no others. The second
+ *  case needs a value that can be put back. Empty if there is none, which is the test's finding
+ *  then. */
 std::string keyToWrite(Session &session, Restorer &restorer)
 {
     const char *const keys[] = {ownKey, "VornsettingsGsmPort", "VornsettingsGpsPort"};
@@ -229,7 +229,7 @@ std::string readable(const std::string &text)
     return "\"" + shown + "\" (" + std::to_string(text.size()) + " bytes)";
 }
 
-/// Of 1,023 bytes with a different place for each letter.
+/** Of 1,023 bytes with a different place for each letter. */
 std::string longText()
 {
     std::string text;

@@ -21,7 +21,7 @@ using trace::Settings;
 using virtualunit::system::pathOf;
 using virtualunit::system::textOf;
 
-/// The exit code of --strict.
+/** The exit code of --strict. */
 constexpr int notInTrace = 3;
 
 struct Options {
@@ -30,7 +30,7 @@ struct Options {
     std::vector<std::string> command;
 };
 
-/// A folder until its end.
+/** A folder until its end. */
 class TemporaryFolder
 {
 public:
@@ -60,7 +60,7 @@ void beginTrace(const std::string &file)
         throw std::runtime_error("The trace \"" + file + "\" can't be written");
 }
 
-/// Runs the program and gives what is to be said of its calls to `judge`, which returns the end.
+/** Runs the program and gives what is to be said of its calls to `judge`, which returns the end. */
 template <typename Judge>
 Ending run(Options &options, Judge judge)
 {
@@ -109,7 +109,7 @@ Ending replayTrace(Options &options)
     });
 }
 
-/// Runs the program, and ends as it did.
+/** Runs the program, and ends as it did. */
 void endAfter(Ending (*runProgram)(Options &), Options &options)
 {
     if (options.command.empty())
@@ -130,7 +130,7 @@ std::vector<std::string> operationNames()
     return names;
 }
 
-/// A check of an option that says what is wrong with it.
+/** A check of an option that says what is wrong with it. */
 template <typename Parse>
 CLI::Validator checkedBy(Parse parse, const std::string &form)
 {

@@ -21,7 +21,7 @@ namespace {
 
 using namespace reports;
 
-/// The exit codes that scripts may rely on; those of diff(1).
+/** The exit codes that scripts may rely on; those of diff(1). */
 enum ExitCode { Done = 0, Found = 1, InTrouble = 2 };
 
 void leave(ExitCode code)
@@ -53,7 +53,7 @@ void addFiles(CLI::App &command, Options &options)
         "--files-from", options.list, "A file with one name a line, - for the standard input");
 }
 
-/// Runs a command; whatever stands in its way is trouble, which is not a difference.
+/** Runs a command; whatever stands in its way is trouble, which is not a difference. */
 template <typename Command>
 void attempt(Command command)
 {
@@ -74,7 +74,7 @@ void print(std::string_view text)
         throw Trouble{"the output can't be written"};
 }
 
-/// Does the job for each of the reports that were named.
+/** Does the job for each of the reports that were named. */
 bool forEach(const Options &options, const Job &job)
 {
     Inputs inputs(options.files, options.list);

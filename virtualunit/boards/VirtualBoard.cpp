@@ -18,7 +18,7 @@ bool readValue(const char *name, std::string &value)
     return virtualunit::get(std::string("CpuBoard.") + name, value).empty();
 }
 
-/// Takes the next character off a UTF-8 text; what is no UTF-8 becomes U+FFFD, byte by byte.
+/** Takes the next character off a UTF-8 text; what is no UTF-8 becomes U+FFFD, byte by byte. */
 char32_t takeCharacter(std::string_view &text)
 {
     constexpr char32_t replacement = 0xFFFD;
@@ -85,10 +85,10 @@ bool readText(const char *name, char16_t *out, std::size_t size)
         if (text.size() + (character > 0xFFFF ? 2 : 1) >= size)
             break;
         if (character > 0xFFFF) {
-            text += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
-            text += static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+            text += char16_t(0xD800 + ((character - 0x10000) >> 10));
+            text += char16_t(0xDC00 + (character & 0x3FF));
         } else {
-            text += static_cast<char16_t>(character);
+            text += char16_t(character);
         }
     }
     text.copy(out, size - 1);
@@ -114,11 +114,11 @@ bool readDate(const char *name, BoardDate &out)
     int length = 0;
     if (!readValue(name, value) ||
         std::sscanf(value.c_str(), "%4u-%2u-%2u%n", &year, &month, &day, &length) != 3 ||
-        static_cast<std::size_t>(length) != value.size())
+        std::size_t(length) != value.size())
         return false;
-    out.year = static_cast<std::uint16_t>(year);
-    out.month = static_cast<std::uint16_t>(month);
-    out.day = static_cast<std::uint16_t>(day);
+    out.year = std::uint16_t(year);
+    out.month = std::uint16_t(month);
+    out.day = std::uint16_t(day);
     return true;
 }
 

@@ -109,7 +109,7 @@ std::string quoted(std::string_view latin1)
             text += "\\n";
         } else if (byte < 0x20 || byte == 0x7F) {
             char code[8];
-            std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned>(byte));
+            std::snprintf(code, sizeof code, "\\x%02x", unsigned(byte));
             text += code;
         } else {
             text += fromLatin1({&character, 1});

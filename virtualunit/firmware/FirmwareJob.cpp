@@ -9,10 +9,11 @@ namespace virtualunit {
 namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
-/// Text bytes that a byte of memory may take: four are usual, with very short records it is more.
+/** Text bytes that a byte of memory may take: four are usual, with very short records it is more.
+ */
 constexpr std::size_t textPerByte = 8;
 
-/// Where a stage ends, in percent of the whole job. Verifying alone passes over the flashing.
+/** Where a stage ends, in percent of the whole job. Verifying alone passes over the flashing. */
 constexpr std::uint8_t upgradeEnds[] = {2, 10, 18, 25, 80, 99};
 constexpr std::uint8_t verificationEnds[] = {4, 20, 40, 55, 55, 99};
 
@@ -55,10 +56,9 @@ FirmwareUpgradeStatus FirmwareJob::advance(
     // In quotients, so that no duration makes the product overflow.
     const auto percent = elapsed >= duration
                              ? std::int64_t{100}
-                             : static_cast<std::int64_t>(100 * (static_cast<double>(elapsed) /
-                                                                   static_cast<double>(duration)));
+                             : std::int64_t(100 * (double(elapsed) / double(duration)));
     if (percent < end) {
-        status.percent = std::max(status.percent, static_cast<std::uint8_t>(percent));
+        status.percent = std::max(status.percent, std::uint8_t(percent));
         return status;
     }
     status.percent = end;
@@ -105,8 +105,8 @@ Code FirmwareJob::readFile()
     if (size > limit)
         return FileTooLarge;
     std::ifstream stream(path, std::ios::binary);
-    text.resize(static_cast<std::size_t>(size));
-    if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))
+    text.resize(std::size_t(size));
+    if (!stream.read(text.data(), std::streamsize(text.size())))
         return FileUnreadable;
     return Ok;
 }

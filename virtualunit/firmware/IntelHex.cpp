@@ -15,30 +15,27 @@ constexpr std::uint8_t erased = 0xFF;
 constexpr std::uint64_t segmentSize = 0x10000;
 constexpr std::uint64_t addressRange = 0x100000000;
 
-/// What is wrong with one line.
+/** What is wrong with one line. */
 struct Fault {
     Code code;
     const char *reason;
 };
 
-/// Data bytes that follow each other without a gap.
+/** Data bytes that follow each other without a gap. */
 struct Run {
     std::uint32_t address;
     std::uint32_t offset; ///< of the first byte in the reader's data
     std::uint32_t size;
 };
 
-/// One line, decoded: length, address, type and data; the checksum is done with.
+/** One line, decoded: length, address, type and data; the checksum is done with. */
 struct Record {
     std::array<std::uint8_t, 255 + 5> raw;
     std::size_t dataSize() const { return raw[0]; }
     std::uint32_t address() const { return word(1); }
     std::uint8_t type() const { return raw[3]; }
     const std::uint8_t *data() const { return &raw[4]; }
-    std::uint32_t word(std::size_t at) const
-    {
-        return static_cast<std::uint32_t>(raw[at] << 8 | raw[at + 1]);
-    }
+    std::uint32_t word(std::size_t at) const { return std::uint32_t(raw[at] << 8 | raw[at + 1]); }
 };
 
 int hexDigit(char digit)
@@ -66,7 +63,7 @@ std::optional<Fault> decode(std::string_view line, Record &record)
         const int low = hexDigit(line[2 * i + 1]);
         if (high < 0 || low < 0)
             return Fault{FileMalformed, "a character that is no hexadecimal digit"};
-        record.raw[i] = static_cast<std::uint8_t>(high << 4 | low);
+        record.raw[i] = std::uint8_t(high << 4 | low);
         sum += record.raw[i];
     }
     if (record.dataSize() + 5 != count)
@@ -99,11 +96,11 @@ public:
             break;
         case 2:
             linear = false;
-            base = static_cast<std::uint64_t>(record.word(4)) << 4;
+            base = std::uint64_t(record.word(4)) << 4;
             break;
         case 4:
             linear = true;
-            base = static_cast<std::uint64_t>(record.word(4)) << 16;
+            base = std::uint64_t(record.word(4)) << 16;
             break;
         default: // where the controller starts to run is of no interest to its memory
             break;
@@ -113,7 +110,7 @@ public:
 
     bool hasEnded() const { return ended; }
 
-    /// The runs as one block; fails when two of them overlap or they don't fit in the memory.
+    /** The runs as one block; fails when two of them overlap or they don't fit in the memory. */
     std::optional<Fault> assemble(FirmwareImage &image)
     {
         if (runs.empty())
@@ -128,21 +125,17 @@ public:
         if (size > memorySize)
             return Fault{FileTooLarge, "more than the controller's memory takes"};
         image.address = runs.front().address;
-        image.bytes.assign(static_cast<std::size_t>(size), erased);
+        image.bytes.assign(std::size_t(size), erased);
         for (const auto &run : runs) {
-            const auto from = std::next(data.begin(), static_cast<std::ptrdiff_t>(run.offset));
+            const auto from = std::next(data.begin(), std::ptrdiff_t(run.offset));
             std::copy_n(from, run.size,
-                std::next(
-                    image.bytes.begin(), static_cast<std::ptrdiff_t>(run.address - image.address)));
+                std::next(image.bytes.begin(), std::ptrdiff_t(run.address - image.address)));
         }
         return std::nullopt;
     }
 
 private:
-    static std::uint64_t end(const Run &run)
-    {
-        return static_cast<std::uint64_t>(run.address) + run.size;
-    }
+    static std::uint64_t end(const Run &run) { return std::uint64_t(run.address) + run.size; }
 
     std::optional<Fault> takeData(const Record &record)
     {
@@ -154,12 +147,11 @@ private:
             return Fault{FileMalformed, "data beyond the end of its segment"};
         if (data.size() + record.dataSize() > memorySize)
             return Fault{FileTooLarge, "more than the controller's memory takes"};
-        const auto size = static_cast<std::uint32_t>(record.dataSize());
+        const auto size = std::uint32_t(record.dataSize());
         if (!runs.empty() && end(runs.back()) == address)
             runs.back().size += size;
         else
-            runs.push_back({static_cast<std::uint32_t>(address),
-                static_cast<std::uint32_t>(data.size()), size});
+            runs.push_back({std::uint32_t(address), std::uint32_t(data.size()), size});
         data.insert(data.end(), record.data(), std::next(record.data(), record.raw[0]));
         return std::nullopt;
     }
@@ -172,7 +164,7 @@ private:
     std::vector<std::uint8_t> data;
 };
 
-/// Takes the next line, without its end, off the text.
+/** Takes the next line, without its end, off the text. */
 std::string_view takeLine(std::string_view &text)
 {
     const auto length = text.find('\n');

@@ -38,8 +38,7 @@ struct Place {
 Place placeOnTheRound(const GpsSurroundings &surroundings, std::int64_t seconds)
 {
     const double metresASecond = surroundings.speed / 3.6;
-    const double angle =
-        std::fmod(static_cast<double>(seconds) * metresASecond / radius, 2 * std::numbers::pi);
+    const double angle = std::fmod(double(seconds) * metresASecond / radius, 2 * std::numbers::pi);
     const double shrink = std::max(0.01, std::cos(surroundings.latitude * std::numbers::pi / 180));
     const double north = radius * std::cos(angle) / metresInADegree;
     const double east = radius * std::sin(angle) / metresInADegree / shrink;
@@ -91,10 +90,10 @@ std::string GpsReceiver::second(const GpsSurroundings &surroundings, std::int64_
     const auto today = std::chrono::floor<std::chrono::days>(utc);
     const std::chrono::hh_mm_ss hour(utc - today);
     const std::chrono::year_month_day day(today);
-    const auto clock = formatted("%02d%02d%02d.000", static_cast<int>(hour.hours().count()),
-        static_cast<int>(hour.minutes().count()), static_cast<int>(hour.seconds().count()));
-    const auto date = formatted("%02u%02u%02d", static_cast<unsigned>(day.day()),
-        static_cast<unsigned>(day.month()), static_cast<int>(day.year()) % 100);
+    const auto clock = formatted("%02d%02d%02d.000", int(hour.hours().count()),
+        int(hour.minutes().count()), int(hour.seconds().count()));
+    const auto date = formatted(
+        "%02u%02u%02d", unsigned(day.day()), unsigned(day.month()), int(day.year()) % 100);
 
     const auto place = placeOnTheRound(surroundings, driven++);
     if (!surroundings.antenna) {

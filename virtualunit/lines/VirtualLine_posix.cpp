@@ -42,7 +42,7 @@ std::string garbled(std::string_view bytes)
 {
     std::string garbage;
     for (const char byte : bytes)
-        garbage += static_cast<char>((static_cast<unsigned char>(byte) * 0x2FU + 0x51U) | 0x80U);
+        garbage += char((static_cast<unsigned char>(byte) * 0x2FU + 0x51U) | 0x80U);
     return garbage;
 }
 
@@ -157,7 +157,7 @@ std::string VirtualLine::receive()
         const auto got = ::read(handle, piece.data(), piece.size());
         if (got <= 0)
             return rightSpeed() ? bytes : garbled(bytes);
-        bytes.append(piece.data(), static_cast<std::size_t>(got));
+        bytes.append(piece.data(), std::size_t(got));
     }
 }
 
@@ -175,8 +175,8 @@ void VirtualLine::transmit(double seconds)
         return;
     }
     allowance += seconds * baud / bitsOfACharacter;
-    const auto count = std::min(queue.size(), static_cast<std::size_t>(allowance));
-    allowance -= static_cast<double>(count);
+    const auto count = std::min(queue.size(), std::size_t(allowance));
+    allowance -= double(count);
     const auto now = queue.substr(0, count);
     queue.erase(0, count);
     const auto onTheWire = rightSpeed() ? now : garbled(now);

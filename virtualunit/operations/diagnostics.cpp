@@ -33,8 +33,8 @@ DeviceCode Diagnostics_getPMTemp(
         constexpr Key firstKind = "Diagnostics.pmKind0";
         // A module with more sensors than anybody wants to set one by one repeats the last.
         const std::size_t row = std::min<std::size_t>(index, 7);
-        *celsius = static_cast<int16_t>(unit.number(firstTemperature + row));
-        *kind = static_cast<int32_t>(unit.number(firstKind + row));
+        *celsius = int16_t(unit.number(firstTemperature + row));
+        *kind = int32_t(unit.number(firstKind + row));
         return Ok;
     });
 }
@@ -60,7 +60,7 @@ DeviceCode Diagnostics_getTimers(DiagnosticsHandle handle, DiagnosticTimes *time
         const Code code = unit.missing("Diagnostics.totalRunTime");
         if (code != Ok)
             return code;
-        const auto minutes = [&](Key key) { return static_cast<uint32_t>(unit.number(key)); };
+        const auto minutes = [&](Key key) { return uint32_t(unit.number(key)); };
         times->totalRunTime = minutes("Diagnostics.totalRunTime");
         times->totalSuspendTime = minutes("Diagnostics.totalSuspendTime");
         times->totalHeatTime = minutes("Diagnostics.totalHeatTime");

@@ -15,7 +15,7 @@ using std::chrono::steady_clock;
 constexpr milliseconds patience{100}; ///< how long a question with the flag waits for news
 constexpr milliseconds interval{5};   ///< how often it looks
 
-/// Where the unit keeps what a controller holds.
+/** Where the unit keeps what a controller holds. */
 struct Place {
     const char *image;
     Key version;
@@ -34,18 +34,18 @@ Place placeOf(Controller controller)
     return {"front", "Versions.front"};
 }
 
-/// An image as it is stored: its address, high byte first, and its bytes.
+/** An image as it is stored: its address, high byte first, and its bytes. */
 std::string stored(const FirmwareImage &image)
 {
     std::string bytes;
     bytes.reserve(4 + image.bytes.size());
     for (int shift = 24; shift >= 0; shift -= 8)
-        bytes += static_cast<char>(image.address >> shift & 0xFF);
+        bytes += char(image.address >> shift & 0xFF);
     return bytes.append(image.bytes.begin(), image.bytes.end());
 }
 
-/// The version that an image makes of its controller: always the same one, and hardly ever that of
-/// another image.
+/** The version that an image makes of its controller: always the same one, and hardly ever that of
+ *  another image. */
 std::string versionOf(const FirmwareImage &image)
 {
     const auto digest = image.digest();
@@ -89,7 +89,7 @@ private:
     Unit &unit;
 };
 
-/// What is kept with a handle.
+/** What is kept with a handle. */
 struct Run {
     FirmwareJob job;
     FirmwareUpgradeStatus lastTold{};
@@ -99,7 +99,7 @@ struct Run {
     FirmwareUpgradeStatus advance(Unit &unit)
     {
         UnitMemory memory(unit);
-        const auto duration = static_cast<std::int64_t>(unit.number("Firmware.duration"));
+        const auto duration = std::int64_t(unit.number("Firmware.duration"));
         return job.advance(unit.now() + waited, duration, memory);
     }
 

@@ -8,7 +8,7 @@ constexpr Key firstSetting = "Touch.rightClickTime";
 
 Key setting(int32_t number)
 {
-    return firstSetting + static_cast<std::size_t>(number);
+    return firstSetting + std::size_t(number);
 }
 
 bool isMouse(int32_t mode)
@@ -75,7 +75,7 @@ DeviceCode Touch_getAdvancedSetting(TouchHandle handle, int32_t number, uint16_t
             return code;
         if (number < 0 || number >= TOUCH_RESTORE_DEFAULTS)
             return NoSuchChannel;
-        *value = static_cast<uint16_t>(unit.number(setting(number)));
+        *value = uint16_t(unit.number(setting(number)));
         return Ok;
     });
 }

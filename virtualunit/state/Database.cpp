@@ -87,8 +87,8 @@ Statement::Statement(sqlite3 *database, std::string_view sql)
     : owner(database)
 {
     sqlite3_stmt *prepared = nullptr;
-    const int result = sqlite3_prepare_v3(database, sql.data(), static_cast<int>(sql.size()),
-        SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+    const int result = sqlite3_prepare_v3(
+        database, sql.data(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
     handle.reset(prepared);
     if (result != SQLITE_OK)
         throw Database::failure(database, result);
@@ -168,7 +168,7 @@ double Statement::real(int column) const
 std::string Statement::text(int column) const
 {
     const void *bytes = sqlite3_column_blob(handle.get(), column);
-    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(handle.get(), column));
+    const auto size = std::size_t(sqlite3_column_bytes(handle.get(), column));
     return bytes ? std::string(static_cast<const char *>(bytes), size) : std::string();
 }
 

@@ -18,16 +18,16 @@ constexpr double day = 24 * 60 * minute;
 /** Evenly spread over -1 to 1, the same for the same arguments. */
 double noise(std::uint64_t seed, std::int64_t step)
 {
-    std::uint64_t x = seed * 0x9E3779B97F4A7C15U + static_cast<std::uint64_t>(step);
+    std::uint64_t x = seed * 0x9E3779B97F4A7C15U + std::uint64_t(step);
     x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9U;
     x = (x ^ (x >> 27)) * 0x94D049BB133111EBU;
     x ^= x >> 31;
-    return static_cast<double>(x >> 11) * 0x1p-52 - 1;
+    return double(x >> 11) * 0x1p-52 - 1;
 }
 
 double elapsed(const Cell &cell, std::int64_t now)
 {
-    return static_cast<double>(std::max<std::int64_t>(0, now - cell.since));
+    return double(std::max<std::int64_t>(0, now - cell.since));
 }
 
 bool on(const Snapshot &unit, Key key)
@@ -52,8 +52,7 @@ double ownHeat(const Snapshot &unit, Key key)
         return 17;
     if (key.index == Key("Battery.temperature").index)
         return 3;
-    const auto kind =
-        static_cast<std::size_t>(unit[firstKind + (key.index - firstSensor.index)].number);
+    const auto kind = std::size_t(unit[firstKind + (key.index - firstSensor.index)].number);
     return kind < std::size(byKind) ? byKind[kind] : byKind[7];
 }
 
@@ -70,7 +69,7 @@ double loadHeat(const Snapshot &unit)
         heat += 4 * unit["Backlight.intensity"].number / 255;
     if (on(unit, "Power.canPowerStatus"))
         heat += 0.5;
-    heat += 0.8 * std::popcount(static_cast<unsigned>(unit["Power.videoPowerStatus"].number));
+    heat += 0.8 * std::popcount(unsigned(unit["Power.videoPowerStatus"].number));
     if (on(unit, "Feature.externalFan") && on(unit, "Power.extFanPowerStatus"))
         heat -= 5;
     if (heats(unit))
@@ -103,8 +102,8 @@ double temperatureAt(const Snapshot &unit, Key key, std::int64_t now)
 
 double temperatureWithNoise(const Snapshot &unit, Key key, std::int64_t now)
 {
-    const double cycle = std::fmod(static_cast<double>(now), 97 * second) / (97 * second);
-    const double phase = cycle + static_cast<double>(key.index) / 7;
+    const double cycle = std::fmod(double(now), 97 * second) / (97 * second);
+    const double phase = cycle + double(key.index) / 7;
     return temperatureAt(unit, key, now) +
            temperatureNoise * std::sin(2 * std::numbers::pi * phase);
 }
@@ -275,7 +274,7 @@ double sampleAt(const Snapshot &unit, std::int64_t sample, int samplingMode)
     constexpr Key light = "LightSensor.illuminance";
     if (unit[light].pinned)
         return unit[light].number;
-    const auto time = static_cast<double>(sample * samplePeriod);
+    const auto time = double(sample * samplePeriod);
     const double hour = std::fmod(time, day) / day * 24;
     const double height = std::max(0.0, std::sin(std::numbers::pi * (hour - 6) / 12));
     const double clouds =
@@ -292,7 +291,7 @@ double targetIntensity(const Snapshot &unit, std::int64_t now)
 {
     const LightFilter filter{unit["Backlight.averageWindowSize"].number,
         unit["Backlight.rejectWindowSize"].number, unit["Backlight.rejectDeltaLux"].number,
-        static_cast<int>(unit["Backlight.samplingMode"].number)};
+        int(unit["Backlight.samplingMode"].number)};
     const double lux = filteredLight(unit, filter, now);
     const double half = 300 / unit["Backlight.kValue"].number;
     return 20 + 235 * (lux > 0 ? lux / (lux + half) : 0);
@@ -317,7 +316,7 @@ double illuminance(const Snapshot &unit, std::int64_t now)
     }
     const LightFilter filter{unit["LightSensor.averageWindowSize"].number,
         unit["LightSensor.rejectWindowSize"].number, unit["LightSensor.rejectDeltaLux"].number,
-        static_cast<int>(unit["LightSensor.samplingMode"].number)};
+        int(unit["LightSensor.samplingMode"].number)};
     return filteredLight(unit, filter, now);
 }
 
@@ -392,7 +391,7 @@ double filteredLight(const Snapshot &unit, const LightFilter &filter, std::int64
     if (unit[light].pinned)
         return unit[light].number;
     const auto window = [](double samples) {
-        return static_cast<std::int64_t>(std::clamp(samples, 0.0, double(longestWindow)));
+        return std::int64_t(std::clamp(samples, 0.0, double(longestWindow)));
     };
     const auto average = std::max<std::int64_t>(1, window(filter.averageWindow));
     const auto reject = window(filter.rejectWindow);
@@ -413,15 +412,14 @@ double filteredLight(const Snapshot &unit, const LightFilter &filter, std::int64
     int taken = 0;
     for (std::int64_t i = 0; i < average; ++i) {
         all += samples[i];
-        if (reject == 0 ||
-            std::abs(samples[i] - before / static_cast<double>(reject)) <= filter.rejectDelta) {
+        if (reject == 0 || std::abs(samples[i] - before / double(reject)) <= filter.rejectDelta) {
             sum += samples[i];
             ++taken;
         }
         if (reject > 0 && i + 1 < average)
             before += samples[i + 1 + reject] - samples[i + 1];
     }
-    return taken > 0 ? sum / taken : all / static_cast<double>(average);
+    return taken > 0 ? sum / taken : all / double(average);
 }
 
 } // namespace virtualunit::life

@@ -26,7 +26,7 @@ public:
     void append(std::string_view text) override
     {
         DWORD written = 0;
-        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+        WriteFile(handle, text.data(), DWORD(text.size()), &written, nullptr);
     }
 
 private:
@@ -70,7 +70,7 @@ std::unique_ptr<AppendedFile> AppendedFile::open(
         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
         FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
-        const std::error_code error(static_cast<int>(GetLastError()), std::system_category());
+        const std::error_code error(int(GetLastError()), std::system_category());
         reason = error.message();
         return nullptr;
     }

@@ -41,8 +41,8 @@ std::string settable(const Datum &datum)
         for (const char byte : *text) {
             const auto code = static_cast<unsigned char>(byte);
             if (code >= 0x80)
-                utf8 += static_cast<char>(0xC0U | code >> 6U);
-            utf8 += static_cast<char>(code < 0x80 ? code : 0x80U | (code & 0x3FU));
+                utf8 += char(0xC0U | code >> 6U);
+            utf8 += char(code < 0x80 ? code : 0x80U | (code & 0x3FU));
         }
         return utf8;
     }

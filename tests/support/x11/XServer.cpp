@@ -92,8 +92,7 @@ QString XServer::tool(const QStringList &arguments) const
 
 std::uint32_t XServer::atom(const char *text) const
 {
-    const auto cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(text)), text);
+    const auto cookie = xcb_intern_atom(connection, 0, std::uint16_t(std::strlen(text)), text);
     const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
