@@ -633,6 +633,24 @@ private slots:
         dialogs.take();
     }
 
+    /** A second look at everything, which a new style sheet brings, finds nothing left to do. */
+    void pagesShowTheirWholeLook()
+    {
+        VornSettings window;
+        window.show();
+        QVector<QImage> pictures;
+        for (int index = 0; index < 16; ++index) {
+            window.showTab(index);
+            pictures << window.grab().toImage();
+        }
+        window.setStyleSheet(window.styleSheet() + QLatin1Char('\n'));
+        for (int index = 0; index < 16; ++index) {
+            window.showTab(index);
+            QVERIFY2(window.grab().toImage() == pictures[index], QByteArray::number(index).constData());
+        }
+        dialogs.take();
+    }
+
     void dimmedEntryLeadsNowhere()
     {
         setUnit(QStringLiteral("Hardware.hasDisplay"), QStringLiteral("0"));

@@ -24,6 +24,7 @@
 #include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace {
@@ -79,13 +80,15 @@ VornSettings::VornSettings(QWidget *parent, Qt::WindowFlags flags)
 }
 
 // Every new widget asks to be polished once the event loop runs, but those of hidden pages needn't
-// be: whatever shows is polished then. Spin boxes alone are, since they took their look for that of
-// their base class while they were constructed, and would place their numbers by it in a hidden
-// page.
+// be: whatever shows is polished then. But spin boxes and the scroll bars of texts took the look of
+// their base class while they were constructed. The former would place their numbers by it in a
+// hidden page; the latter count as polished.
 void VornSettings::leavePolishToShowing()
 {
     for (const auto *box : findChildren<QAbstractSpinBox *>())
         box->ensurePolished();
+    for (auto *bar : findChildren<QScrollBar *>())
+        bar->style()->polish(bar);
     QCoreApplication::removePostedEvents(nullptr, QEvent::PolishRequest);
 }
 
