@@ -18,6 +18,8 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace {
@@ -55,6 +57,15 @@ bool findLine(const char *name, Path &path)
     return length > 0 && std::size_t(length) < path.size();
 }
 
+/** A pseudo-terminal stays exclusive until its other end closes too, however its holder ended. */
+bool isPseudoTerminal(int handle)
+{
+    struct stat status {
+    };
+    return ::fstat(handle, &status) == 0 && major(status.st_rdev) >= 136 &&
+           major(status.st_rdev) <= 143;
+}
+
 /** Makes that open line this caller's alone. The lock is for our own kind, and goes with its
  * holder; the exclusiveness is for everybody, but lets the super user pass, who has to ask for it.
  */
@@ -64,7 +75,7 @@ bool holdAlone(int handle)
     // What is no serial line knows nothing of these requests.
     return ::flock(handle, LOCK_EX | LOCK_NB) == 0 &&
            ::ioctl(handle, TIOCGEXCL, &heldByAnother) == 0 && heldByAnother == 0 &&
-           ::ioctl(handle, TIOCEXCL) == 0;
+           (isPseudoTerminal(handle) || ::ioctl(handle, TIOCEXCL) == 0);
 }
 
 /** The descriptor of that serial line for this caller alone, or -1. */

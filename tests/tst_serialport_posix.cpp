@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QScopedValueRollback>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -19,6 +20,7 @@
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -117,6 +119,18 @@ int systemIoctl(int handle, unsigned long request, void *argument) __asm__("__re
 int testIoctl(int handle, unsigned long request, void *argument) __asm__("__wrap_ioctl");
 int systemDrain(int handle) __asm__("__real_tcdrain");
 int testDrain(int handle) __asm__("__wrap_tcdrain");
+int systemStat(int handle, struct stat *status) __asm__("__real_fstat");
+int testStat(int handle, struct stat *status) __asm__("__wrap_fstat");
+}
+
+bool linesAreUarts = false; ///< whether terminals pass for what has wires
+
+int testStat(int handle, struct stat *status)
+{
+    const int result = systemStat(handle, status);
+    if (result == 0 && linesAreUarts)
+        status->st_rdev = makedev(4, 64);
+    return result;
 }
 
 int testPoll(pollfd *waitedFor, nfds_t count, int wait)
@@ -243,6 +257,7 @@ private slots:
 
     void onlyOneHolder()
     {
+        const QScopedValueRollback<bool> uarts(linesAreUarts, true);
         const PseudoTerminal line;
         const QByteArray path = line.path();
         // One that went without closing would leave the pseudo-terminal exclusive.
@@ -260,6 +275,16 @@ private slots:
         port.reset();
         QCOMPARE(errorOfPlainOpen(path), 0);
         QCOMPARE(inOtherProcess(openThere), 1);
+    }
+
+    /** It could not close the line, and the other end is still open. */
+    void lineOfOneThatWasKilled()
+    {
+        const PseudoTerminal line;
+        const QByteArray path = line.path();
+        QCOMPARE(inOtherProcess([&path] { return serialOpen(path.constData()) ? 1 : 0; }), 1);
+        QVERIFY(opened(line));
+        QCOMPARE(errorOfPlainOpen(path), 0);
     }
 
     void exclusivenessOfAnotherProgram()
