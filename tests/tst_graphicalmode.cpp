@@ -5,6 +5,7 @@
 #include "tests/support/unit.h"
 
 #include <QApplication>
+#include <QMessageBox>
 #include <QTimer>
 #include <QWindow>
 
@@ -15,6 +16,7 @@ using namespace support;
 namespace {
 
 std::function<void(VornSettings *)> visit; ///< called once the event loop runs
+bool closeFirstBox = false;                ///< one that opens while the pages are built
 QStringList releasedBeforeApplication; ///< lines of the journal when the application object goes
 
 QStringList journal()
@@ -39,7 +41,14 @@ VornSettings *onlyWindow()
 void whenApplicationStarts()
 {
     qAddPostRoutine([] { releasedBeforeApplication = journal(); });
-    QTimer::singleShot(0, qApp, [] { visit(onlyWindow()); });
+    QTimer::singleShot(0, qApp, [] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            closeFirstBox = false;
+            QTimer::singleShot(0, qApp, [] { visit(onlyWindow()); });
+            return box->accept();
+        }
+        visit(onlyWindow());
+    });
 }
 Q_COREAPP_STARTUP_FUNCTION(whenApplicationStarts)
 
@@ -100,6 +109,26 @@ private slots:
         });
         QVERIFY(seen);
         QCOMPARE(result, 0);
+    }
+
+    /** A box makes the window system know the window that its page is in. */
+    void windowBehindABox()
+    {
+        QVERIFY(virtualunit::setFault("Power_getCanPowerStatus", 5, 1).empty());
+        bool seen = false;
+        closeFirstBox = true;
+        run([&seen](VornSettings *window) {
+            seen = window != nullptr;
+            if (!seen)
+                return QCoreApplication::quit();
+            const auto flags = window->windowFlags();
+            const auto handleFlags = window->windowHandle()->flags();
+            window->close();
+            QVERIFY(flags & Qt::CustomizeWindowHint);
+            QCOMPARE(handleFlags, flags);
+        });
+        QVERIFY(seen);
+        QVERIFY(!closeFirstBox);
     }
 
     void givesTheLoopsResult()

@@ -51,11 +51,16 @@ int runGraphicalMode(int &argc, char **argv)
     QApplication application(argc, argv);
     setApplicationLook();
     VornSettings window(nullptr, Qt::WindowFlags());
-    // No window system knows the window yet, so its flags can just be put down; setWindowFlags()
-    // would work the style sheet out for all widgets once more, half of the whole start.
-    window.overrideWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                               Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
-                               Qt::MSWindowsFixedSizeDialogHint);
+    const Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                  Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+                                  Qt::MSWindowsFixedSizeDialogHint;
+    // As long as no window system knows the window, its flags can just be put down;
+    // setWindowFlags() would work the style sheet out for all widgets once more, half of the whole
+    // start. A box that came while the pages were built has made the window known.
+    if (window.windowHandle())
+        window.setWindowFlags(flags);
+    else
+        window.overrideWindowFlags(flags);
     window.show();
     return application.exec();
 }
