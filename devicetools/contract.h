@@ -58,6 +58,15 @@ union Value {
     void *pointer;
 };
 
+/** A text that an operation is given. It is only read. */
+inline Value textValue(const char *text)
+{
+    Value value{};
+    value.pointer =
+        const_cast<char *>(text); // NOLINT(cppcoreguidelines-pro-type-const-cast): see above
+    return value;
+}
+
 /** Any function of a library, as its loader finds it. */
 using Function = void (*)();
 

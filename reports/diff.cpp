@@ -213,7 +213,7 @@ std::vector<Pair> compare(
             others.erase(found);
     }
     for (const auto &[key, entry] : order) {
-        if (!others.count(key))
+        if (!others.contains(key))
             continue;
         // Behind the last of its group.
         const auto last = std::find_if(pairs.rbegin(), pairs.rend(),
@@ -259,6 +259,8 @@ bool printDiff(
         any = any || pair.changed;
         if (!pair.changed && !options.all)
             continue;
+        std::string here;
+        appendUtf8(here, placeName(pair.either()));
         std::string old = entryText(before, pair.before);
         const std::string now = entryText(after, pair.after);
         if (pair.changed && old == now)
@@ -267,8 +269,6 @@ bool printDiff(
             printObject(out, pair, old, now);
             continue;
         }
-        std::string here;
-        appendUtf8(here, placeName(pair.either()));
         if (here != place)
             out << here << '\n';
         place = here;

@@ -204,7 +204,7 @@ private:
 
     bool takeHeading(std::string_view line)
     {
-        for (const Heading &heading : headings()) {
+        for (const Heading &heading : headings()) { // NOLINT(readability-use-anyofallof): it acts
             // Sections that were saved one by one have no banners, only their headings.
             if (heading.line != line || (banners && heading.section != section))
                 continue;

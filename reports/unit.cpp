@@ -252,7 +252,7 @@ private:
             return setOptional(property, localSeconds(entry.text));
         if (item.section == boardSection)
             return setBoard(property, entry.text);
-        if (!item.words.empty() && !entry.number.size())
+        if (!item.words.empty() && entry.number.empty())
             return setWord(item, entry.text);
         if (entry.number.empty()) {
             const bool isText = item.shape == Shape::Text || item.group == "Battery";

@@ -54,7 +54,8 @@ private slots:
         QStringList gone;
         const auto start = [&](int milliseconds, const QString &called) {
             auto *thread = new SlowThread(milliseconds);
-            connect(thread, &QObject::destroyed, [&gone, called] { gone << called; });
+            connect(
+                thread, &QObject::destroyed, this, [names = &gone, called] { *names << called; });
             endWithApplication(thread, [&stops] {
                 ++stops;
                 told = true;

@@ -209,13 +209,15 @@ QJsonObject VorncheckTest::check(const QStringList &arguments, int exitCode)
 QStringList VorncheckTest::findings(const QJsonObject &report)
 {
     QStringList found;
-    for (const auto &value : report[QLatin1String("tests")].toArray()) {
+    const auto tests = report[QLatin1String("tests")].toArray();
+    for (const auto &value : tests) {
         const auto test = value.toObject();
         const auto result = test[QLatin1String("result")].toString();
         if (result == QLatin1String("pass") || result == QLatin1String("skip"))
             continue;
         QStringList sentences;
-        for (const auto &sentence : test[QLatin1String("findings")].toArray())
+        const auto told = test[QLatin1String("findings")].toArray();
+        for (const auto &sentence : told)
             sentences << sentence.toString();
         found << result + QLatin1Char(' ') + test[QLatin1String("name")].toString() +
                      QStringLiteral(": ") + sentences.join(QStringLiteral("; "));

@@ -180,7 +180,8 @@ void VornreportTest::writesJson()
     QCOMPARE(one["generated"_s].toString(), "2011-03-04T05:06:07"_s);
     QCOMPARE(one["complete"_s].toBool(), true);
     QStringList lines;
-    for (const auto &value : one["entries"_s].toArray())
+    const auto entries = one["entries"_s].toArray();
+    for (const auto &value : entries)
         lines << QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact));
     QCOMPARE(lines.first(),
         R"({"error":null,"group":"","name":"Vornsettings","section":"SW Versions","text":"v2.7.2.0","unit":null,"value":null})"_s);
@@ -303,7 +304,8 @@ void VornreportTest::marksText()
     write("one.txt"_s, text);
     const auto object = json({"one.txt"_s}).constFirst();
     bool found = false;
-    for (const auto &value : object["entries"_s].toArray())
+    const auto entries = object["entries"_s].toArray();
+    for (const auto &value : entries)
         found = found || value.toObject()["text"_s].toString() == "\"},\1\x7f\302\200"_s;
     QVERIFY(found);
 }

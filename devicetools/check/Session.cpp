@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace check {
 
@@ -127,8 +128,8 @@ Arena::Arena()
         piece = std::make_unique<system::GuardedMemory>(roomySize + 2 * guardSize);
 }
 
-Session::Session(Channel &watched, const Options &given)
-    : options(given)
+Session::Session(Channel &watched, Options given)
+    : options(std::move(given))
     , channel(watched)
 {}
 
@@ -386,8 +387,8 @@ std::vector<Question> readingQuestions(Session &session)
         } else {
             for (const char *key : settingKeys) {
                 auto asked = question(operation.name);
-                asked.given[std::size_t(given - operation.arguments.begin())].pointer =
-                    const_cast<char *>(key);
+                asked.given[std::size_t(given - operation.arguments.begin())] =
+                    contract::textValue(key);
                 questions.push_back(asked);
             }
         }

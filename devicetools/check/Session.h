@@ -78,7 +78,7 @@ private:
 class Session
 {
 public:
-    Session(Channel &watched, const Options &given);
+    Session(Channel &watched, Options given);
 
     const Options options;
     Channel &channel;

@@ -18,7 +18,7 @@ Job verify(Session &session, const char *operation, const std::string &path)
 {
     Job job;
     auto start = question(operation, {0});
-    start.given[1].pointer = const_cast<char *>(path.c_str());
+    start.given[1] = contract::textValue(path.c_str());
     job.started = session.ask(start).code;
     if (job.started != DEVICE_OK)
         return job;

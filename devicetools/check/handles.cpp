@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <thread>
 
 namespace check {
@@ -42,8 +43,8 @@ void askAlone(Session &session, const Question &question, Alone &alone)
 bool isAmong(
     double value, const Alone &alone, const contract::Operation &operation, std::size_t place)
 {
-    double low = INFINITY;
-    double high = -INFINITY;
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
     for (const auto &answer : alone.answers) {
         if (answer.code != DEVICE_OK)
             continue;
@@ -163,6 +164,7 @@ void handlesStandAlone(Session &session)
         void *const second = session.create(family);
         const auto own = questionsOf(questions, family);
         std::vector<DeviceCode> before;
+        before.reserve(own.size());
         for (const auto &question : own)
             before.push_back(session.ask(question, second).code);
         session.release(family, first);

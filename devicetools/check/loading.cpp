@@ -49,7 +49,7 @@ void allFunctionsAreThere(Session &session)
     std::vector<std::string> missing;
     const auto look = [&](const char *name) {
         if (!session.exports(name))
-            missing.push_back(name);
+            missing.emplace_back(name);
     };
     for (const auto &text : contract::texts)
         look(text.name);

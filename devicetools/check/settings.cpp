@@ -1,10 +1,10 @@
 #include "devicetools/check/settings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <regex>
 #include <stdexcept>
 
 namespace check {
@@ -50,12 +50,19 @@ const Operation *getterOf(const Operation &setter)
  *  "of which the program sets 0.2 to 30", says nothing of what lies beyond. */
 std::vector<Ends> rangesIn(const std::string &comment)
 {
-    static const std::regex form(
-        "(program sets )?(-?[0-9]+(?:\\.[0-9]+)?) to (-?[0-9]+(?:\\.[0-9]+)?)");
+    constexpr std::string_view between = " to ";
     std::vector<Ends> ranges;
-    for (std::sregex_iterator found(comment.begin(), comment.end(), form), end; found != end;
-         ++found)
-        ranges.push_back({std::stod((*found)[2]), std::stod((*found)[3]), !(*found)[1].matched});
+    for (auto at = comment.find(between); at != comment.npos; at = comment.find(between, at + 1)) {
+        const auto words = std::string_view(comment).substr(0, at);
+        const auto start = words.find_last_not_of("-.0123456789") + 1; // 0 if there is no other
+        const char *const high = comment.data() + at + between.size();
+        Ends ends{};
+        if (std::from_chars(words.data() + start, words.data() + at, ends.low).ec != std::errc() ||
+            std::from_chars(high, comment.data() + comment.size(), ends.high).ec != std::errc())
+            continue;
+        ends.isStrict = !words.substr(0, start).ends_with("program sets ");
+        ranges.push_back(ends);
+    }
     return ranges;
 }
 

@@ -120,6 +120,7 @@ Process::Process(const std::vector<std::string> &arguments, const SharedMemory &
     std::vector<std::string> words{"vorncheck"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char *> pointers;
+    pointers.reserve(words.size() + 1);
     for (auto &word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

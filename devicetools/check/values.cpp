@@ -191,9 +191,10 @@ void textsBeginAlike(Session &session)
                 continue;
             const auto text = textIn(answer, place).substr(0, size - 1);
             if (!text.starts_with(shorter)) {
-                session.fail(question.text() + " gave \"" + text + "\" for " +
-                             std::to_string(size) + " bytes, which doesn't begin with \"" +
-                             shorter + "\" of a smaller buffer");
+                auto told = question.text();
+                told.append(" gave \"").append(text).append("\" for ").append(std::to_string(size));
+                told.append(" bytes, which doesn't begin with \"").append(shorter);
+                session.fail(told.append("\" of a smaller buffer"));
                 break;
             }
             shorter = text;

@@ -197,9 +197,7 @@ Outcome Watch::run(const Test &test)
         run = std::make_unique<Run>(test.name, own);
         watch(*run, own, limit);
     }
-    if (!run->failure.empty() && run->culprit.empty())
-        outcome.findings.push_back(run->failure);
-    else if (!run->failure.empty() && test.name != answersTest)
+    if (!run->failure.empty() && (run->culprit.empty() || test.name != answersTest))
         outcome.findings.push_back(run->failure);
     for (std::int32_t i = 0; i < run->channel.slowFound; ++i)
         slow.insert(run->channel.slow[i]);

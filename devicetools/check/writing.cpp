@@ -152,6 +152,7 @@ void checkRange(Session &session, const Setting &setting, const std::vector<doub
 std::vector<std::vector<double>> readAll(Session &session, const std::vector<Setting> &settings)
 {
     std::vector<std::vector<double>> all;
+    all.reserve(settings.size());
     for (const auto &setting : settings)
         all.push_back(read(session, setting).value_or(std::vector<double>{}));
     return all;
@@ -166,9 +167,9 @@ void rememberAutomatic(Session &session, Restorer &restorer)
 
 Question withTexts(Question asked, const char *key, const char *value = nullptr)
 {
-    asked.given[1].pointer = const_cast<char *>(key);
+    asked.given[1] = contract::textValue(key);
     if (value)
-        asked.given[2].pointer = const_cast<char *>(value);
+        asked.given[2] = contract::textValue(value);
     return asked;
 }
 

@@ -193,7 +193,7 @@ private:
         if (kind == Number::Real)
             data.emplace_back(number<double>("a number"));
         else if (kind != Number::Bool && kind != Number::Flag)
-            data.emplace_back(integer(kind, width));
+            data.emplace_back(integer(kind, width)); // NOLINT(bugprone-branch-clone): words first
         else if (take("true"))
             data.emplace_back(std::int64_t{1});
         else if (take("false"))

@@ -35,7 +35,7 @@ path programFile(const std::string &name)
     folders += ':';
     for (std::size_t start = 0; start < folders.size();) {
         const auto end = folders.find(':', start);
-        const auto file = path(folders.substr(start, end - start)) / name;
+        auto file = path(folders.substr(start, end - start)) / name;
         if (::access(file.c_str(), X_OK) == 0)
             return file;
         start = end + 1;
@@ -61,7 +61,8 @@ std::string loaderOf(const path &program)
         std::string name(part.p_filesz, '\0');
         stream.seekg(static_cast<std::streamoff>(part.p_offset));
         stream.read(name.data(), std::streamsize(name.size()));
-        return stream ? name.c_str() : std::string();
+        name.resize(std::strlen(name.c_str()));
+        return stream ? name : std::string();
     }
     return {};
 }
@@ -145,8 +146,11 @@ sigset_t sentSignals()
     const std::vector<std::string> &command, const sigset_t &signals, int errors)
 {
     std::vector<char *> arguments;
-    for (const auto &argument : command)
+    arguments.reserve(command.size() + 1);
+    for (const auto &argument : command) {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): execv() leaves them as they are
         arguments.push_back(const_cast<char *>(argument.c_str()));
+    }
     arguments.push_back(nullptr);
     ::sigprocmask(SIG_SETMASK, &signals, nullptr);
     ::signal(SIGXFSZ, SIG_DFL); // what this process ignores for itself

@@ -4,9 +4,9 @@
 #include <cstdint>
 
 /**
- * What any bytes must do to the code that reads what comes from outside. Each ends the process by a
- * word on the standard error stream where something is wrong. The fuzzer calls them with bytes of its own
- * making, the test with those that it has saved.
+ * What any bytes must do to the code that reads what comes from outside. Each ends the process by
+ * a word on the standard error stream where something is wrong. The fuzzer calls them with bytes of
+ * its own making, the test with those that it has saved.
  */
 
 /** Bytes of a GPS receiver, taken in chunks as the GPS thread takes them. */

@@ -28,7 +28,7 @@ using trace::Datum;
 
 /** Our own library's functions, in the order of contract::operations. */
 #define CONTRACT_OPERATION(family, name, parameters, arguments, each, comment) \
-    reinterpret_cast<contract::Function>(&name),
+    reinterpret_cast<contract::Function>(&(name)),
 const contract::Function functions[] = {
 #include "devicetools/contractList.h"
 };
@@ -111,8 +111,8 @@ private:
     {
         contract::Value value{};
         if (const auto *text = std::get_if<std::string>(&datum))
-            value.pointer = const_cast<char *>(text->c_str());
-        else if (const auto *real = std::get_if<double>(&datum))
+            return contract::textValue(text->c_str());
+        if (const auto *real = std::get_if<double>(&datum))
             value.real = *real;
         else if (const auto *integer = std::get_if<std::int64_t>(&datum))
             value.integer = *integer;

@@ -14,6 +14,7 @@ Value valueOf(T argument)
 {
     Value value{};
     if constexpr (std::is_pointer_v<T>)
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): goes on to the library as it came
         value.pointer = const_cast<void *>(static_cast<const volatile void *>(argument));
     else if constexpr (std::is_floating_point_v<T>)
         value.real = argument;
