@@ -88,7 +88,7 @@ bool readFailure(Entry &entry, std::string_view text)
 
 void setNumber(Entry &entry, std::string_view number)
 {
-    if (!isNumber(number))
+    if (!numberOf(number))
         return;
     entry.number = number;
     entry.unit = entry.item->unit;
@@ -149,6 +149,26 @@ std::optional<double> numberOf(std::string_view text)
     if (!isNumber(text) || std::from_chars(text.data(), end, number).ec != std::errc())
         return {};
     return number;
+}
+
+std::vector<unsigned> versionNumbers(std::string_view text)
+{
+    if (text.starts_with('v'))
+        text.remove_prefix(1);
+    std::vector<unsigned> numbers;
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    while (numbers.size() < 4) {
+        const auto [next, error] = std::from_chars(at, end, numbers.emplace_back());
+        if (error != std::errc())
+            return {};
+        if (next == end)
+            return numbers;
+        if (*next != '.')
+            return {};
+        at = next + 1;
+    }
+    return {};
 }
 
 std::string minutesText(std::uint32_t minutes)

@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace reports {
 
@@ -46,6 +48,9 @@ inline constexpr std::int32_t notAvailable = 18;
 
 /** The number if the text is one as JSON writes numbers, with nothing around it. */
 std::optional<double> numberOf(std::string_view text);
+
+/** The numbers of "v1.2.3.4" or "1.2.3", at most four; none of other texts. */
+std::vector<unsigned> versionNumbers(std::string_view text);
 
 /** Minutes as the report writes them: "1500 min (1 days, 1h, 0min)". */
 std::string minutesText(std::uint32_t minutes);

@@ -1,11 +1,13 @@
 #include "reports/unit.h"
 
 #include "reports/exchange.h"
+#include "virtualunit/state/propertyTable.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <map>
@@ -74,14 +76,33 @@ constexpr std::string_view sensorNames[] = {"JIDA CPU temp", "JIDA box temp",
     "JIDA environment temp", "JIDA board temp", "JIDA backplane temp", "JIDA chipsets temp",
     "JIDA video temp", "JIDA other temp", "JIDA unknown temp"};
 
-/** Ranges of values that a report may tell, but a unit not hold. */
-struct Range {
-    std::string_view property; ///< its beginning
-    double low;
-    double high;
-};
-constexpr Range ranges[] = {{"Adc.", 0, 60}, {"Backlight.kValue", 0, 100},
-    {"FrontLED.frequency", 0.1, 1000}, {"Config.startupVoltage", -1000, 1000}};
+/** Whether a unit can hold it. One value that it can't would have the whole profile refused. */
+bool canHold(std::string_view name, const Json &value)
+{
+    using virtualunit::Kind;
+    const std::size_t index = virtualunit::findProperty(name);
+    if (index == virtualunit::propertyCount)
+        return false;
+    const auto &property = virtualunit::properties[index];
+    if (property.isText() != value.is_string())
+        return false;
+    if (property.isText()) {
+        const auto &text = value.get_ref<const std::string &>();
+        const auto starts = [](char byte) {
+            return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+        };
+        if (property.kind == Kind::Text)
+            return text.find('\0') == std::string::npos &&
+                   double(std::count_if(text.begin(), text.end(), starts)) <= property.reports.high;
+        const auto numbers = versionNumbers(text);
+        return numbers.size() == 4 && !text.starts_with('v') &&
+               *std::max_element(numbers.begin(), numbers.end()) <= property.reports.high;
+    }
+    if (value.is_boolean())
+        return property.kind == Kind::Flag;
+    return (value.is_number_integer() || property.kind == Kind::Real) &&
+           virtualunit::within(property.reports, value.get<double>());
+}
 
 bool startsWith(std::string_view text, const char *start)
 {
@@ -161,7 +182,7 @@ public:
         Json json{{"description", "the unit of the report " + name}, {"values", values}};
         if (!faults.empty())
             json["faults"] = faults;
-        return {json.dump(4, ' ', false, Json::error_handler_t::replace) + "\n", untold};
+        return {json.dump(4, ' ', false, Json::error_handler_t::replace) + "\n", untold()};
     }
 
 private:
@@ -215,19 +236,29 @@ private:
                }));
     }
 
-    void miss(const Item &item) { untold.emplace_back(item.property); }
+    /** All values of a unit but those that are set, and equipment that shows by what it does. */
+    std::vector<std::string> untold() const
+    {
+        std::vector<std::string> names;
+        for (const auto &property : virtualunit::properties) {
+            std::string name(property.name);
+            if (!values.contains(name) && !shown.contains(name))
+                names.push_back(std::move(name));
+        }
+        return names;
+    }
 
     void addValue(const Item &item)
     {
         const Entry *const entry = report.find(item.section, item.group, item.name);
-        const bool told = entry && !entry->failed;
-        if (!told || !setValue(item, *entry))
-            miss(item);
+        if (entry && !entry->failed)
+            setValue(item, *entry);
     }
 
     void set(std::string_view property, Json value)
     {
-        values[std::string(property)] = std::move(value);
+        if (canHold(property, value))
+            values[std::string(property)] = std::move(value);
     }
 
     static std::string utf8(std::string_view latin1)
@@ -237,60 +268,60 @@ private:
         return text;
     }
 
-    bool setValue(const Item &item, const Entry &entry)
+    void setValue(const Item &item, const Entry &entry)
     {
         const std::string_view property = item.property;
-        if (item.section == softwareSection || property == "Battery.swVersion") {
+        if (item.section == softwareSection || property == "Battery.swVersion")
             set(property, utf8(entry.text.substr(entry.text.starts_with('v') ? 1 : 0)));
-            return true;
-        }
-        if (property == "Diagnostics.startupReason")
-            return setOptional(property, wordValue(startupReasons, entry.text));
-        if (property == "Diagnostics.hwErrorStatus")
-            return setOptional(property, faultBits(entry.text));
-        if (item.name == initialTime)
-            return setOptional(property, localSeconds(entry.text));
-        if (item.section == boardSection)
-            return setBoard(property, entry.text);
-        if (!item.words.empty() && entry.number.empty())
-            return setWord(item, entry.text);
-        if (entry.number.empty()) {
-            const bool isText = item.shape == Shape::Text || item.group == "Battery";
-            if (isText)
-                set(property, utf8(entry.text));
-            return isText;
-        }
-        return setNumber(property, entry.number);
+        else if (property == "Diagnostics.startupReason")
+            setOptional(property, wordValue(startupReasons, entry.text));
+        else if (property == "Diagnostics.hwErrorStatus")
+            setOptional(property, faultBits(entry.text));
+        else if (item.name == initialTime)
+            setOptional(property, localSeconds(entry.text));
+        else if (item.section == boardSection)
+            setBoard(property, entry.text);
+        else if (!item.words.empty() && entry.number.empty())
+            setWord(item, entry.text);
+        else if (!entry.number.empty())
+            setNumber(property, entry.number);
+        else if (item.shape == Shape::Text || item.group == "Battery")
+            setText(property, entry.text);
     }
 
     template <typename T>
-    bool setOptional(std::string_view property, std::optional<T> value)
+    void setOptional(std::string_view property, std::optional<T> value)
     {
         if (value)
             set(property, *value);
-        return value.has_value();
     }
 
-    bool setNumber(std::string_view property, std::string_view text)
+    void setText(std::string_view property, std::string_view text)
     {
-        double number = numberOf(text).value_or(0);
+        const std::size_t index = virtualunit::findProperty(property);
+        if (index < virtualunit::propertyCount && virtualunit::properties[index].isText())
+            set(property, utf8(text));
+    }
+
+    void setNumber(std::string_view property, std::string_view text)
+    {
+        const auto told = numberOf(text);
+        if (!told)
+            return;
+        double number = *told;
         // The report takes this one for a signed number.
         if (property == "Config.extOnOffSigTrigTime" && number < 0)
             number += 4294967296.0;
-        for (const Range &range : ranges) {
-            if (property.starts_with(range.property) && (number < range.low || number > range.high))
-                return false;
-        }
+        constexpr double exact = 9e15; // beyond it not every whole number is one of these
         if (property == "Backlight.softTransitions" || property == "Buzzer.trigger")
             set(property, number != 0);
-        else if (number == double(std::int64_t(number)))
+        else if (std::abs(number) < exact && number == std::trunc(number))
             set(property, std::int64_t(number));
         else
             set(property, number);
-        return true;
     }
 
-    bool setWord(const Item &item, std::string_view text)
+    void setWord(const Item &item, std::string_view text)
     {
         const auto value = wordValue(item.words, text);
         if (value && item.property.starts_with("Hardware.has"))
@@ -299,31 +330,28 @@ private:
             set(item.property, *value);
         else if (text == "Undefined value")
             set(item.property, 99); // any that has no word
-        return value || text == "Undefined value";
     }
 
-    bool setBoard(std::string_view property, std::string_view text)
+    void setBoard(std::string_view property, std::string_view text)
     {
         const std::string value(text);
         int year = 0;
         int month = 0;
         int day = 0;
         if (property == "CpuBoard.manufacturingDate") {
-            if (std::sscanf(value.c_str(), "%d.%d.%d", &year, &month, &day) != 3)
-                return false;
+            if (std::sscanf(value.c_str(), "%4d.%2d.%2d", &year, &month, &day) != 3)
+                return;
             std::array<char, 48> date{};
             std::snprintf(date.data(), date.size(), "%04d-%02d-%02d", year, month, day);
             set(property, date.data());
         } else if (property == "CpuBoard.productRevision") {
-            if (value.size() != 3)
-                return false;
-            set(property, utf8(value.substr(0, 1) + value.substr(2)));
+            if (value.size() == 3)
+                set(property, utf8(value.substr(0, 1) + value.substr(2)));
         } else if (property.ends_with("Revision")) {
-            return setNumber(property, text);
+            setNumber(property, text);
         } else {
             set(property, utf8(text));
         }
-        return true;
     }
 
     void addSensors()
@@ -342,8 +370,6 @@ private:
         }
         if (endsBehind(historySection))
             set("Diagnostics.pmSensorCount", std::min(count, 64));
-        else
-            untold.emplace_back("Diagnostics.pmSensorCount");
     }
 
     /** One operation for all rails: what one of them lacks is the unit's, what all lack is a fault.
@@ -357,8 +383,8 @@ private:
             const Entry *const entry = report.find(item.section, item.group, item.name);
             const int channel = std::stoi(std::string(item.property.substr(11)));
             anyOfNewer = anyOfNewer || (entry && channel > 16);
-            if (!entry || entry->failed || !setValue(item, *entry))
-                miss(item);
+            if (entry && !entry->failed)
+                setValue(item, *entry);
         }
         if (observed["Adc_getVoltage"].works)
             set("Feature.moreRails", anyOfNewer);
@@ -382,6 +408,7 @@ private:
         if (!report.find(settingsSection, "Battery", "Power source"))
             return;
         set("Battery.available", true);
+        shown.insert("Feature.battery");
         const auto tells = [&](const char *name) {
             return report.find(settingsSection, "Battery", name) != nullptr;
         };
@@ -428,7 +455,9 @@ private:
                 works = works || seen.works || seen.code == noSuchChannel;
                 lacking = lacking || seen.code == notSupported;
             }
-            if (lacking && !works)
+            if (works)
+                shown.emplace(need.equipment);
+            else if (lacking)
                 setMissing(need.equipment);
         }
         addChannels();
@@ -485,7 +514,9 @@ private:
         const bool second = !number.empty();
         const bool all = lacks(serial) && lacks(lifetime) && time.told && !time.works &&
                          time.code == notSupported;
-        if (all && !(second && (serial.anyFailure || lifetime.anyFailure)))
+        if (serial.works || lifetime.works || time.works)
+            shown.insert(feature);
+        else if (all && !(second && (serial.anyFailure || lifetime.anyFailure)))
             set(feature, false);
     }
 
@@ -515,7 +546,7 @@ private:
     std::map<std::string, Observed> observed; ///< by operation
     Json values = Json::object();
     Json faults = Json::object();
-    std::vector<std::string> untold;
+    std::set<std::string> shown; ///< equipment that is there as on a fresh unit
 };
 
 } // namespace

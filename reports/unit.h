@@ -7,8 +7,8 @@ namespace reports {
 /** A virtual unit made from a report. */
 struct UnitProfile {
     std::string json;                ///< a profile as vornunit takes it, UTF-8
-    std::vector<std::string> untold; ///< values that a report has but this one didn't tell, or
-                                     ///< not in a way that a unit could hold
+    std::vector<std::string> untold; ///< a unit's values that the report doesn't tell, or not in a
+                                     ///< way that a unit could hold; in the order of its table
 };
 
 /**

@@ -290,6 +290,7 @@ void ReportReaderTest::rails_data()
     QTest::newRow("plain") << QByteArray("12.1 V") << QByteArray("12.1");
     QTest::newRow("negative") << QByteArray("-0.5 V") << QByteArray("-0.5");
     QTest::newRow("exponent") << QByteArray("1.23457e+06 V") << QByteArray("1.23457e+06");
+    QTest::newRow("beyond") << QByteArray("1e999 V") << QByteArray();
     QTest::newRow("infinite") << QByteArray("inf V") << QByteArray();
     QTest::newRow("no number") << QByteArray("nan V") << QByteArray();
     QTest::newRow("no unit") << QByteArray("12.1") << QByteArray();

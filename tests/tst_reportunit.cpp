@@ -54,6 +54,8 @@ private slots:
     void everyProfile();
     void randomUnits();
     void untoldValues();
+    void impossibleValues_data();
+    void impossibleValues();
     void tellsTrouble();
 
 private:
@@ -62,6 +64,7 @@ private:
     QString randomValue(QRandomGenerator &random, const virtualunit::Value &value);
     void pin();
     QString write(const QByteArray &report) const;
+    static QByteArray tool(const QStringList &arguments);
 
     std::optional<BiosData> bios;
     std::unique_ptr<QTemporaryDir> folder;
@@ -89,6 +92,16 @@ QString ReportUnitTest::write(const QByteArray &report) const
     if (!file.open(QIODevice::WriteOnly) || file.write(report) != report.size())
         qFatal("%s", qPrintable(file.errorString()));
     return file.fileName();
+}
+
+/** What vornreport prints. */
+QByteArray ReportUnitTest::tool(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), arguments);
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        qFatal("vornreport: %s", process.readAllStandardError().constData());
+    return process.readAllStandardOutput();
 }
 
 /** Living values would move between two reports. */
@@ -231,37 +244,102 @@ void ReportUnitTest::untoldValues()
     fault("Buzzer_getVolume"_s, 14);
     setUnit("Battery.chargingStatus"_s, "0"_s);
     const QString name = write(generateSystemReport().toLatin1());
-    QProcess tool;
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, "--untold"_s, name});
-    QVERIFY(tool.waitForFinished());
-    QCOMPARE(tool.exitCode(), 0);
-    QByteArrayList untold = tool.readAllStandardOutput().split('\n');
+    const QByteArrayList untold = tool({"unit"_s, "--untold"_s, name}).split('\n');
     for (const char *value : {"Buzzer.volume", "Battery.hwErrorStatus", "Battery.serialNumber"})
         QVERIFY2(untold.contains(value), value);
     QVERIFY(!untold.contains("Buzzer.frequency"));
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, name});
-    QVERIFY(tool.waitForFinished());
-    const auto profile = QJsonDocument::fromJson(tool.readAllStandardOutput()).object();
+    for (const char *value : {"LightSensor.illuminance", "Gsm.pin", "Can.baudrate5", "DigIO.digIO"})
+        QVERIFY2(untold.contains(value), value);
+    QVERIFY(!untold.contains("Feature.storage"));
+    std::vector<virtualunit::Value> values;
+    QCOMPARE(virtualunit::list(values), std::string());
+    for (const QByteArray &value : untold) {
+        const auto isThis = [&](const auto &known) { return known.name == value.toStdString(); };
+        QVERIFY2(value.isEmpty() || std::any_of(values.begin(), values.end(), isThis),
+            value.constData());
+    }
+    const auto profile = QJsonDocument::fromJson(tool({"unit"_s, name})).object();
     QCOMPARE(profile["faults"_s].toObject(), (QJsonObject{{"Buzzer_getVolume"_s, 14}}));
     QVERIFY(!profile["values"_s].toObject().contains("Buzzer.volume"_s));
+    for (const QString &value : profile["values"_s].toObject().keys())
+        QVERIFY2(!untold.contains(value.toLatin1()), qPrintable(value));
     QCOMPARE(profile["values"_s].toObject()["Buzzer.frequency"_s].toInt(), 2400);
+}
+
+void ReportUnitTest::impossibleValues_data()
+{
+    QTest::addColumn<QByteArray>("label"); // the line's beginning
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QByteArray>("untold");
+    const auto row = [](const char *label, const QByteArray &value, const char *untold) {
+        QTest::addRow("%s%s", label, value.left(20).constData())
+            << QByteArray(label) << value << QByteArray(untold);
+    };
+    row("FPGA: ", "unknown", "Versions.fpga");
+    row("FPGA: ", "v1.2.3", "Versions.fpga");
+    row("FPGA: ", "v1.2.3.300", "Versions.fpga");
+    row("FPGA: ", "vv1.2.3.4", "Versions.fpga");
+    row("FPGA: ", "v1.2.3.4.5", "Versions.fpga");
+    row("FPGA: ", "v1..3.4", "Versions.fpga");
+    row("Battery SW version: ", "70000.1.1.1", "Battery.swVersion");
+    row("Number of power cycles: ", "99999999 ", "Diagnostics.powerCycles");
+    row("Number of power cycles: ", "1e999 ", "Diagnostics.powerCycles");
+    row("Number of power cycles: ", "1e300 ", "Diagnostics.powerCycles");
+    row("Number of CAN connections: ", "1e30", "");
+    row("CAN1 Baud rate: ", "12345.5", "Can.baudrate1");
+    row("Estimated remaining lifetime: ", "300 %", "Smart.remainingLifetime");
+    row("JIDA CPU temp: ", "99999 \260C", "Diagnostics.pmTemp0");
+    row("FrontBtnTrigTime: ", "-5", "Config.frontBtnTrigTime");
+    row("HeatingTempLimit: ", "-40000", "Config.heatingTempLimit");
+    row("ExtOnOffSigTrigTime: ", "-5000000000", "Config.extOnOffSigTrigTime");
+    row("Device was initially timestamped on: ", "Fri Nov 4 05:06:07 99999", "Smart.initialTime");
+    row("Voltage 12V: ", "1e9 V", "Adc.voltage2");
+    row("Unit serial number: ", QByteArray("a\0b ", 4), "Hardware.unitSerialNumber");
+    row("Unit serial number: ", QByteArray(200, '\344') + " ", "Hardware.unitSerialNumber");
+    row("Unit serial number: ", "a\1\x1b\x7f\x80 ", "");
+}
+
+/** What a unit can't hold is untold, and doesn't cost all that it can. */
+void ReportUnitTest::impossibleValues()
+{
+    QFETCH(QByteArray, label);
+    QFETCH(QByteArray, value);
+    QFETCH(QByteArray, untold);
+    setUnit("Battery.chargingStatus"_s, "1"_s);
+    setUnit("Buzzer.frequency"_s, "1234"_s);
+    QByteArray report = generateSystemReport().toLatin1();
+    const auto start = report.indexOf('\n' + label) + 1 + label.size();
+    QVERIFY(start > label.size());
+    report.replace(start, report.indexOf('\n', start) - start, value);
+    const QString name = write(report);
+    const QByteArray made = tool({"unit"_s, name});
+    QFile profile(folder->filePath("unit.json"_s));
+    QVERIFY(profile.open(QIODevice::WriteOnly));
+    profile.write(made);
+    profile.close();
+    QCOMPARE(virtualunit::loadProfile(profile.fileName().toStdString()), std::string());
+    QCOMPARE(unit("Buzzer.frequency"_s), "1234"_s);
+    const QByteArrayList missing = tool({"unit"_s, "--untold"_s, name}).split('\n');
+    QVERIFY(untold.isEmpty() || missing.contains(untold));
+    QVERIFY(untold.isEmpty() || !made.contains('"' + untold + '"'));
 }
 
 void ReportUnitTest::tellsTrouble()
 {
-    QProcess tool;
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, folder->filePath("none"_s)});
-    QVERIFY(tool.waitForFinished());
-    QCOMPARE(tool.exitCode(), 2);
-    QVERIFY(tool.readAllStandardError().contains("there is no such file"));
+    QProcess process;
+    process.start(
+        QStringLiteral(VORN_BIN_DIR "/vornreport"), {"unit"_s, folder->filePath("none"_s)});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 2);
+    QVERIFY(process.readAllStandardError().contains("there is no such file"));
     const QByteArray report = generateSystemReport().toLatin1();
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vornreport"),
+    process.start(QStringLiteral(VORN_BIN_DIR "/vornreport"),
         {"unit"_s, write(report.left(report.indexOf("Voltage 5V: ")))});
-    QVERIFY(tool.waitForFinished());
-    QCOMPARE(tool.exitCode(), 0);
-    QVERIFY(tool.readAllStandardError().contains("is not complete"));
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(process.readAllStandardError().contains("is not complete"));
     // What was cut off is not absent.
-    QVERIFY(!tool.readAllStandardOutput().contains("faults"));
+    QVERIFY(!process.readAllStandardOutput().contains("faults"));
 }
 
 VORN_TEST_MAIN(ReportUnitTest)
