@@ -44,6 +44,15 @@ void dropCarriageReturns(std::string &bytes)
     bytes.resize(size);
 }
 
+/** A file, or something that has the name of one and will be told of when it is opened. */
+bool mayBeReport(const fs::directory_entry &entry)
+{
+    std::error_code error;
+    const auto type = entry.status(error).type();
+    return type == fs::file_type::regular || type == fs::file_type::not_found ||
+           type == fs::file_type::none;
+}
+
 } // namespace
 
 Inputs::Inputs(std::vector<std::string> names, const std::string &list)
@@ -51,6 +60,7 @@ Inputs::Inputs(std::vector<std::string> names, const std::string &list)
 {
     if (list == "-") {
         listed = &std::cin;
+        standardInput = true;
     } else if (!list.empty()) {
         std::error_code error;
         listFile.open(pathOf(list), std::ios::binary);
@@ -82,7 +92,7 @@ bool Inputs::next(Input &input)
     input = {};
     while (true) {
         if (!inFolder.empty()) {
-            input.name = std::move(inFolder.front());
+            input = std::move(inFolder.front());
             inFolder.pop_front();
             return true;
         }
@@ -90,30 +100,37 @@ bool Inputs::next(Input &input)
             input.trouble = std::exchange(listTrouble, {});
             return !input.trouble.empty();
         }
+        if (input.name == "-" && std::exchange(standardInput, true))
+            input.trouble = "-: the standard input is read already";
         std::error_code error;
         if (input.name == "-" || !fs::is_directory(pathOf(input.name), error))
             return true;
-        try {
-            list(input.name);
-        } catch (const fs::filesystem_error &failure) {
-            const std::string folder = textOf(failure.path1());
-            input.trouble = (folder.empty() ? input.name : folder) +
-                            ": can't be listed: " + failure.code().message();
-            return true;
-        }
+        list(input.name);
     }
 }
 
 void Inputs::list(const std::string &folder)
 {
-    std::vector<std::string> names;
-    for (const auto &entry : fs::recursive_directory_iterator(pathOf(folder))) {
+    std::vector<Input> found;
+    std::vector<fs::path> folders{pathOf(folder)};
+    while (!folders.empty()) {
+        const fs::path here = std::move(folders.back());
+        folders.pop_back();
         std::error_code error;
-        if (isReportName(entry.path()) && entry.is_regular_file(error))
-            names.push_back(textOf(entry.path()));
+        for (fs::directory_iterator entry(here, error), end; !error && entry != end;
+             entry.increment(error)) {
+            std::error_code unknown;
+            if (entry->symlink_status(unknown).type() == fs::file_type::directory)
+                folders.push_back(entry->path());
+            else if (isReportName(entry->path()) && mayBeReport(*entry))
+                found.push_back({textOf(entry->path()), {}});
+        }
+        if (error)
+            found.push_back({textOf(here), textOf(here) + ": can't be listed: " + error.message()});
     }
-    std::sort(names.begin(), names.end());
-    inFolder.assign(std::make_move_iterator(names.begin()), std::make_move_iterator(names.end()));
+    std::sort(found.begin(), found.end(),
+        [](const Input &one, const Input &other) { return one.name < other.name; });
+    inFolder.assign(std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
 }
 
 Content::Content(const Input &input)
@@ -130,7 +147,7 @@ Content::Content(const Input &input)
     std::error_code error;
     const auto status = fs::status(path, error);
     file.pubsetbuf(nullptr, 0); // it is read in large pieces
-    if (!fs::exists(status))
+    if (status.type() == fs::file_type::not_found)
         throw Trouble{input.name + ": there is no such file"};
     if (!file.open(path, std::ios::in | std::ios::binary))
         throw Trouble{input.name + ": can't be opened"};

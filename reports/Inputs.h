@@ -22,7 +22,8 @@ struct Input {
 /**
  * The reports that a command line names, one after the other: files, "-", all .txt files in and
  * below folders by name, and what a list names line by line. Of a folder the names are held at
- * once, of a list one line. One thread at a time.
+ * once, of a list one line. Links to folders below a folder are not followed. The standard input
+ * can be read once, as a report or as the list. One thread at a time.
  */
 class Inputs
 {
@@ -37,10 +38,11 @@ private:
     void list(const std::string &folder);
 
     std::deque<std::string> given;
-    std::deque<std::string> inFolder;
+    std::deque<Input> inFolder;
     std::ifstream listFile;
     std::istream *listed = nullptr;
     std::string listTrouble;
+    bool standardInput = false; ///< is read already
 };
 
 /** The bytes of a report, which can be read more than once. What is large stays where it is; the

@@ -83,7 +83,7 @@ struct Axis {
         low = std::floor(least->value / step) * step;
         high = std::ceil(most->value / step) * step;
         if (high <= low)
-            high = low + step;
+            high = std::nextafter(low + step, HUGE_VAL);
     }
 
     double y(double value) const { return bottom - (value - low) / (high - low) * (bottom - top); }
@@ -98,7 +98,10 @@ void appendText(std::string &svg, double x, double y, const char *anchor, std::s
 
 void appendAxes(std::string &svg, const Axis &axis)
 {
-    for (double value = axis.low; value < axis.high + axis.step / 2; value += axis.step) {
+    // Counted, since a step may be too small to move a large value.
+    const double steps = std::min(20.0, std::round((axis.high - axis.low) / axis.step));
+    for (int i = 0; i <= int(steps); ++i) {
+        const double value = axis.low + i * axis.step;
         const std::string y = place(axis.y(value));
         svg += "<path class=\"grid\" d=\"M" + place(left) + " " + y + "H" + place(right) + "\"/>";
         // Steps are round numbers, but their sums are not.

@@ -3,12 +3,15 @@
 #include "reports/chart.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace reports {
 
 extern const char *const pageStyle;
 
 namespace {
+
+constexpr double largestDrawn = 1e12; ///< no unit has such values, and axes lose their steps beyond
 
 /** The reports of one unit, the oldest first. */
 struct Unit {
@@ -334,7 +337,7 @@ private:
         for (const Report *report : unit.reports) {
             const Entry *const same = report->find(entry.section, entry.group, entry.name);
             const auto value = same ? numberOf(same->number) : std::nullopt;
-            if (value && !report->facts().generated.empty())
+            if (value && std::abs(*value) <= largestDrawn && !report->facts().generated.empty())
                 series.points.push_back({secondsOf(report->facts().generated), *value});
         }
         return series;

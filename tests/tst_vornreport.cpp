@@ -76,6 +76,8 @@ private slots:
     void takesRules();
     void refusesRules_data();
     void refusesRules();
+    void drawsAnyNumbers();
+    void readsTheStandardInputOnce();
 
 private:
     Outcome run(const QStringList &arguments, const QByteArray &input = {}) const;
@@ -493,6 +495,43 @@ void VornreportTest::refusesRules()
     QCOMPARE(outcome.exitCode, 2);
     QVERIFY2(outcome.err.startsWith("vornreport: rules.json: ") && outcome.err.contains(words),
         outcome.err.constData());
+}
+
+/** Numbers that no unit has, and between which an axis has no steps. */
+void VornreportTest::drawsAnyNumbers()
+{
+    QByteArray first = report;
+    first.replace("power cycles: 1289 ", "power cycles: 4611686018427387904 ");
+    first.replace("Minimum temp: -19 ", "Minimum temp: 1e308 ");
+    first.replace("Maximum temp: 82 ", "Maximum temp: 999999999999.99988 ");
+    write("a.txt"_s, first);
+    first.replace("4611686018427387904", "4611686018427388928");
+    first.replace("1e308", "-1e308");
+    first.replace("999999999999.99988", "999999999999.99976");
+    write("b.txt"_s, first);
+    write("c.txt"_s, report);
+    for (const char *name : {"a.txt", "c.txt"}) {
+        const Outcome outcome = run({"html"_s, "a.txt"_s, "b.txt"_s, QString::fromLatin1(name)});
+        QCOMPARE(outcome.exitCode, 0);
+        for (const char *wrong : {"nan ", "nan\"", "inf ", "inf\""})
+            QVERIFY2(!outcome.out.contains(wrong), wrong);
+        QVERIFY(outcome.out.size() < 1'000'000);
+    }
+}
+
+void VornreportTest::readsTheStandardInputOnce()
+{
+    const QByteArray words = "vornreport: -: the standard input is read already\n";
+    const Outcome twice = run({"json"_s, "-"_s, "-"_s}, report);
+    QCOMPARE(twice.exitCode, 2);
+    QCOMPARE(twice.err, words);
+    QCOMPARE(twice.out.count('\n'), 1);
+    write("a.txt"_s, report);
+    const Outcome list = run({"json"_s, "-"_s, "--files-from"_s, "-"_s}, "a.txt\n");
+    QCOMPARE(list.exitCode, 2);
+    QCOMPARE(list.err, words);
+    QVERIFY(list.out.startsWith("{\"file\":\"a.txt\""));
+    QCOMPARE(run({"json"_s, "--files-from"_s, "-"_s}, "-\n").err, words);
 }
 
 VORN_TEST_MAIN(VornreportTest)
