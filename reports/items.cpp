@@ -16,6 +16,7 @@ constexpr Word frameWords[] = {{0, "Standard"}, {1, "Extended"}, {2, "Standard, 
 constexpr Word touchWords[] = {{0, "Mouse profile (next boot)"}, {1, "Touch profile (next boot)"},
     {2, "Mouse profile"}, {3, "Touch profile"}};
 constexpr Word shutDownWords[] = {{31, "NoError"}};
+constexpr Word endlessWords[] = {{1, "Sensor list ended after 65536 readings"}};
 constexpr Word batteryWords[] = {{0, "External battery not available."}};
 constexpr Word batteryErrors[] = {{0, "Battery reports no HW errors"},
     {1, "Battery error! The thermistor temp sensor is not working"},
@@ -174,6 +175,8 @@ constexpr Item table[] = {
     history("JIDA video temp", Shape::Measure, "\260C", "", "Diagnostics_getPMTemp"),
     history("JIDA other temp", Shape::Measure, "\260C", "", "Diagnostics_getPMTemp"),
     history("JIDA unknown temp", Shape::Measure, "\260C", "", "Diagnostics_getPMTemp"),
+    // Of a device library that never says that there are no more.
+    history("Sensor list", Shape::Sentence, "", "", "", endlessWords),
     history("SS temp", Shape::Measure, "\260C", "Diagnostics.ssTemp", "Diagnostics_getSSTemp"),
     history("PCB temp", Shape::Measure, "\260C", "Diagnostics.pcbTemp", "Diagnostics_getPCBTemp"),
     {storageSection, firstStorage, "Device serial number", Shape::Text, "", "Smart.deviceSerial",
@@ -386,6 +389,14 @@ bool Item::labels(std::string_view line, std::string_view &rest) const
 bool Item::labelsFailure(std::string_view line, std::string_view &rest) const
 {
     return failureLabel.empty() ? labels(line, rest) : cut(line, failureLabel, rest);
+}
+
+std::string_view unitOf(const Item &item)
+{
+    std::string_view unit = item.unit;
+    while (unit.starts_with(' '))
+        unit.remove_prefix(1);
+    return unit;
 }
 
 std::span<const Item> items()

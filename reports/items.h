@@ -48,6 +48,9 @@ struct Item {
     bool labelsFailure(std::string_view line, std::string_view &rest) const;
 };
 
+/** The item's unit without the blanks before it. */
+std::string_view unitOf(const Item &item);
+
 /** All rows, in the report's order: those of one group, and those of one section, lie together. */
 std::span<const Item> items();
 

@@ -168,7 +168,8 @@ private:
 
     void enterSection(std::string_view title)
     {
-        banners = true;
+        // Diagnostic data that was saved alone has this banner, and what is saved behind it none.
+        banners = banners || dated || title != storageSection;
         const auto at = std::find(sections().begin(), sections().end(), title);
         const auto index = std::size_t(at - sections().begin());
         if (index < sections().size()) {
@@ -221,7 +222,7 @@ private:
     bool takeItem(std::string_view line)
     {
         if (section == storageSection)
-            return takeStorage(line);
+            return takeStorage(line) || (!banners && takeLoneItem(line));
         // Lines mostly come in the order of the table.
         for (std::size_t step = 0; step < rows.size(); ++step) {
             const std::size_t index = (expected + step) % rows.size();

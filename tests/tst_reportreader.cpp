@@ -1,3 +1,4 @@
+#include "frame/processorSensors.h"
 #include "report/sections.h"
 #include "report/systemReport.h"
 #include "report/tabAboutDlg.h"
@@ -182,6 +183,10 @@ void ReportReaderTest::randomUnits()
 /** A row of the reader's table that no report has is wrong, or of a report that is no more. */
 void ReportReaderTest::everyRowStandsInAReport()
 {
+    const Reading endless("Diagnostic data:\n" + endlessSensorsText().toLatin1() + '\n');
+    QCOMPARE(endless.unknown, QStringList());
+    for (const Entry &entry : endless.entries) // which no virtual unit has
+        seen.insert(entry.item);
     for (const reports::Item &item : reports::items())
         QVERIFY2(seen.count(&item), std::string(item.name).c_str());
 }
@@ -281,6 +286,22 @@ void ReportReaderTest::savedSections()
         QCOMPARE(Reading::latin1(first->section), QString::fromLatin1(sections[index]));
     }
     dialogs.take();
+    // One behind the other in one file: nothing tells where the next begins but its lines.
+    QByteArray together;
+    for (int index = 0; index < list->count(); ++index) {
+        QFile file(folder.filePath(QString::number(index)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        if (list->itemText(index) != "System report"_s)
+            together += file.readAll();
+    }
+    const Reading reading(together);
+    QCOMPARE(reading.unknown, QStringList());
+    for (const QByteArray &section : sections.mid(1, 2))
+        QVERIFY(
+            std::any_of(reading.entries.begin(), reading.entries.end(), [&](const Entry &entry) {
+                return entry.kind == Entry::Kind::Item && entry.section == section.toStdString();
+            }));
+    QVERIFY(reading.find("ADC data", "", "Voltage 12V"));
 }
 
 void ReportReaderTest::rails_data()
