@@ -1,7 +1,10 @@
 #include "reports/Entry.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
+#include <cstdio>
 
 namespace reports {
 
@@ -91,9 +94,7 @@ void setNumber(Entry &entry, std::string_view number)
     if (!numberOf(number))
         return;
     entry.number = number;
-    entry.unit = entry.item->unit;
-    while (entry.unit.starts_with(' '))
-        entry.unit.remove_prefix(1);
+    entry.unit = unitOf(*entry.item);
 }
 
 void readMinutes(Entry &entry)
@@ -149,6 +150,15 @@ std::optional<double> numberOf(std::string_view text)
     if (!isNumber(text) || std::from_chars(text.data(), end, number).ec != std::errc())
         return {};
     return number;
+}
+
+std::string numberText(double number)
+{
+    constexpr double exact = 1e15;
+    const bool whole = std::abs(number) < exact && number == std::trunc(number);
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), whole ? "%.0f" : "%.6g", number);
+    return text.data();
 }
 
 std::vector<unsigned> versionNumbers(std::string_view text)

@@ -49,6 +49,9 @@ inline constexpr std::int32_t notAvailable = 18;
 /** The number if the text is one as JSON writes numbers, with nothing around it. */
 std::optional<double> numberOf(std::string_view text);
 
+/** A number for people: whole ones with all digits, others with six. */
+std::string numberText(double number);
+
 /** The numbers of "v1.2.3.4" or "1.2.3", at most four; none of other texts. */
 std::vector<unsigned> versionNumbers(std::string_view text);
 

@@ -31,19 +31,6 @@ std::size_t readSome(std::streambuf &from, char *to, std::size_t size)
     return count > 0 ? std::size_t(count) : 0;
 }
 
-/** So that a log's text lies in one piece, as readers get it. */
-void dropCarriageReturns(std::string &bytes)
-{
-    if (bytes.find("\r\n") == std::string::npos)
-        return;
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' || i + 1 == bytes.size() || bytes[i + 1] != '\n')
-            bytes[size++] = bytes[i];
-    }
-    bytes.resize(size);
-}
-
 /** A file, or something that has the name of one and will be told of when it is opened. */
 bool mayBeReport(const fs::directory_entry &entry)
 {
@@ -180,8 +167,6 @@ void Content::load(std::streambuf &from)
     }
     start.resize(size);
     large = size > largest;
-    if (!large)
-        dropCarriageReturns(start);
 }
 
 void Content::spool(std::streambuf &from)

@@ -20,13 +20,6 @@ constexpr double top = 24;
 constexpr double bottom = 124;
 constexpr std::size_t labelled = 6; ///< so many points have room for their values
 
-std::string number(double value)
-{
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.6g", value);
-    return text.data();
-}
-
 std::string place(double value)
 {
     std::array<char, 32> text{};
@@ -106,7 +99,7 @@ void appendAxes(std::string &svg, const Axis &axis)
         svg += "<path class=\"grid\" d=\"M" + place(left) + " " + y + "H" + place(right) + "\"/>";
         // Steps are round numbers, but their sums are not.
         const double shown = std::abs(value) < axis.step / 1e6 ? 0 : value;
-        appendText(svg, left - 5, axis.y(value) + 3.5, "end", number(shown));
+        appendText(svg, left - 5, axis.y(value) + 3.5, "end", numberText(shown));
     }
     svg += "<path class=\"axis\" d=\"M" + place(left) + " " + place(top) + "V" + place(bottom) +
            "H" + place(right) + "\"/>";
@@ -144,7 +137,7 @@ std::string chart(const Series &series, const std::string &id)
     appendHtml(svg, series.title);
     svg += "</title><desc id=\"" + id + "d\">";
     for (const Point &point : points) {
-        svg += dateOf(point.seconds) + ": " + number(point.value) + " ";
+        svg += dateOf(point.seconds) + ": " + numberText(point.value) + " ";
         appendHtml(svg, series.unit + "; ");
     }
     svg += "</desc>";
@@ -161,7 +154,8 @@ std::string chart(const Series &series, const std::string &id)
         const double y = axis.y(points[i].value);
         svg += "<circle cx=\"" + place(x(i)) + "\" cy=\"" + place(y) + "\" r=\"2.5\"/>";
         if (points.size() <= labelled || i + 1 == points.size())
-            appendText(svg, std::min(x(i), right - 12), y - 5, "middle", number(points[i].value));
+            appendText(
+                svg, std::min(x(i), right - 12), y - 5, "middle", numberText(points[i].value));
     }
     return svg + "</svg>";
 }
@@ -200,7 +194,9 @@ void appendHtml(std::string &html, std::string_view latin1)
 
 void appendHtmlUtf8(std::string &html, std::string_view utf8)
 {
-    for (const char character : utf8) {
+    std::string clean;
+    appendCleanUtf8(clean, utf8);
+    for (const char character : clean) {
         if (static_cast<unsigned char>(character) < 0x80)
             appendHtml(html, {&character, 1});
         else

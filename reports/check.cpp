@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstdio>
 
 namespace reports {
 
@@ -36,32 +34,15 @@ bool contains(const std::vector<T> &list, const Value &value)
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-/** "v1.2.3.4" or "1.2.3.4"; missing numbers are 0. Nothing for other texts. */
+/** Missing numbers are 0. */
 std::optional<std::array<unsigned, 4>> versionOf(std::string_view text)
 {
-    if (text.starts_with('v'))
-        text.remove_prefix(1);
+    const std::vector<unsigned> numbers = versionNumbers(text);
+    if (numbers.empty())
+        return {};
     std::array<unsigned, 4> version{};
-    const char *at = text.data();
-    const char *const end = at + text.size();
-    for (std::size_t i = 0; i < version.size(); ++i) {
-        const auto [next, error] = std::from_chars(at, end, version[i]);
-        if (error != std::errc())
-            return {};
-        if (next == end)
-            return version;
-        if (*next != '.')
-            return {};
-        at = next + 1;
-    }
-    return {};
-}
-
-std::string numberText(double number)
-{
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.6g", number);
-    return text.data();
+    std::copy(numbers.begin(), numbers.end(), version.begin());
+    return version;
 }
 
 bool picks(const Rule &rule, const Entry &entry)
@@ -70,6 +51,29 @@ bool picks(const Rule &rule, const Entry &entry)
            (rule.group.empty() || entry.group == rule.group) &&
            (rule.name.empty() || entry.name == rule.name) && !entry.name.empty() &&
            !contains(rule.exceptNames, entry.name);
+}
+
+/** Whether the line says nothing else where it could be read. */
+bool alwaysHasNumber(const Item &item)
+{
+    return !item.unit.empty() || (item.shape == Shape::Number && item.words.empty());
+}
+
+/** What nobody knows, in one finding however much of it there is. */
+Finding unknownLines(const Rule &rule, const Report &report)
+{
+    std::size_t count = 0;
+    std::string first;
+    for (const Entry &entry : report.entries()) {
+        if (entry.kind == Entry::Kind::Unknown && count++ == 0)
+            first = utf8(entry.text.substr(0, 60));
+    }
+    if (count == 0)
+        return {};
+    return {rule.level, nullptr, "", "the report",
+        "has " + std::to_string(count) + (count == 1 ? " line" : " lines") +
+            " that no report has, first \"" + first + "\"",
+        "", rule.reason};
 }
 
 /** What the line should be by the rule; nothing where it is. An empty text where it can't be told.
@@ -85,12 +89,16 @@ std::optional<std::string> broken(const Rule &rule, const Entry &entry)
     }
     if (entry.failed)
         return {};
+    if ((rule.minimum || rule.maximum) && (!entry.item || unitOf(*entry.item) != rule.unit))
+        return {}; // the rule picks more than it measures
     const auto value = numberOf(entry.number);
     const std::string unit = rule.unit.empty() ? "" : " " + utf8(rule.unit);
     if (rule.minimum && value && *value < *rule.minimum)
         return "at least " + numberText(*rule.minimum) + unit;
     if (rule.maximum && value && *value > *rule.maximum)
         return "at most " + numberText(*rule.maximum) + unit;
+    if ((rule.minimum || rule.maximum) && !value && alwaysHasNumber(*entry.item))
+        return "a number" + (unit.empty() ? unit : " in" + unit);
     const auto wanted = versionOf(rule.version);
     const auto version = versionOf(entry.text);
     if (wanted && version && *version < *wanted)
@@ -115,10 +123,15 @@ std::vector<Finding> check(const Report &report, const std::vector<Rule> &rules)
         if (rule.incomplete && !report.facts().complete)
             findings.push_back(
                 {rule.level, nullptr, "", "the report", "is not complete", "", rule.reason});
+        if (rule.unknown) {
+            Finding finding = unknownLines(rule, report);
+            if (!finding.name.empty())
+                findings.push_back(std::move(finding));
+        }
     }
     for (const Entry &entry : report.entries()) {
         for (const Rule &rule : rules) {
-            if (rule.incomplete || !picks(rule, entry))
+            if (rule.incomplete || rule.unknown || !picks(rule, entry))
                 continue;
             const auto limit = broken(rule, entry);
             if (!limit)
@@ -135,13 +148,15 @@ std::string findingsText(const Report &report, const std::vector<Finding> &findi
 {
     std::string text;
     for (const Finding &finding : findings) {
-        text.append(levelName(finding.level)).append(" ").append(report.name()).append(": ");
+        std::string line = levelName(finding.level);
+        line.append(" ").append(report.name()).append(": ");
         if (!finding.place.empty())
-            text.append(finding.place).append(": ");
-        text.append(finding.name).append(finding.entry ? ": " : " ").append(finding.text);
+            line.append(finding.place).append(": ");
+        line.append(finding.name).append(finding.entry ? ": " : " ").append(finding.text);
         if (!finding.limit.empty())
-            text.append(" (should be ").append(finding.limit).append(")");
-        text.append(": ").append(finding.reason).append("\n");
+            line.append(" (should be ").append(finding.limit).append(")");
+        line.append(": ").append(finding.reason);
+        text.append(forTerminal(line)).append("\n");
     }
     return text;
 }

@@ -24,6 +24,7 @@ struct Rule {
     std::vector<std::int32_t> exceptCodes;
     std::vector<std::string> exceptNames;
     bool incomplete = false; ///< finds reports that aren't complete
+    bool unknown = false;    ///< finds reports with lines that no report has
     std::string reason;      ///< for people, UTF-8
 };
 

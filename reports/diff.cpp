@@ -3,10 +3,7 @@
 #include "reports/exchange.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <map>
 #include <ostream>
 #include <tuple>
@@ -29,13 +26,6 @@ std::string_view livingKind(const Entry &entry)
     if (entry.name == "Battery voltage level")
         return "level";
     return {};
-}
-
-std::string numberText(double number)
-{
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.6g", number);
-    return text.data();
 }
 
 const LogFile *logOf(const Report &report, const Entry &entry)
@@ -108,7 +98,7 @@ void printText(
             line += ')';
         }
     }
-    out << line << '\n';
+    out << forTerminal(line) << '\n';
 }
 
 void printObject(
@@ -270,7 +260,7 @@ bool printDiff(
             continue;
         }
         if (here != place)
-            out << here << '\n';
+            out << forTerminal(here) << '\n';
         place = here;
         printText(out, pair, old, now);
     }

@@ -7,6 +7,7 @@ namespace reports {
 
 namespace {
 
+constexpr std::string_view replacement = "\xEF\xBF\xBD"; ///< U+FFFD
 constexpr char hexDigits[] = "0123456789abcdef";
 
 /** Whether a byte of Latin-1 is more than itself in a JSON string. */
@@ -213,12 +214,14 @@ public:
     TableSink(const Input &input, const Facts &facts, Output &receiver)
         : output(receiver)
     {
-        const bool plain = input.name.find_first_of(",\"\r\n") == std::string::npos;
+        std::string name;
+        appendCleanUtf8(name, input.name);
+        const bool plain = name.find_first_of(",\"\r\n") == std::string::npos;
         if (plain) {
-            start = input.name;
+            start = name;
         } else {
             start = '"';
-            for (const char character : input.name)
+            for (const char character : name)
                 start.append(character == '"' ? 2 : 1, character);
             start += '"';
         }
@@ -283,6 +286,33 @@ void appendUtf8(std::string &text, std::string_view latin1)
 {
     for (const char character : latin1)
         appendCharacter(text, static_cast<unsigned char>(character));
+}
+
+void appendCleanUtf8(std::string &text, std::string_view utf8)
+{
+    while (!utf8.empty()) {
+        const std::size_t size = characterSize(utf8);
+        text += size == 0 ? replacement : utf8.substr(0, size);
+        utf8.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+}
+
+std::string forTerminal(std::string_view utf8)
+{
+    std::string clean;
+    appendCleanUtf8(clean, utf8);
+    std::string text;
+    for (std::size_t i = 0; i < clean.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(clean[i]);
+        // Those of Latin-1 beyond ASCII are two bytes.
+        const bool wide = byte == 0xC2 && static_cast<unsigned char>(clean[i + 1]) < 0xA0;
+        if (byte < 0x20 || byte == 0x7F || wide)
+            text += replacement;
+        else
+            text += clean[i];
+        i += wide ? 1 : 0;
+    }
+    return text;
 }
 
 void appendJson(std::string &text, std::string_view latin1)

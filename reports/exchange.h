@@ -12,6 +12,10 @@ void appendJson(std::string &text, std::string_view latin1);
 void appendJsonUtf8(std::string &text, std::string_view utf8);
 /** Appends Latin-1 as UTF-8. */
 void appendUtf8(std::string &text, std::string_view latin1);
+/** Appends what is UTF-8; what is none becomes U+FFFD. */
+void appendCleanUtf8(std::string &text, std::string_view utf8);
+/** The same for a terminal, which control characters might steer: these become U+FFFD too. */
+std::string forTerminal(std::string_view utf8);
 
 void writeJson(const Input &input, Output &output);
 

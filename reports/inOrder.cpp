@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <iostream>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace reports {
@@ -123,8 +124,12 @@ bool forEachInOrder(Inputs &inputs, const Job &job)
 {
     Queue queue(inputs);
     std::vector<std::thread> helpers;
-    for (unsigned core = 1; core < std::max(1U, std::thread::hardware_concurrency()); ++core)
-        helpers.emplace_back([&] { work(queue, job); });
+    try {
+        for (unsigned core = 1; core < std::max(1U, std::thread::hardware_concurrency()); ++core)
+            helpers.emplace_back([&] { work(queue, job); });
+    } catch (const std::system_error &) {
+        // The system gives no more threads; this one does it too.
+    }
     work(queue, job);
     for (std::thread &helper : helpers)
         helper.join();

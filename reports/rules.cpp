@@ -60,13 +60,19 @@ constexpr Field fields[] = {
     {"max", [](Rule &rule, const Json &value) { rule.maximum = value.get<double>(); }},
     {"unit", [](Rule &rule, const Json &value) { rule.unit = latin1(value); }},
     {"texts", [](Rule &rule, const Json &value) { rule.texts = latin1List(value); }},
-    {"version", [](Rule &rule, const Json &value) { rule.version = value.get<std::string>(); }},
+    {"version",
+        [](Rule &rule, const Json &value) {
+            rule.version = value.get<std::string>();
+            if (rule.version.starts_with('v'))
+                rule.version.erase(0, 1);
+        }},
     {"failed", [](Rule &rule, const Json &value) { rule.failed = value.get<bool>(); }},
     {"codes", [](Rule &rule, const Json &value) { rule.codes = value.get<std::vector<int>>(); }},
     {"exceptCodes",
         [](Rule &rule, const Json &value) { rule.exceptCodes = value.get<std::vector<int>>(); }},
     {"exceptNames", [](Rule &rule, const Json &value) { rule.exceptNames = latin1List(value); }},
     {"incomplete", [](Rule &rule, const Json &value) { rule.incomplete = value.get<bool>(); }},
+    {"unknown", [](Rule &rule, const Json &value) { rule.unknown = value.get<bool>(); }},
     {"reason", [](Rule &rule, const Json &value) { rule.reason = value.get<std::string>(); }},
 };
 
@@ -74,10 +80,13 @@ constexpr Field fields[] = {
 void requireSense(const Rule &rule)
 {
     const bool asks = rule.minimum || rule.maximum || !rule.texts.empty() ||
-                      !rule.version.empty() || rule.failed || rule.incomplete;
+                      !rule.version.empty() || rule.failed || rule.incomplete || rule.unknown;
     if (!asks)
         throw Trouble{
-            "it asks for nothing: there is no min, max, texts, version, failed or incomplete"};
+            "it asks for nothing: there is no min, max, texts, version, failed, incomplete or "
+            "unknown"};
+    if (!rule.version.empty() && versionNumbers(rule.version).empty())
+        throw Trouble{"\"" + rule.version + "\" is no version, as 2.1.0.0 is one"};
     if (rule.reason.empty())
         throw Trouble{"it has no reason"};
     bool picks = false;
@@ -87,11 +96,8 @@ void requireSense(const Rule &rule)
             (!rule.group.empty() && item.group != rule.group) ||
             (!rule.name.empty() && item.name != rule.name))
             continue;
-        std::string_view unit = item.unit;
-        while (unit.starts_with(' '))
-            unit.remove_prefix(1);
         picks = true;
-        measures = measures || unit == rule.unit;
+        measures = measures || unitOf(item) == rule.unit;
     }
     if (!picks)
         throw Trouble{"no line of a report has that section, group and name"};

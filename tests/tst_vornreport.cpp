@@ -78,6 +78,12 @@ private slots:
     void refusesRules();
     void drawsAnyNumbers();
     void readsTheStandardInputOnce();
+    void judgesLines_data();
+    void judgesLines();
+    void judgesByTheUnit();
+    void showsLargeNumbers();
+    void keepsTheTerminal();
+    void takesOneCarriageReturn();
 
 private:
     Outcome run(const QStringList &arguments, const QByteArray &input = {}) const;
@@ -414,7 +420,7 @@ void VornreportTest::everyProfileIsChecked_data()
                "\302\260C): ",
                "FAIL a.txt: SMART data, First storage device: Estimated remaining lifetime: 3 % "
                "(should be at least 5 %): ",
-               "FAIL a.txt: SMART data, Second storage device: Device serial number: Estimated "
+               "WARN a.txt: SMART data, Second storage device: Device serial number: Estimated "
                "remaining lifetime is not available: ",
                "FAIL a.txt: ADC data: Voltage 12V: 9.87 V (should be at least 10.8 V): "};
 }
@@ -482,6 +488,8 @@ void VornreportTest::refusesRules_data()
         << one(R"({"name": "FPGA", "reason": "x"})") << QByteArray("asks for nothing");
     QTest::newRow("level") << one(R"({"failed": true, "level": "BAD", "reason": "x"})")
                            << QByteArray("a level is");
+    QTest::newRow("version") << one(R"({"name": "FPGA", "version": "2.x", "reason": "x"})")
+                             << QByteArray("\"2.x\" is no version");
     QTest::newRow("type") << one(R"({"failed": 7, "reason": "x"})") << QByteArray("rule 1: ");
 }
 
@@ -532,6 +540,101 @@ void VornreportTest::readsTheStandardInputOnce()
     QCOMPARE(list.err, words);
     QVERIFY(list.out.startsWith("{\"file\":\"a.txt\""));
     QCOMPARE(run({"json"_s, "--files-from"_s, "-"_s}, "-\n").err, words);
+}
+
+void VornreportTest::judgesLines_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("changed");
+    QTest::addColumn<QByteArray>("finding");
+    QTest::newRow("no number") << QByteArray("Voltage 12V: ") << QByteArray("Voltage 12V: nan V")
+                               << QByteArray("FAIL a.txt: ADC data: Voltage 12V: nan V "
+                                             "(should be a number in V): ");
+    QTest::newRow("beyond numbers")
+        << QByteArray("SS temp: ") << QByteArray("SS temp: 1e999 \260C")
+        << QByteArray("FAIL a.txt: Diagnostic data: SS temp: 1e999 \302\260C (should be a number ");
+    QTest::newRow("through mail") << QByteArray("SS temp: ") << QByteArray("SS temp: 99 \302\260C")
+                                  << QByteArray("FAIL a.txt: Diagnostic data: SS temp: 99 ");
+    QTest::newRow("label through mail")
+        << QByteArray("Total run time 40-60\260C: ")
+        << QByteArray("Total run time 40-60\302\260C: 0 min (0 days, 0h, 0min) ")
+        << QByteArray("WARN a.txt: the report has 1 line that no report has, first \"Total run");
+    QTest::newRow("charging") << QByteArray("Battery HW version: ")
+                              << QByteArray("Could not get battery charging status")
+                              << QByteArray("the battery doesn't tell whether it is charged\n");
+}
+
+void VornreportTest::judgesLines()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QByteArray, changed);
+    QFETCH(QByteArray, finding);
+    setUnit("Battery.chargingStatus"_s, "1"_s);
+    QByteArray text = generateSystemReport().toLatin1();
+    const auto start = text.indexOf('\n' + line) + 1;
+    QVERIFY(start > 0);
+    text.replace(start, text.indexOf('\n', start) - start, changed);
+    write("a.txt"_s, text);
+    const Outcome outcome = run({"check"_s, "a.txt"_s});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.out.count('\n'), 1);
+    QVERIFY2(outcome.out.contains(finding), outcome.out.constData());
+}
+
+/** A limit in one unit says nothing of values in another, and nothing of lines without any. */
+void VornreportTest::judgesByTheUnit()
+{
+    write("rules.json"_s, R"({"rules": [
+        {"section": "Diagnostic data", "max": 50, "unit": "\u00b0C", "reason": "warm"},
+        {"name": "FPGA", "version": "v9.9", "reason": "old"}]})");
+    write("a.txt"_s, report);
+    const Outcome outcome = run({"check"_s, "--rules"_s, "rules.json"_s, "a.txt"_s});
+    QVERIFY(outcome.out.contains("FPGA: v1.4.2.0 (should be at least v9.9): old\n"));
+    QVERIFY(outcome.out.contains("Maximum temp: 82"));
+    for (const QByteArray &line : outcome.out.split('\n'))
+        QVERIFY2(
+            line.isEmpty() || line.contains(" temp: ") || line.contains("FPGA"), line.constData());
+}
+
+void VornreportTest::showsLargeNumbers()
+{
+    write("a.txt"_s, report);
+    write("b.txt"_s, QByteArray(report).replace("power cycles: 1289 ", "power cycles: 12345678 "));
+    const Outcome outcome = run({"diff"_s, "a.txt"_s, "b.txt"_s});
+    QVERIFY2(outcome.out.contains("1289 -> 12345678 (+12344389)\n"), outcome.out.constData());
+    QVERIFY(run({"html"_s, "a.txt"_s, "b.txt"_s, "a.txt"_s}).out.contains(">12345678</text>"));
+}
+
+/** What a mailed report says doesn't steer the terminal. */
+void VornreportTest::keepsTheTerminal()
+{
+    write("a.txt"_s, report);
+    QByteArray text = report;
+    text.replace("Unit serial number: VU-100-004711", "Unit serial number: \x1b[2J\x9b\x7f\344");
+    text.replace("Main PCB Serial: ", "\x1b]0;x\7\nMain PCB Serial: ");
+    write("b.txt"_s, text);
+    const QByteArray bad = "\xEF\xBF\xBD";
+    const QByteArray diff = run({"diff"_s, "a.txt"_s, "b.txt"_s}).out;
+    QVERIFY2(diff.contains("-> " + bad + "[2J" + bad + bad + "\303\244\n"), diff.constData());
+    const QByteArray found = run({"check"_s, "b.txt"_s}).out;
+    QVERIFY2(found.contains("first \"" + bad + "]0;x" + bad + '"'), found.constData());
+    QVERIFY(!diff.contains('\x1b') && !found.contains('\x1b'));
+}
+
+/** One carriage return belongs to the line feed, however long the report is. */
+void VornreportTest::takesOneCarriageReturn()
+{
+    for (const int size : {10, 2'000'000}) {
+        QByteArray text = report;
+        text.replace("\n------------------  End", "\n\nFile:VornAuxService.log:\n" +
+                                                      QByteArray(size, 'x') +
+                                                      "\r\r\ny\r\n\n------------------  End");
+        write("a.txt"_s, text);
+        const auto object = json({"a.txt"_s}).constFirst();
+        const QString log = object["entries"_s].toArray().last().toObject()["text"_s].toString();
+        QCOMPARE(log.right(4), "x\r\ny\n"_s.right(4));
+        QCOMPARE(log.size(), size + 4);
+    }
 }
 
 VORN_TEST_MAIN(VornreportTest)

@@ -42,6 +42,8 @@ private slots:
     void sqliteExamples();
     void folderWithoutPermission();
     void linksInFolders();
+    void namesThatAreNoText();
+    void withoutThreads();
     void fleetIsAsked();
     void fullDisk();
     void hugeLog();
@@ -152,6 +154,34 @@ void VornreportLimitsTest::linksInFolders()
     QCOMPARE(out.count('\n'), 2);
 }
 
+/** Names of files are any bytes; what is printed of them is UTF-8. */
+void VornreportLimitsTest::namesThatAreNoText()
+{
+    write("reports/a.txt"_s, report);
+    shell("mv reports/a.txt reports/$'a\\xff\\xc3\\xa4.txt'"_s);
+    const QByteArray name = "reports/a\xEF\xBF\xBD\303\244.txt";
+    const QByteArray table = shell("vornreport table reports"_s);
+    QVERIFY2(table.split('\n').at(1).startsWith(name + ','), table.left(200).constData());
+    QVERIFY(shell("vornreport html reports"_s).contains(name));
+    shell("sed -i '/^Voltage 12V: /s/: .*/: 9 V/' reports/*"_s);
+    QVERIFY(shell("vornreport check reports | grep ."_s).startsWith("FAIL " + name));
+    shell("rm -r reports"_s); // Qt doesn't find it
+}
+
+/** Where the system gives no threads, one does all. */
+void VornreportLimitsTest::withoutThreads()
+{
+    write("reports/a.txt"_s, report);
+    write("reports/b.txt"_s, report);
+    QVERIFY(QFile::setPermissions(folder->path(), QFile::Permissions(0x7755)));
+    // The administrator has no such limit.
+    const QString drop = ::geteuid() == 0 ? "setpriv --reuid=65533 --clear-groups "_s : QString();
+    const QByteArray out = shell(drop + "bash -c 'ulimit -u 1; exec "_s +
+                                 QStringLiteral(VORN_BIN_DIR) + "/vornreport json reports'"_s);
+    QCOMPARE(words, QByteArray());
+    QCOMPARE(out.count('\n'), 2);
+}
+
 /** The line of the manual that asks a fleet finds the unit. */
 void VornreportLimitsTest::fleetIsAsked()
 {
@@ -173,8 +203,9 @@ void VornreportLimitsTest::fleetIsAsked()
 void VornreportLimitsTest::fullDisk()
 {
     write("reports/a.txt"_s, report);
-    for (const char *command : {"table reports", "json reports", "html reports",
-             "unit reports/a.txt", "diff --all reports/a.txt reports/a.txt"}) {
+    for (const char *command :
+        {"table reports", "json reports", "html reports", "check --print-rules",
+            "unit reports/a.txt", "diff --all reports/a.txt reports/a.txt"}) {
         shell(QStringLiteral("vornreport %1 > /dev/full").arg(QLatin1String(command)), 2);
         QCOMPARE(words, QByteArray("vornreport: the output can't be written\n"));
     }

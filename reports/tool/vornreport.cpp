@@ -65,6 +65,11 @@ void attempt(Command command)
     } catch (const std::bad_alloc &) {
         tell({"there is not enough memory"});
         leave(InTrouble);
+    } catch (const CLI::Error &) {
+        throw; // an exit code
+    } catch (const std::exception &failure) {
+        tell({failure.what()});
+        leave(InTrouble);
     }
 }
 
@@ -176,7 +181,7 @@ void addCheck(CLI::App &app, Options &options)
     check->footer("Example: vornreport check --rules ours.json reports/");
     check->final_callback([&options] {
         if (options.printRules) {
-            std::cout << builtInRulesText;
+            attempt([] { print(builtInRulesText); });
             return;
         }
         requireFiles(options);
