@@ -44,7 +44,8 @@ private slots:
         QCOMPARE(after.objects, before.objects);
         QCOMPARE(after.runningTimers, before.runningTimers);
         QCOMPARE(after.windows, before.windows);
-        QVERIFY2(after.handles <= before.handles, // some of the toolkit's close late
+        // The toolkit opens and closes a few late; what a page leaves is there hundreds of times.
+        QVERIFY2(after.handles < before.handles + 10,
             qPrintable("%1 after %2"_s.arg(after.handles).arg(before.handles)));
 #if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed for a while
         const double grown = double(residentMemory()) / 1e6 - megabytes;
