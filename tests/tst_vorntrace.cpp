@@ -91,14 +91,14 @@ void VorntraceTest::init()
 Run VorntraceTest::trace(
     const char *command, const QString &program, const QStringList &arguments) const
 {
-    return tree->runOther(QStringLiteral(VORN_BIN_DIR "/vorntrace"),
+    return tree->runOther(QStringLiteral(VORN_TRACER),
         words(command) + QStringList{QStringLiteral("--"), program} + arguments);
 }
 
 void VorntraceTest::helps()
 {
     const auto run = [&](const char *arguments) {
-        return tree->runOther(QStringLiteral(VORN_BIN_DIR "/vorntrace"), words(arguments));
+        return tree->runOther(QStringLiteral(VORN_TRACER), words(arguments));
     };
     QCOMPARE(run("--help").exitCode, 0);
     QVERIFY(run("--help").output.contains("record"));
@@ -126,8 +126,8 @@ void VorntraceTest::refusesWrongUsage_data()
 void VorntraceTest::refusesWrongUsage()
 {
     QFETCH(QString, arguments);
-    const auto run = tree->runOther(QStringLiteral(VORN_BIN_DIR "/vorntrace"),
-        arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    const auto run = tree->runOther(
+        QStringLiteral(VORN_TRACER), arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.output, QByteArray());
     QVERIFY2(run.errors.startsWith("vorntrace: "), run.errors.constData());
@@ -155,8 +155,7 @@ void VorntraceTest::refusesWhatCantBeDone()
     QFETCH(QByteArray, reason);
     tree->write(QStringLiteral("bin.txt"), "");
     QDir(tree->path(QString())).mkpath(QStringLiteral("bin"));
-    const auto run = tree->runOther(
-        QStringLiteral(VORN_BIN_DIR "/vorntrace"), arguments.split(QLatin1Char(' ')));
+    const auto run = tree->runOther(QStringLiteral(VORN_TRACER), arguments.split(QLatin1Char(' ')));
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(
         run.errors.contains("vorntrace: ") && run.errors.contains(reason), run.errors.constData());
@@ -200,7 +199,7 @@ void VorntraceTest::record_asksTheLibraryThatIsNamed()
     const auto library = tree->putIn(
         tiny, QStringLiteral("another " VORN_LIBRARY_PREFIX "unit" VORN_LIBRARY_SUFFIX));
     tree->environment.insert(QStringLiteral("TINYUNIT_CODE"), QStringLiteral("0"));
-    const auto run = tree->runOther(QStringLiteral(VORN_BIN_DIR "/vorntrace"),
+    const auto run = tree->runOther(QStringLiteral(VORN_TRACER),
         {QStringLiteral("record"), QStringLiteral("--output"), tracePath(),
             QStringLiteral("--library"), library, QStringLiteral("--"), tree->program(), report,
             tree->path(QStringLiteral("report.txt"))});

@@ -14,7 +14,7 @@ using support::Run;
 
 namespace {
 
-const QString tool = QStringLiteral(VORN_BIN_DIR "/vorntrace");
+const QString tool = QStringLiteral(VORN_TRACER);
 const QString writer = QStringLiteral(VORN_TEST_PROGRAMS "/unitwriter");
 const QString report = QStringLiteral("--systemreport");
 constexpr int patience = 30'000; // milliseconds

@@ -10,7 +10,7 @@ using support::ProgramTree;
 
 namespace {
 
-const QString tool = QStringLiteral(VORN_BIN_DIR "/vorntrace");
+const QString tool = QStringLiteral(VORN_TRACER);
 const QString callers = QStringLiteral(VORN_TEST_PROGRAMS "/callers");
 
 /** A tree in whose runs the sanitizers let a library be loaded before them. */
