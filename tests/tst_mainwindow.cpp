@@ -646,7 +646,8 @@ private slots:
         window.setStyleSheet(window.styleSheet() + QLatin1Char('\n'));
         for (int index = 0; index < 16; ++index) {
             window.showTab(index);
-            QVERIFY2(window.grab().toImage() == pictures[index], QByteArray::number(index).constData());
+            QVERIFY2(
+                window.grab().toImage() == pictures[index], QByteArray::number(index).constData());
         }
         dialogs.take();
     }

@@ -35,8 +35,7 @@ constexpr int titleStripHeight = 26; // pixels, of a group box under the program
 
 QString quoted(const QString &text)
 {
-    return QLatin1Char('"') + QString(text).replace(QLatin1Char('\n'), "<br>"_s) +
-           QLatin1Char('"');
+    return QLatin1Char('"') + QString(text).replace(QLatin1Char('\n'), "<br>"_s) + QLatin1Char('"');
 }
 
 QString pictureName(const QPixmap &picture)
