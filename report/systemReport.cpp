@@ -9,11 +9,11 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QTextStream>
 
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -66,9 +66,9 @@ void addLines(QString &text, std::istream &log)
     }
 }
 
-/** A log that begins with a byte-order mark, in Latin-1; what that doesn't have becomes "?".
- * Nothing if there is no mark: such a log is its bytes as they are, from its beginning again. */
-std::optional<std::string> decodedByMark(std::istream &log)
+/** The text of a log that begins with a byte-order mark. Nothing if there is no mark: such a log is
+ *  its bytes as they are, from its beginning again. */
+std::optional<QString> decodedByMark(std::istream &log)
 {
     QByteArray piece(1 << 16, '\0');
     const auto read = [&](int most) {
@@ -80,14 +80,9 @@ std::optional<std::string> decodedByMark(std::istream &log)
     log.seekg(0);
     if (!decoder)
         return std::nullopt;
-    std::string decoded;
-    while (log) {
-        const QString units = qtVersions::decode(*decoder, read(1 << 16));
-        for (const QChar unit : units) {
-            if (!unit.isLowSurrogate()) // which is the other half of one character
-                decoded += unit.unicode() <= 0xFF ? char(unit.unicode()) : '?';
-        }
-    }
+    QString decoded;
+    while (log)
+        decoded += qtVersions::decode(*decoder, read(1 << 16));
     return decoded;
 }
 
@@ -111,8 +106,9 @@ void addLog(QString &text, const std::filesystem::path &path, const char *header
     if (!error)
         text.reserve(text.size() + static_cast<decltype(text.size())>(size) + 1024);
     if (auto decoded = decodedByMark(file)) {
-        std::istringstream lines(std::move(*decoded));
-        addLines(text, lines);
+        QTextStream lines(&*decoded);
+        for (QString line; lines.readLineInto(&line);)
+            text += line + QLatin1Char('\n');
     } else {
         addLines(text, file);
     }

@@ -273,6 +273,25 @@ private slots:
         QVERIFY(!content(path).contains('\r'));
     }
 
+    /** The window shows what only the file can't hold. */
+    void decodedLog()
+    {
+        const QString path = folder->filePath("decoded.txt"_s);
+        QFile log(serviceLog());
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        log.write("\xEF\xBB\xBF\xE2\x82\xAC \xC3\xBC \xF0\x9F\x92\xBB.\n");
+        log.close();
+        Page page;
+        page.show();
+        page.selection->setCurrentIndex(4);
+        dialogs.take(); // of the board's library
+        QVERIFY(page.info->toPlainText().contains(QStringLiteral("\u20AC \u00FC \U0001F4BB.\n")));
+        dialogs.planFile(path);
+        page.clickSave();
+        dialogs.take();
+        QVERIFY2(content(path).contains("? \xFC ?\?.\n"), content(path).constData());
+    }
+
     void savesWhatIsShown()
     {
         Page page;

@@ -491,7 +491,7 @@ private slots:
         row("half a mark", "\xEF\xBB", "\xEF\xBB\n");
         // One character each that Latin-1 has, that it hasn't, and that is two units of UTF-16.
         const QString marked = QStringLiteral("\uFEFFZ\u00FC \u20AC \U0001F4BB.\r\n\nend");
-        const QByteArray decoded = "Z\xFC ? ?.\n\nend\n";
+        const QByteArray decoded = "Z\xFC ? ?\?.\n\nend\n";
         row("UTF-8", marked.toUtf8(), decoded);
         row("UTF-8, mark alone", "\xEF\xBB\xBF", "");
         row("UTF-8, damaged", "\xEF\xBB\xBF\xFFok\n", "?ok\n");
@@ -549,7 +549,7 @@ private slots:
         const ProgramTree tree(tiny);
         const QString line = QStringLiteral("\u00FC\u20AC\U0001F4BB-\r\n");
         const QString log = QChar(0xFEFF) + line.repeated(30'000);
-        const QByteArray copy = QByteArray("\xFC?\?-\n").repeated(30'000);
+        const QByteArray copy = QByteArray("\xFC?\?\?-\n").repeated(30'000);
         for (const QByteArray &bytes : {log.toUtf8(), utf16(log, true), utf32(log, false)}) {
             tree.write("log/HardwareErrorLog.log"_s, bytes);
             const QByteArray logs = section(tree.report(), "Log Files");
