@@ -1,0 +1,193 @@
+#include "linuxunit/kernel/Reading.h"
+
+#include "linuxunit/calls/Failure.h"
+#include "linuxunit/calls/handles.h"
+
+#include <condition_variable>
+#include <deque>
+#include <dlfcn.h>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace linuxunit {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t mostThreads =
+    8; ///< beyond them every file is stuck, and one more would be too
+
+/** A file that somebody asked for. */
+struct Source {
+    bool isRunning = false; ///< queued or being read
+    unsigned rounds = 0;    ///< readings that came to an end
+    std::string text;
+    std::optional<Failure> failure;          ///< of the last round
+    std::optional<Clock::time_point> readAt; ///< when `text` was read
+};
+
+struct Worker {
+    std::thread thread;
+    bool hasEnded = false;
+};
+
+struct Pool {
+    std::mutex mutex;
+    std::condition_variable work;
+    std::condition_variable done;
+    std::map<std::string, std::shared_ptr<Source>> sources; ///< by path
+    std::deque<std::pair<std::string, std::shared_ptr<Source>>> queue;
+    std::deque<Worker> workers; ///< only becomes more
+    std::size_t ended = 0;
+    std::size_t idle = 0;
+    bool isEnding = false;
+};
+
+/** Never destroyed: a thread that the kernel holds back may come home at any time. */
+std::shared_ptr<Pool> &pool()
+{
+    static auto *const only = new std::shared_ptr<Pool>(std::make_shared<Pool>());
+    return *only;
+}
+
+std::mutex &poolMutex()
+{
+    static auto *const only = new std::mutex;
+    return *only;
+}
+
+std::shared_ptr<Pool> presentPool()
+{
+    const std::lock_guard lock(poolMutex());
+    return pool();
+}
+
+/** A thread that is stuck in the kernel needs its code when it comes back, whatever is unloaded. */
+void stayLoaded()
+{
+    Dl_info info{};
+    static const char here = 0;
+    if (::dladdr(&here, &info) && info.dli_fname)
+        static_cast<void>(::dlopen(info.dli_fname, RTLD_LAZY | RTLD_NODELETE | RTLD_NOLOAD));
+}
+
+void readInto(Source &source, const std::string &path, std::unique_lock<std::mutex> &lock)
+{
+    std::string text;
+    std::optional<Failure> failure;
+    lock.unlock();
+    try {
+        text = readText(path);
+    } catch (const Failure &thrown) {
+        failure = thrown;
+    } catch (const std::exception &) {
+        failure = Failure{GeneralFault, {}};
+    }
+    lock.lock();
+    source.failure = std::move(failure);
+    if (!source.failure) {
+        source.text = std::move(text);
+        source.readAt = Clock::now();
+    }
+    source.isRunning = false;
+    ++source.rounds;
+}
+
+void serve(const std::shared_ptr<Pool> &own, Worker &worker)
+{
+    std::unique_lock lock(own->mutex);
+    while (!own->isEnding) {
+        if (own->queue.empty()) {
+            ++own->idle;
+            own->work.wait(lock);
+            --own->idle;
+            continue;
+        }
+        const auto [path, source] = std::move(own->queue.front());
+        own->queue.pop_front();
+        readInto(*source, path, lock);
+        own->done.notify_all();
+    }
+    worker.hasEnded = true;
+    ++own->ended;
+    own->done.notify_all();
+}
+
+/** Waits for the threads to end, but not for those that the kernel doesn't give back. */
+void endThreads()
+{
+    const auto old = presentPool();
+    std::unique_lock lock(old->mutex);
+    if (old->workers.empty())
+        return;
+    {
+        const std::lock_guard others(poolMutex());
+        pool() = std::make_shared<Pool>();
+    }
+    old->isEnding = true;
+    old->work.notify_all();
+    old->done.wait_for(lock, longestWait, [&] { return old->ended == old->workers.size(); });
+    for (auto &worker : old->workers) {
+        if (worker.hasEnded)
+            continue;
+        worker.thread.detach();
+        stayLoaded();
+    }
+    lock.unlock();
+    for (auto &worker : old->workers) {
+        if (worker.thread.joinable())
+            worker.thread.join();
+    }
+}
+
+void startThread(const std::shared_ptr<Pool> &own)
+{
+    atLastRelease(&endThreads);
+    auto &worker = own->workers.emplace_back();
+    worker.thread = std::thread(serve, own, std::ref(worker));
+}
+
+} // namespace
+
+std::string readSlowText(const std::string &path)
+{
+    const auto own = presentPool();
+    std::unique_lock lock(own->mutex);
+    auto &entry = own->sources[path];
+    if (!entry)
+        entry = std::make_shared<Source>();
+    const auto source = entry;
+    const auto round = source->rounds;
+    if (!source->isRunning) {
+        source->isRunning = true;
+        own->queue.emplace_back(path, source);
+        if (own->idle < own->queue.size() && own->workers.size() < mostThreads)
+            startThread(own);
+        own->work.notify_one();
+    }
+    if (own->done.wait_for(lock, longestWait, [&] { return source->rounds != round; })) {
+        if (source->failure)
+            throw Failure(*source->failure);
+        return source->text;
+    }
+    if (source->readAt && Clock::now() - *source->readAt <= keptFor)
+        return source->text;
+    throw Failure{NotAvailable, {}};
+}
+
+std::int64_t readSlowNumber(const std::string &path)
+{
+    return numberIn(path, readSlowText(path));
+}
+
+double readSlowReal(const std::string &path)
+{
+    return realIn(path, readSlowText(path));
+}
+
+} // namespace linuxunit

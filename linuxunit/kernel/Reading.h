@@ -1,0 +1,24 @@
+#pragma once
+
+#include "linuxunit/kernel/files.h"
+
+#include <chrono>
+
+/**
+ * Values from devices that may be slow: a sensor on a bus, a sleeping hub. They are read on threads
+ * of the library, which begin with the first such reading and end with the last handle. A call
+ * waits for 100 ms at most. What isn't there by then is answered with the last value, if that isn't
+ * older than `keptFor`, else with 18; the reading goes on, and serves the next call. Each file is
+ * read by one thread at a time, however many ask. Any thread.
+ */
+namespace linuxunit {
+
+inline constexpr std::chrono::milliseconds longestWait{90}; ///< the rest is for what surrounds it
+inline constexpr std::chrono::seconds keptFor{5};
+
+/** First line of the file, as readText(). */
+std::string readSlowText(const std::string &path);
+std::int64_t readSlowNumber(const std::string &path);
+double readSlowReal(const std::string &path);
+
+} // namespace linuxunit
