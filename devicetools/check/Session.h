@@ -26,6 +26,7 @@ struct Options {
     bool write = false;
     bool power = false;
     std::string firmware;
+    int callLimit = 10; ///< seconds for one call, after which it counts as endless
 };
 
 /** An operation with what the caller gives; texts must outlive it. */

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -19,7 +20,6 @@
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 namespace check::system {
 
@@ -54,6 +54,15 @@ volatile std::sig_atomic_t caughtSignal = 0;
 extern "C" void noteSignal(int number)
 {
     caughtSignal = number;
+}
+
+/** What tells that a process has ended. */
+sigset_t childSignal()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGCHLD);
+    return set;
 }
 
 constexpr std::array endingSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
@@ -100,6 +109,11 @@ struct Process::Private {
 Process::Process(const std::vector<std::string> &arguments, const SharedMemory &memory)
     : d(std::make_unique<Private>())
 {
+    // Kept until it is waited for. Who ignores it, as a parent may have it, never gets a process's
+    // end.
+    std::signal(SIGCHLD, SIG_DFL);
+    const auto children = childSignal();
+    ::sigprocmask(SIG_BLOCK, &children, nullptr);
     d->output = namelessFile();
     // Not the descriptor that the memory gets: a duplicate onto itself would stay closed on exec.
     const int shared = ::fcntl(int(memory.descriptor()), F_DUPFD_CLOEXEC, 10);
@@ -146,7 +160,6 @@ Process::~Process()
 std::optional<End> Process::wait(std::chrono::milliseconds time)
 {
     const auto deadline = std::chrono::steady_clock::now() + time;
-    auto pause = std::chrono::microseconds(200);
     for (;;) {
         int status = 0;
         if (::waitpid(d->id, &status, WNOHANG) == d->id) {
@@ -158,10 +171,13 @@ std::optional<End> Process::wait(std::chrono::milliseconds time)
                 end.exitCode = WEXITSTATUS(status);
             return end;
         }
-        if (std::chrono::steady_clock::now() >= deadline)
+        const auto rest = std::chrono::nanoseconds(deadline - std::chrono::steady_clock::now());
+        if (rest.count() <= 0)
             return std::nullopt;
-        std::this_thread::sleep_for(pause);
-        pause = std::min(pause * 2, std::chrono::microseconds(20'000));
+        // Ends early when a process has ended, and when somebody wants this one to end.
+        const timespec most{rest.count() / 1'000'000'000, rest.count() % 1'000'000'000};
+        const auto children = childSignal();
+        ::sigtimedwait(&children, nullptr, &most);
     }
 }
 

@@ -167,6 +167,11 @@ int main(int argc, char **argv)
     app.add_option("--only", settings.only, "Runs this test alone; may be given several times")
         ->type_name("TEST")
         ->allow_extra_args(false);
+    app.add_option("--call-limit", settings.check.callLimit,
+           "A call without an answer for so long counts as endless")
+        ->type_name("SECONDS")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 3600));
     app.add_flag("--list", settings.list, "Lists the tests instead of running them");
     app.add_flag("--json", settings.json, "Prints JSON");
     app.add_option("LIBRARY", settings.check.library, "The device library's file");

@@ -16,7 +16,6 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr auto callLimit = seconds(10);  ///< for one call, after which it counts as endless
 constexpr auto testLimit = seconds(300); ///< for a test
 constexpr auto jobLimit = seconds(1800); ///< for one that follows firmware jobs
 constexpr auto stopLimit = seconds(8);   ///< for a test that was asked to put things back
@@ -113,12 +112,12 @@ void watch(Run &run, const Options &options, seconds limit)
             lastNews = now;
         }
         const auto asked = run.current();
-        const bool isEndless = !asked.empty() && now - lastNews > callLimit;
+        const bool isEndless = !asked.empty() && now - lastNews > seconds(options.callLimit);
         if (!isEndless && now < deadline)
             continue;
         run.culprit = asked;
         run.failure =
-            isEndless ? "no answer within " + std::to_string(callLimit.count()) + " s from " + asked
+            isEndless ? "no answer within " + std::to_string(options.callLimit) + " s from " + asked
                       : "not done within " + std::to_string(limit.count()) + " s";
         run.process.kill();
         run.process.wait(stopLimit);
