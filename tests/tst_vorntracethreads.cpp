@@ -20,6 +20,7 @@ public:
     Tree()
         : ProgramTree(QStringLiteral(VORN_DEVICE_LIBRARY))
     {
+        letOthersFindUnit();
         environment.insert(
             QStringLiteral("ASAN_OPTIONS"), environment.value(QStringLiteral("ASAN_OPTIONS")) +
                                                 QStringLiteral(":verify_asan_link_order=0"));

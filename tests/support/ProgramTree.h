@@ -38,6 +38,8 @@ public:
     void replaceDeviceLibrary(const QString &file) const;
     /** Puts a library beside the program, named as on Windows without ".dll". */
     void putBesideProgram(const QString &file, const QString &library) const;
+    /** Lets programs that lie elsewhere find our unit, where they don't know it by themselves. */
+    void letOthersFindUnit();
     /** BIOS data of the runs, in Latin-1. */
     void setBoard(const QByteArray &product) const;
     void setBiosVersion(const QByteArray &version) const;

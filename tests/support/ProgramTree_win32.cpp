@@ -68,6 +68,16 @@ void ProgramTree::putBesideProgram(const QString &file, const QString &library) 
     putIn(file, QStringLiteral("bin/%1.dll").arg(library));
 }
 
+void ProgramTree::letOthersFindUnit()
+{
+    // Alone, for the board's libraries are beside it where it was built.
+    QDir().mkpath(path(QStringLiteral("others")));
+    putIn(QStringLiteral(VORN_BIN_DIR "/VornAux2.dll"), QStringLiteral("others/VornAux2.dll"));
+    const QString search = QStringLiteral("PATH");
+    environment.insert(
+        search, environment.value(search) + QLatin1Char(';') + path(QStringLiteral("others")));
+}
+
 void ProgramTree::setBoard(const QByteArray &product) const
 {
     writeValue(boardKey, boardValue, REG_SZ, wide(product));

@@ -69,8 +69,24 @@ BOOL CALLBACK addPart(HWND child, LPARAM out)
     return TRUE;
 }
 
+/** Zero for a process that is gone. */
+DWORD parentOf(DWORD process)
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    DWORD parent = 0;
+    PROCESSENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32First(snapshot, &entry); more;
+         more = Process32Next(snapshot, &entry)) {
+        if (entry.th32ProcessID == process)
+            parent = entry.th32ParentProcessID;
+    }
+    CloseHandle(snapshot);
+    return parent;
+}
+
 struct Search {
-    DWORD process;
+    DWORD process; ///< whose box, or its child's
     HWND found;
 };
 
@@ -79,7 +95,9 @@ BOOL CALLBACK findBox(HWND window, LPARAM out)
     auto &search = *reinterpret_cast<Search *>(out);
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    if (process != search.process || !isOfClass(window, L"#32770") || !IsWindowVisible(window))
+    if (!isOfClass(window, L"#32770") || !IsWindowVisible(window))
+        return TRUE;
+    if (process != search.process && parentOf(process) != search.process)
         return TRUE;
     search.found = window;
     return FALSE;
