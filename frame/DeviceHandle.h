@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/VornAux2.h"
+#include "frame/workSteps.h"
 
 #include <type_traits>
 
@@ -9,7 +10,8 @@
  *
  * The order in which handles come and go is behaviour that a unit can see, so members and locals
  * of this type stand in the order in which the families are to be opened. Converts to the raw
- * handle, which stays owned by this object. Not for sharing between threads.
+ * handle, which stays owned by this object; that is done for a call on the device, so it is a step
+ * of work. Not for sharing between threads.
  */
 template <auto Create, auto Release>
 class DeviceHandle
@@ -28,7 +30,11 @@ public:
     DeviceHandle(const DeviceHandle &) = delete;
     DeviceHandle &operator=(const DeviceHandle &) = delete;
 
-    operator Raw() const { return raw; }
+    operator Raw() const
+    {
+        workStep();
+        return raw;
+    }
 
     /** Gives the handle back before the end of the scope. */
     void release()

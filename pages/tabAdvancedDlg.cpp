@@ -1,5 +1,6 @@
 #include "pages/tabAdvancedDlg.h"
 
+#include "frame/WaitNotice.h"
 #include "frame/reportError.h"
 #include "platform/platform.h"
 #include "report/factoryDefaults.h"
@@ -22,7 +23,8 @@ QString &lastFirmwareDirectory()
     return directory;
 }
 
-constexpr int endPause = 200; // milliseconds that the full bar stays before the result
+constexpr int shortestReset = 1600; // milliseconds that the touch controller is given in it
+constexpr int endPause = 200;       // milliseconds that the full bar stays before the result
 
 // By FirmwareState. A job that ended with an error has one name while it is followed and another in
 // the failure message.
@@ -303,7 +305,10 @@ void tabAdvancedDlg::clickedDefaults()
         QMessageBox::Yes | QMessageBox::No, this);
     if (box.exec() != QMessageBox::Yes)
         return;
-    applyFactoryDefaults();
+    {
+        const WaitNotice notice(this, shortestReset);
+        applyFactoryDefaults();
+    }
     box.setWindowTitle(QStringLiteral("Default Settings"));
     box.setText(
         QStringLiteral("Operation complete. Restart the system for all settings to take effect."));

@@ -1,5 +1,6 @@
 #include "pages/tabOnOffDlg.h"
 
+#include "frame/WaitNotice.h"
 #include "frame/deviceStatus.h"
 #include "frame/reportError.h"
 
@@ -119,6 +120,7 @@ void tabOnOffDlg::showPowerOnStartup()
 
 void tabOnOffDlg::ApplyClicked()
 {
+    const WaitNotice notice(this);
     int signalAction = ui->comboBox->currentIndex();
     int shortPressAction = ui->comboBox_2->currentIndex();
     int longPressAction = ui->comboBox_4->currentIndex();

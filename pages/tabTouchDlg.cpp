@@ -1,5 +1,6 @@
 #include "pages/tabTouchDlg.h"
 
+#include "frame/WaitNotice.h"
 #include "frame/reportError.h"
 #include "platform/platform.h"
 
@@ -74,6 +75,7 @@ tabTouchDlg::tabTouchDlg(QWidget *parent)
 
 void tabTouchDlg::showEvent(QShowEvent *)
 {
+    const WaitNotice notice(this);
     loadMode();
     showParameters();
 }
@@ -134,6 +136,7 @@ void tabTouchDlg::buttonCalibrateClicked()
 
 void tabTouchDlg::comboboxIndexChanged(int index)
 {
+    const WaitNotice notice(this);
     std::uint16_t value = 0;
     const auto code = Touch_getAdvancedSetting(touch, index, &value);
     ui->editTimeData->setText(code == DEVICE_OK ? QString::number(value) : QStringLiteral("Error"));
@@ -144,6 +147,7 @@ void tabTouchDlg::comboboxIndexChanged(int index)
 
 void tabTouchDlg::buttonApplySettingClicked()
 {
+    const WaitNotice notice(this);
     const int index = ui->comboBoxParameter->currentIndex();
     bool valid = false;
     const std::uint16_t value = ui->editTimeData->text().toUShort(&valid, 10);
@@ -162,6 +166,7 @@ void tabTouchDlg::buttonApplySettingClicked()
 
 void tabTouchDlg::buttonDefaultsClicked()
 {
+    const WaitNotice notice(this);
     const auto code = Touch_setAdvancedSetting(touch, TOUCH_RESTORE_DEFAULTS, 1);
     if (code != DEVICE_OK)
         return reportError(code, "setAdvancedSetting");
@@ -177,6 +182,7 @@ void tabTouchDlg::TabChanged(int index)
 
 void tabTouchDlg::showParameters()
 {
+    const WaitNotice notice(this);
     ui->textEdit->clear();
     QString text;
     for (int number = 0; number < TOUCH_RESTORE_DEFAULTS; ++number) {

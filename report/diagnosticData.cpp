@@ -1,5 +1,6 @@
 #include "frame/DeviceHandle.h"
 #include "frame/processorSensors.h"
+#include "frame/workSteps.h"
 #include "platform/platform.h"
 #include "report/formatters.h"
 #include "report/sections.h"
@@ -94,6 +95,7 @@ QString sensorLines(DiagnosticsHandle diagnostics)
     QString text;
     const int sensors =
         readProcessorSensors(diagnostics, [&text](int, const ProcessorSensor &sensor) {
+            workStep();
             text += formatShortLine(DEVICE_OK, sensorName(sensor.kind), sensor.celsius, celsius);
         });
     if (sensors == mostProcessorSensors)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/DeviceHandle.h"
+#include "frame/workSteps.h"
 
 #include <QString>
 
@@ -25,8 +26,10 @@ template <typename Handle>
 QString reportLines(std::type_identity_t<Handle> handle, std::span<const ReportRow<Handle>> rows)
 {
     QString text;
-    for (const auto &row : rows)
+    for (const auto &row : rows) {
+        workStep();
         text += row.line(handle, row.name);
+    }
     return text;
 }
 

@@ -1,6 +1,7 @@
 #include "report/tabAboutDlg.h"
 
 #include "frame/DeviceHandle.h"
+#include "frame/WaitNotice.h"
 #include "report/sections.h"
 #include "report/systemReport.h"
 
@@ -53,7 +54,8 @@ void tabAboutDlg::selectionIndexChanged(int index)
     // The first insertion into the list selects it.
     if (!initialised)
         return;
-    ui->textEditInfo->clear();
+    ui->textEditInfo->clear(); // before the notice, which shows an empty view then
+    const WaitNotice notice(this);
     if (index >= 0 && index < int(std::size(entries)))
         ui->textEditInfo->setPlainText(entries[index].text());
 }
@@ -68,6 +70,7 @@ void tabAboutDlg::SaveFileAs()
     if (file.open(QIODevice::WriteOnly)) {
         // Straight to the file: a text stream would encode the bytes once more. A disk that runs
         // full isn't told.
+        const WaitNotice notice(this);
         file.write(ui->textEditInfo->toPlainText().toLatin1());
         return;
     }

@@ -1,5 +1,6 @@
 #include "telematics/tabTelematicsDlg.h"
 
+#include "frame/WaitNotice.h"
 #include "platform/platform.h"
 #include "telematics/modemReply.h"
 #include "telematics/telematicsState.h"
@@ -48,6 +49,12 @@ void writeWithZero(const char (&command)[Size])
     serialWrite(gsmPort, command, Size);
 }
 
+/** The line falls silent behind every answer but the longest. Milliseconds. */
+int expectedTime()
+{
+    return gsmPort ? serialSilence : 0;
+}
+
 void letRepliesShow()
 {
     QCoreApplication::processEvents();
@@ -74,6 +81,7 @@ void tabTelematicsDlg::CallClicked()
     if (ui->editSMStext->text().isEmpty() || ui->editNumber->text().isEmpty())
         return showMessage(QStringLiteral("Please enter a number and some text"));
 
+    const WaitNotice notice(this, expectedTime());
     CommandBuffer command{};
     fill(command, "AT+CMGF=1", {}, "\r\n");
     write(command);
@@ -96,12 +104,14 @@ void tabTelematicsDlg::CallClicked()
 
 void tabTelematicsDlg::HangUpClicked()
 {
+    const WaitNotice notice(this, expectedTime());
     writeWithZero("ATH\r\n");
     readReply(128);
 }
 
 void tabTelematicsDlg::CustomExecClicked()
 {
+    const WaitNotice notice(this, expectedTime());
     CommandBuffer command{};
     fill(command, "", ui->editCustomAT->text(), "\r\n");
     write(command);
@@ -115,6 +125,7 @@ void tabTelematicsDlg::SetPinClicked()
     const int value = pin.toInt(&isNumber, 10);
     if (pin.size() != 4 || !isNumber || value >= 10000)
         return showMessage(QStringLiteral("Please enter a 4 digit PIN"));
+    const WaitNotice notice(this, expectedTime());
     CommandBuffer command{};
     fill(command, "AT+CPIN=", pin, "\r\n");
     write(command);
@@ -123,6 +134,7 @@ void tabTelematicsDlg::SetPinClicked()
 
 void tabTelematicsDlg::GetPinStatusClicked()
 {
+    const WaitNotice notice(this, expectedTime());
     writeWithZero("AT+CPIN?\r\n");
     readReply(128);
     ui->editPinStatus->setText(pinStateText(ui->textEditGSM->toPlainText()));
@@ -130,6 +142,7 @@ void tabTelematicsDlg::GetPinStatusClicked()
 
 void tabTelematicsDlg::GetNetworkStatusClicked()
 {
+    const WaitNotice notice(this, expectedTime());
     writeWithZero("AT+CREG?\r\n");
     readReply(128);
     ui->editNetworkStatus->setText(networkStateText(ui->textEditGSM->toPlainText()));

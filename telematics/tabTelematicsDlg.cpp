@@ -1,7 +1,9 @@
 #include "telematics/tabTelematicsDlg.h"
 
+#include "frame/WaitNotice.h"
 #include "frame/deviceStatus.h"
 #include "frame/endWithApplication.h"
+#include "frame/workSteps.h"
 #include "platform/platform.h"
 #include "telematics/rawView.h"
 #include "telematics/telematicsState.h"
@@ -31,6 +33,16 @@ QString portName(SettingsHandle settings, const char *key, const char *usual)
     if (code != DEVICE_OK || name[0] == '\0')
         return QString::fromLatin1(usual);
     return QString::fromUtf8(name.data()); // as the page stores it; other texts are Latin-1
+}
+
+/** Whether the thread has ended in time. */
+bool waitFor(MyGPSThread *thread)
+{
+    // In two pieces, so that the user is told of a thread that is held up by a slow unit.
+    if (thread->wait(WaitNotice::patience))
+        return true;
+    workStep();
+    return thread->wait(longestThreadEnd - WaitNotice::patience);
 }
 
 /** Leaves a thread to end when its read or its device call does, but no later than the program.
@@ -288,6 +300,7 @@ SerialPort *tabTelematicsDlg::openPort(const QString &name, std::int32_t baudCod
 
 void tabTelematicsDlg::TabChanged(int)
 {
+    const WaitNotice notice(this);
     refreshStatus();
     ui->textEditGSM->clear();
     ui->textEdit->clear();
@@ -394,7 +407,7 @@ void tabTelematicsDlg::leaveGpsTab()
         return;
     MyGPSThread *thread = std::exchange(gpsThread, nullptr);
     thread->stop();
-    if (thread->wait(longestThreadEnd))
+    if (waitFor(thread))
         delete thread;
     else
         giveUp(thread);

@@ -1,3 +1,4 @@
+#include "frame/WaitNotice.h"
 #include "telematics/tabTelematicsDlg.h"
 #include "telematics/telematicsState.h"
 #include "tests/support/PageTest.h"
@@ -12,6 +13,36 @@
 #include <thread>
 
 using namespace support;
+
+namespace {
+
+/** Notes what the modem has been told when a wait notice is painted. */
+class NoticeWatch : public QObject
+{
+public:
+    explicit NoticeWatch(PseudoTerminal &line)
+        : modem(line)
+    {
+        qApp->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && watched->objectName() == WaitNotice::stripName()) {
+            if (paints++ == 0)
+                told = modem.receiveAll(0);
+        }
+        return false;
+    }
+
+    int paints = 0;
+    QByteArray told;
+
+private:
+    PseudoTerminal &modem;
+};
+
+} // namespace
 
 /** The modem console of the Telematics page, with the modem's end of the line in the test's hand.
  */
@@ -54,6 +85,34 @@ private slots:
         QVERIFY(clock.elapsed() < 3000);
         QCOMPARE(text("editPinStatus"), "PIN code status: Unknown"_s);
         QCOMPARE(text("editNetworkStatus"), "Network status: Unknown"_s);
+    }
+
+    /** A dialogue lasts, so the user hears of it before its first command. */
+    void waitNotice_data()
+    {
+        QTest::addColumn<QByteArray>("button");
+        QTest::addColumn<int>("size");
+        QTest::newRow("SMS") << QByteArray("pushButtonCall") << 3 * 256;
+        QTest::newRow("custom") << QByteArray("pushButtonCustomExec") << 512;
+        QTest::newRow("set PIN") << QByteArray("pushButtonSetPin") << 128;
+        QTest::newRow("PIN state") << QByteArray("pushButtonGetPIN") << 128;
+        QTest::newRow("network") << QByteArray("pushButtonGetNetwork") << 128;
+    }
+
+    void waitNotice()
+    {
+        QFETCH(QByteArray, button);
+        QFETCH(int, size);
+        type("editNumber", "123"_s);
+        type("editPin", "0000"_s);
+        QVERIFY(QTest::qWaitForWindowExposed(page.get()));
+        QVERIFY(modem->send(QByteArray(size, 'x'))); // so that no read waits for silence
+        const NoticeWatch watch(*modem);
+        press(button.constData());
+        QVERIFY(watch.paints > 0);
+        QCOMPARE(watch.told, QByteArray());
+        QVERIFY(!QApplication::overrideCursor());
+        QVERIFY(!page->findChild<QWidget *>(WaitNotice::stripName()));
     }
 
     void silentModem_data()

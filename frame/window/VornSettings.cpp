@@ -1,5 +1,6 @@
 #include "frame/window/VornSettings.h"
 
+#include "frame/busyInterfaces.h"
 #include "frame/window/tabMenuDlg.h"
 #include "pages/tabAdvancedDlg.h"
 #include "pages/tabBacklightDlg.h"
@@ -67,6 +68,7 @@ VornSettings::VornSettings(QWidget *parent, Qt::WindowFlags flags)
     , layout(new QVBoxLayout)
 {
     setStyleSheet(globalStyleSheet());
+    installBusyInterfaces();
     layout->setContentsMargins(pageMargins);
     layout->setSpacing(0);
     buildPages(askFeatures());

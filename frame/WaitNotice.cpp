@@ -1,0 +1,130 @@
+#include "frame/WaitNotice.h"
+
+#include "frame/workSteps.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QEvent>
+#include <QLabel>
+#include <QWindow>
+
+#include <utility>
+
+namespace {
+
+constexpr int stripHeight = 54; // pixels: the foot of the window, where its buttons are
+
+WaitNotice *innermost = nullptr;
+bool stepsAreLong = false; // as the last work went
+
+} // namespace
+
+WaitNotice::WaitNotice(QWidget *page, int expected)
+    : window(page->window())
+    , knownToLast(expected >= patience)
+{
+    const bool partOfOther = innermost && innermost->atWork;
+    if (partOfOther || !window->isVisible())
+        return;
+    outer = std::exchange(innermost, this);
+    workStepListener = [] { innermost->stepDone(); };
+    window->windowHandle()->installEventFilter(this);
+    if (QWidget *list = QApplication::activePopupWidget())
+        list->close();
+    begin();
+    window->repaint(); // some window systems leave a list that is gone on the screen
+    if (knownToLast || stepsAreLong)
+        showStrip();
+}
+
+WaitNotice::~WaitNotice()
+{
+    if (innermost != this)
+        return;
+    judgeStep();
+    if (!knownToLast)
+        stepsAreLong = hadLongStep;
+    suspend();
+    innermost = outer;
+    if (!innermost)
+        workStepListener = nullptr;
+}
+
+bool WaitNotice::isBusy(const QWidget *window)
+{
+    return innermost && innermost->atWork && innermost->window == window;
+}
+
+bool WaitNotice::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::WindowBlocked)
+        suspend();
+    else if (event->type() == QEvent::WindowUnblocked)
+        begin();
+    return QObject::eventFilter(watched, event);
+}
+
+void WaitNotice::begin()
+{
+    if (atWork)
+        return;
+    atWork = true;
+    work.start();
+    step.start();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    announce();
+}
+
+void WaitNotice::suspend()
+{
+    if (!atWork)
+        return;
+    judgeStep();
+    atWork = false;
+    pictureStale = true;
+    delete strip;
+    QApplication::restoreOverrideCursor();
+    announce();
+}
+
+void WaitNotice::stepDone()
+{
+    if (!atWork || !window)
+        return;
+    judgeStep();
+    step.start();
+    if (std::exchange(pictureStale, false))
+        window->repaint();
+    if (work.elapsed() >= patience)
+        showStrip();
+}
+
+void WaitNotice::judgeStep()
+{
+    if (atWork && step.elapsed() >= patience)
+        hadLongStep = true;
+}
+
+void WaitNotice::showStrip()
+{
+    if (strip)
+        return;
+    strip = new QLabel(window);
+    strip->setObjectName(stripName()); // before anybody asks for its interface
+    strip->setText(QStringLiteral("Please wait..."));
+    strip->setAccessibleName(strip->text());
+    strip->setAlignment(Qt::AlignCenter);
+    strip->setGeometry(0, window->height() - stripHeight, window->width(), stripHeight);
+    strip->show();
+    strip->repaint();
+}
+
+void WaitNotice::announce()
+{
+    if (!window)
+        return;
+    QAccessible::State changed;
+    changed.busy = true;
+    QAccessibleStateChangeEvent event(window, changed);
+    QAccessible::updateAccessibility(&event);
+}
