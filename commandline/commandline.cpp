@@ -1,5 +1,6 @@
 #include "commandline/commandline.h"
 
+#include "commandline/version.h"
 #include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
@@ -84,7 +85,10 @@ std::string usageMessage(const CLI::App &app, const CLI::ParseError &error)
 
 int parse(CLI::App &app, std::vector<std::string> arguments)
 {
-    app.set_version_flag("--version", app.get_name() + " " + VORN_VERSION, "Prints the version");
+    const std::string_view version = vornVersion;
+    app.set_version_flag("--version",
+        std::string(app.get_name()).append(version.substr(version.find(' '))),
+        "Prints the version and the commit");
     std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
     int exitCode = Done;
     try {

@@ -150,7 +150,7 @@ void VornreportTest::helps()
         QVERIFY2(more.out.contains("Example"), command);
     }
     const Outcome version = run({"--version"_s});
-    QCOMPARE(version.out, QByteArray("vornreport 2.7.2.0\n"));
+    QVERIFY2(version.out.startsWith("vornreport 2.7.2.0 ("), version.out.constData());
 }
 
 void VornreportTest::refusesWrongUsage_data()
