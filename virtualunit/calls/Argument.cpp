@@ -1,17 +1,15 @@
 #include "virtualunit/calls/Argument.h"
 
-#include "virtualunit/calls/Journal.h"
-#include "virtualunit/state/Property.h"
+#include "devicetools/notation.h"
 
 namespace virtualunit {
 
 namespace {
 
-std::string listed(std::initializer_list<std::int64_t> numbers)
+std::string recordText(const char *type, const void *record)
 {
     std::string text;
-    for (const auto number : numbers)
-        text += (text.empty() ? "" : ", ") + std::to_string(number);
+    notation::appendRecord(text, type, record);
     return text;
 }
 
@@ -24,30 +22,31 @@ std::string journalText(bool value)
 
 std::string journalText(double value)
 {
-    return formatReal(value);
+    std::string text;
+    notation::appendReal(text, value);
+    return text;
 }
 
 std::string journalText(const char *latin1)
 {
-    return latin1 ? quoted(latin1) : "null";
+    std::string text;
+    notation::appendText(text, latin1);
+    return text;
 }
 
 std::string journalText(const DiagnosticTimes &times)
 {
-    return listed({times.totalRunTime, times.totalSuspendTime, times.totalHeatTime,
-        times.runTime40To60, times.runTime60To70, times.runTime70To80, times.runTimeAbove80});
+    return recordText("DiagnosticTimes", &times);
 }
 
 std::string journalText(const BatteryTimes &times)
 {
-    return listed({times.runTimeMainPower, times.runTimeBatteryPower, times.runTimeBelowMinus20,
-        times.runTimeMinus20To0, times.runTime0To40, times.runTime40To60, times.runTime60To70,
-        times.runTime70To80, times.runTimeAbove80});
+    return recordText("BatteryTimes", &times);
 }
 
 std::string journalText(const FirmwareUpgradeStatus &status)
 {
-    return listed({status.state, status.percent, status.errorCode});
+    return recordText("FirmwareUpgradeStatus", &status);
 }
 
 Argument Argument::flag(DeviceBool *out)

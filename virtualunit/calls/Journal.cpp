@@ -1,10 +1,11 @@
 #include "virtualunit/calls/Journal.h"
 
-#include "virtualunit/state/latin1.h"
+#include "devicetools/notation.h"
 #include "virtualunit/system/system.h"
 
 #include <atomic>
 #include <cstdio>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -15,22 +16,77 @@ namespace {
 std::atomic<unsigned> generation{0};
 std::atomic<bool> inMemory{false};
 
-/** Null without VORN_JOURNAL. */
-system::AppendedFile *journalFile()
+/** VORN_JOURNAL's file. It is open from the first call on until the library goes. */
+class JournalFile
 {
-    static system::AppendedFile *const file = [] {
-        const auto path = system::environment("VORN_JOURNAL");
-        if (path.empty())
-            return static_cast<system::AppendedFile *>(nullptr);
-        std::string reason;
-        auto opened = system::AppendedFile::open(system::pathOf(path), reason);
-        if (!opened)
-            std::fprintf(stderr,
-                "The journal \"%s\" can't be written, calls go on without it: %s\n", path.c_str(),
-                reason.c_str());
-        return opened.release();
-    }();
-    return file;
+public:
+    /** Whether calls go there. Cheap. */
+    bool isOpen() { return state.load(std::memory_order_relaxed) == State::Open || opens(); }
+    void append(std::string_view text);
+
+private:
+    enum class State { Unknown, Open, None };
+
+    bool opens();
+    void close();
+
+    std::atomic<State> state{State::Unknown};
+    std::mutex mutex;
+    std::unique_ptr<system::AppendedFile> file;
+};
+
+bool JournalFile::opens()
+{
+    if (state == State::None)
+        return false;
+    const std::lock_guard lock(mutex);
+    if (state != State::Unknown)
+        return state == State::Open;
+    state = State::None;
+    const auto path = system::environment("VORN_JOURNAL");
+    if (path.empty())
+        return false;
+    std::string reason;
+    file = system::AppendedFile::open(system::pathOf(path), reason);
+    if (!file) {
+        std::fprintf(stderr, "The journal \"%s\" can't be written, calls go on without it: %s\n",
+            path.c_str(), reason.c_str());
+        return false;
+    }
+    struct Closer {
+        JournalFile &journal;
+        ~Closer() { journal.close(); }
+    };
+    static const Closer closer{*this};
+    state = State::Open;
+    return true;
+}
+
+void JournalFile::append(std::string_view text)
+{
+    if (!isOpen())
+        return;
+    const std::lock_guard lock(mutex);
+    if (file)
+        file->append(text);
+}
+
+/** At the library's end, which is the process's end, too: who calls still, opens it again. */
+void JournalFile::close()
+{
+    // Not while another thread waits for a pipe's reader, who may never come.
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (!lock)
+        return;
+    file.reset();
+    state = State::Unknown;
+}
+
+/** Never destroyed, as the record below. */
+JournalFile &journalFile()
+{
+    static auto *const only = new JournalFile;
+    return *only;
 }
 
 /** Never destroyed: threads may still call while the process ends. */
@@ -68,7 +124,7 @@ unsigned threadNumber(Record &calls)
 
 bool journalRuns() noexcept
 {
-    return inMemory.load(std::memory_order_relaxed) || journalFile() != nullptr;
+    return inMemory.load(std::memory_order_relaxed) || journalFile().isOpen();
 }
 
 unsigned journalGeneration() noexcept
@@ -91,31 +147,10 @@ void journal(const char *operation, std::optional<unsigned> handle, std::string 
     auto &calls = record();
     const std::lock_guard lock(calls.mutex);
     call.thread = threadNumber(calls);
-    if (auto *file = journalFile())
-        file->append(call.text() + "\n");
+    if (journalFile().isOpen())
+        journalFile().append(call.text() + "\n");
     if (inMemory)
         calls.calls.push_back(std::move(call));
-}
-
-std::string quoted(std::string_view latin1)
-{
-    std::string text = "\"";
-    for (const char character : latin1) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '"' || character == '\\') {
-            text += '\\';
-            text += character;
-        } else if (character == '\n') {
-            text += "\\n";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\x%02x", unsigned(byte));
-            text += code;
-        } else {
-            text += fromLatin1({&character, 1});
-        }
-    }
-    return text + "\"";
 }
 
 std::string Call::text() const
@@ -125,8 +160,10 @@ std::string Call::text() const
         line += "#" + std::to_string(handle) + (arguments.empty() ? "" : ", ");
     line += arguments + ")";
     const bool givesText = operation.ends_with("Text");
-    if (!result.empty() || givesText)
-        line += " = " + (givesText ? virtualunit::quoted(result) : result);
+    if (givesText)
+        notation::appendText(line += " = ", result);
+    else if (!result.empty())
+        line += " = " + result;
     if (!outs.empty())
         line += " [" + outs + "]";
     return line;

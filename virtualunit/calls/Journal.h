@@ -15,7 +15,4 @@ unsigned journalGeneration() noexcept;
 void journal(const char *operation, std::optional<unsigned> handle, std::string result,
     std::string arguments, std::string outs);
 
-/** A text in double quotes that stays on one line, in UTF-8. */
-std::string quoted(std::string_view latin1);
-
 } // namespace virtualunit
