@@ -1,10 +1,14 @@
 #include "tests/support/LinuxUnit_posix.h"
 #include "tests/support/literals.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QtTest>
 
+#include <fcntl.h>
 #include <set>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using support::LinuxUnit;
 using support::operator""_s;
@@ -16,6 +20,70 @@ int kindOf(const LinuxUnit::Answer &answer)
 {
     return answer.code % 1000;
 }
+
+constexpr const char *panel = "/sys/class/backlight/rpi_backlight";
+
+void addPanel(const LinuxUnit &unit, const QByteArray &highest, const QByteArray &level)
+{
+    const auto folder = QLatin1String(panel);
+    unit.write(folder + "/max_brightness"_s, highest);
+    unit.write(folder + "/brightness"_s, level);
+    unit.write(folder + "/actual_brightness"_s, level);
+    unit.write(folder + "/bl_power"_s, "0\n");
+    unit.write(folder + "/type"_s, "raw\n");
+}
+
+void addLight(const LinuxUnit &unit, const QByteArray &lux)
+{
+    const auto folder = "/sys/bus/iio/devices/iio:device0"_s;
+    unit.write(folder + "/name"_s, "acpi-als\n");
+    unit.write(folder + "/in_illuminance_input"_s, lux);
+}
+
+/** What a spoilt file makes of a reading. */
+struct Spoilt {
+    const char *name;
+    const char *content; ///< null for a file that isn't there
+    int kind;
+    const char *words; ///< in the text of the code
+};
+
+const Spoilt spoiltFiles[] = {
+    {"vanished", nullptr, 18, "Not available"},
+    {"of no bytes", "", 18, "Not available"},
+    {"nonsense", "soup\n", 104, "brightness holds \"soup\" where a number is expected"},
+    {"control characters", "1\x01\x02 2\n", 104, "holds \"1?? 2\""},
+    {"hexadecimal", "0x1f\n", 104, "holds \"0x1f\""},
+    {"beyond 64 bits", "99999999999999999999\n", 104, "where a number is expected"},
+    {"negative", "-1\n", 104, "beyond max_brightness"},
+    {"beyond the top", "256\n", 104, "beyond max_brightness"},
+};
+
+struct Rejected {
+    const char *name;
+    const char *text;
+    const char *words;
+};
+
+const Rejected wrongFiles[] = {
+    {"empty", "", "line 1: syntax error"},
+    {"unfinished", "{\n\"buzzer\": {", "line 2: syntax error"},
+    {"no object", "[]", "line 1: the file is no object"},
+    {"unknown section", "{\n\n  \"backlit\": {}\n}", "line 3: backlit is unknown here"},
+    {"unknown key", "{\"buzzer\":\n {\"volume\":\n 3}}", "line 3: buzzer/volume is unknown here"},
+    {"true for a section", "{\"buzzer\": true}", "line 1: buzzer is no object"},
+    {"wrong type", "{\"backlight\": {\n\"device\": 7\n}}", "line 2: backlight/device is no string"},
+    {"empty name", "{\"backlight\": {\"device\": \"\"}}", "backlight/device is empty"},
+    {"below", "{\"backlight\": {\"darkest\": -1}}", "backlight/darkest is below 0"},
+    {"above", "{\"hardware\": {\"counts\": {\n\"usb\": 256}}}",
+        "line 2: hardware/counts/usb is above 255"},
+    {"lacking", "{\"adc\": {\n\"rails\": [\n{\"channel\": 2}]}}",
+        "line 3: adc/rails/0 lacks \"chip\""},
+    {"other kind", "{\"temperatures\": {\"processor\": [{\"chip\": \"a\", \"kind\": \"nose\"}]}}",
+        "temperatures/processor/0/kind is none of"},
+    {"twice", "{\"name\": \"a\",\n\"name\": \"b\"}", "line 2: \"name\" stands there twice"},
+    {"no UTF-8", "{\"name\": \"\xFF\"}", "line 1: syntax error"},
+};
 
 } // namespace
 
@@ -29,13 +97,36 @@ private slots:
     void handlesAndPointersAreChecked();
     void stringsStay();
     void stringsNeedAFolder();
+    void wrongConfigurationIsNamed_data();
+    void wrongConfigurationIsNamed();
+    void configurationIsReadAnew();
+    void backlightIsScaledWithoutDrift_data();
+    void backlightIsScaledWithoutDrift();
+    void backlightPowerAndHealth();
+    void bestBacklightIsTaken();
+    void spoiltBacklightIsNamed_data();
+    void spoiltBacklightIsNamed();
+    void missingRightsAreNamed();
+    void slowFilesDoNotBlock();
+    void illuminanceIsScaled();
+    void automaticBacklightFollowsTheLight();
+    void averageForgivesFlashes();
+    void sensorsAreWalked();
+    void sixtyFourSensors();
+    void railsAreMapped();
+    void identityIsTold();
+    void versionsAreTold();
+    void batteryIsTold();
+    void ledShowsColorsAndBlinks();
+    void multicolorLedKeepsItsOrder();
 };
 
 void LinuxUnitTest::bareMachineHasNothing()
 {
     LinuxUnit unit;
     // What the library knows of itself and of the settings that it keeps.
-    const std::set<std::string> answered{"Settings_getString", "Settings_setString"};
+    const std::set<std::string> answered{
+        "Settings_getString", "Settings_setString", "Versions_getVornAuxVersion"};
     for (const auto &operation : contract::operations) {
         if (answered.count(operation.name) > 0)
             continue;
@@ -103,6 +194,506 @@ void LinuxUnitTest::stringsNeedAFolder()
     // The sentence has a code of its own, and keeps it.
     QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).code, answer.code);
     QVERIFY(answer.code > 1000);
+}
+
+void LinuxUnitTest::wrongConfigurationIsNamed_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("words");
+    for (const auto &row : wrongFiles)
+        QTest::newRow(row.name) << QByteArray(row.text) << QByteArray(row.words);
+}
+
+void LinuxUnitTest::wrongConfigurationIsNamed()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, words);
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    unit.write("/etc/vornaux/unit.json"_s, text);
+    const auto answer = unit.call("Backlight_getIntensity");
+    QCOMPARE(kindOf(answer), 105);
+    const auto told = unit.textOf(answer);
+    QVERIFY2(told.startsWith("/etc/vornaux/unit.json, line "), told.constData());
+    QVERIFY2(told.contains(words), told.constData());
+}
+
+void LinuxUnitTest::configurationIsReadAnew()
+{
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 0);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"backlight": false})");
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 2);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"backlight": {"device": "other"}})");
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 18);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"backlight": {"device": "rpi_backlight"}})");
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 0);
+    unit.write(
+        "/etc/vornaux/unit.json"_s, R"({"backlight": {"device": "rpi_backlight", "darkest": 55}})");
+    QCOMPARE(unit.call("Backlight_setIntensity", {0.0}).code, 0);
+    QCOMPARE(unit.read(QLatin1String(panel) + "/brightness"_s), QByteArray("55"));
+}
+
+void LinuxUnitTest::backlightIsScaledWithoutDrift_data()
+{
+    QTest::addColumn<int>("highest");
+    for (const int highest : {1, 7, 15, 31, 100, 255, 851, 19393, 65535})
+        QTest::addRow("%d", highest) << highest;
+}
+
+void LinuxUnitTest::backlightIsScaledWithoutDrift()
+{
+    QFETCH(int, highest);
+    LinuxUnit unit;
+    addPanel(unit, QByteArray::number(highest) + '\n', QByteArray::number(highest) + '\n');
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{255});
+    for (int intensity = 0; intensity <= 255; ++intensity) {
+        QCOMPARE(unit.call("Backlight_setIntensity", {double(intensity)}).code, 0);
+        const auto raw = unit.read(QLatin1String(panel) + "/brightness"_s).toInt();
+        QVERIFY(std::abs(raw - intensity * highest / 255.0) <= 0.5);
+        QCOMPARE(
+            unit.call("Backlight_getIntensity").numbers, std::vector<double>{double(intensity)});
+    }
+    // What others set is read as it is.
+    unit.write(QLatin1String(panel) + "/brightness"_s, "0\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{0});
+}
+
+void LinuxUnitTest::backlightPowerAndHealth()
+{
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QCOMPARE(unit.call("Power_getBLPowerStatus").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Power_setBLPowerStatus", {0.0}).code, 0);
+    QCOMPARE(unit.read(QLatin1String(panel) + "/bl_power"_s), QByteArray("4"));
+    QCOMPARE(unit.call("Power_getBLPowerStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Power_setBLPowerStatus", {2.0}).code, 5);
+    QCOMPARE(unit.call("Backlight_getHealthStatus").numbers, std::vector<double>{1});
+    // What reads a foreign process's memory at 0 answers EIO.
+    unit.remove(QLatin1String(panel) + "/actual_brightness"_s);
+    unit.link(QLatin1String(panel) + "/actual_brightness"_s, "/proc/self/mem");
+    QCOMPARE(unit.call("Backlight_getHealthStatus").numbers, std::vector<double>{0});
+    unit.remove(QLatin1String(panel) + "/brightness"_s);
+    unit.link(QLatin1String(panel) + "/brightness"_s, "/proc/self/mem");
+    const auto answer = unit.call("Backlight_getIntensity");
+    QCOMPARE(kindOf(answer), 102);
+    QCOMPARE(unit.textOf(answer),
+        QByteArray(
+            "Reading /sys/class/backlight/rpi_backlight/brightness failed: Input/output error"));
+    unit.remove(QLatin1String(panel) + "/bl_power"_s);
+    QCOMPARE(unit.call("Power_getBLPowerStatus").code, 2);
+}
+
+void LinuxUnitTest::bestBacklightIsTaken()
+{
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "0\n");
+    unit.write("/sys/class/backlight/acpi_video0/type"_s, "firmware\n");
+    unit.write("/sys/class/backlight/acpi_video0/max_brightness"_s, "10\n");
+    unit.write("/sys/class/backlight/acpi_video0/brightness"_s, "10\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{255});
+    unit.remove("/sys/class/backlight/acpi_video0"_s);
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{0});
+    unit.remove(QLatin1String(panel));
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 18);
+    unit.releaseAll();
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 2);
+}
+
+void LinuxUnitTest::spoiltBacklightIsNamed_data()
+{
+    QTest::addColumn<int>("row");
+    for (int row = 0; row < int(std::size(spoiltFiles)); ++row)
+        QTest::newRow(spoiltFiles[row].name) << row;
+}
+
+void LinuxUnitTest::spoiltBacklightIsNamed()
+{
+    QFETCH(int, row);
+    const auto &spoilt = spoiltFiles[row];
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 0);
+    if (spoilt.content)
+        unit.write(QLatin1String(panel) + "/brightness"_s, spoilt.content);
+    else
+        unit.remove(QLatin1String(panel) + "/brightness"_s);
+    const auto answer = unit.call("Backlight_getIntensity");
+    QCOMPARE(kindOf(answer), spoilt.kind);
+    QVERIFY2(unit.textOf(answer).contains(spoilt.words), unit.textOf(answer).constData());
+    unit.write(QLatin1String(panel) + "/brightness"_s, "7\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{7});
+}
+
+void LinuxUnitTest::missingRightsAreNamed()
+{
+    if (::geteuid() == 0)
+        QSKIP("root may write anywhere");
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QFile file(unit.path(QLatin1String(panel) + "/brightness"_s));
+    QVERIFY(file.setPermissions(QFile::ReadOwner));
+    const auto answer = unit.call("Backlight_setIntensity", {3.0});
+    QCOMPARE(kindOf(answer), 101);
+    QVERIFY2(unit.textOf(answer).startsWith("No permission to write "
+                                            "/sys/class/backlight/rpi_backlight/brightness; add "
+                                            "yourself to group"),
+        unit.textOf(answer).constData());
+    QVERIFY(file.setPermissions({}));
+    QCOMPARE(unit.textOf(unit.call("Backlight_getIntensity")),
+        QByteArray("No permission to read /sys/class/backlight/rpi_backlight/brightness"));
+}
+
+void LinuxUnitTest::slowFilesDoNotBlock()
+{
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{100});
+    const auto path = QLatin1String(panel) + "/brightness"_s;
+    unit.remove(path);
+    // Nobody writes to it, so that reading it doesn't come to an end.
+    QCOMPARE(::mkfifo(QFile::encodeName(unit.path(path)).constData(), 0600), 0);
+    for (int round = 0; round < 3; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{100});
+        QVERIFY2(timer.elapsed() < 150, qPrintable(QString::number(timer.elapsed())));
+    }
+    // Without a value from before there is none.
+    unit.releaseAll();
+    QCOMPARE(unit.call("Backlight_getIntensity").code, 18);
+    // Whoever waits for the file gets its end, and the threads go.
+    const int writer =
+        ::open(QFile::encodeName(unit.path(path)).constData(), O_WRONLY | O_NONBLOCK);
+    QVERIFY(writer >= 0);
+    ::close(writer);
+}
+
+void LinuxUnitTest::illuminanceIsScaled()
+{
+    LinuxUnit unit;
+    QCOMPARE(unit.call("LightSensor_getIlluminance").code, 2);
+    const auto folder = "/sys/bus/iio/devices/iio:device3"_s;
+    unit.write(folder + "/name"_s, "als\n");
+    unit.write(folder + "/in_illuminance_raw"_s, "209\n");
+    QCOMPARE(unit.call("LightSensor_getIlluminance").code, 2); // of an unknown unit
+    unit.write(folder + "/in_illuminance_scale"_s, "0.100000\n");
+    unit.write(folder + "/in_illuminance_offset"_s, "1\n");
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{21});
+    unit.write("/etc/vornaux/unit.json"_s, R"({"lightSensor": {"device": "als", "factor": 2.5}})");
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{53});
+    unit.write(folder + "/in_illuminance_raw"_s, "16777216\n");
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{65535});
+    unit.write(folder + "/in_illuminance_raw"_s, "-9\n");
+    QCOMPARE(kindOf(unit.call("LightSensor_getIlluminance")), 104);
+    unit.write(folder + "/in_illuminance_raw"_s, "inf\n");
+    QCOMPARE(kindOf(unit.call("LightSensor_getIlluminance")), 104);
+    unit.remove(folder);
+    QCOMPARE(unit.call("LightSensor_getIlluminance").code, 18);
+}
+
+void LinuxUnitTest::automaticBacklightFollowsTheLight()
+{
+    LinuxUnit unit;
+    addPanel(unit, "255\n", "100\n");
+    QCOMPARE(unit.call("Backlight_startAutomaticBL").code, 2);
+    addLight(unit, "1000\n");
+    QCOMPARE(unit.call("Backlight_getAutomaticBLStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Backlight_setAutomaticBLParams", {0.0}).code, 0);
+    QCOMPARE(unit.call("Backlight_getAutomaticBLParams").numbers, (std::vector<double>{0, 50}));
+    QCOMPARE(unit.call("Backlight_setAutomaticBLFilter", {1.0, 0.0, 5.0, 2.0}).code, 0);
+    QCOMPARE(unit.call("Backlight_setAutomaticBLFilter", {0.0, 0.0, 5.0, 2.0}).code, 5);
+    QCOMPARE(unit.call("Backlight_setAutomaticBLFilter", {1.0, 0.0, 5.0, 3.0}).code, 5);
+    QCOMPARE(
+        unit.call("Backlight_getAutomaticBLFilter").numbers, (std::vector<double>{1, 0, 5, 2}));
+    QCOMPARE(unit.call("Backlight_startAutomaticBL").code, 0);
+    QCOMPARE(unit.call("Backlight_getAutomaticBLStatus").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("LightSensor_startAverageCalc", {5.0, 5.0, 100.0, 2.0}).code, 20);
+    QTRY_COMPARE(unit.read(QLatin1String(panel) + "/brightness"_s), QByteArray("165"));
+    addLight(unit, "0\n");
+    QTRY_COMPARE(unit.read(QLatin1String(panel) + "/brightness"_s), QByteArray("15"));
+    // Gone for a while.
+    unit.remove("/sys/bus/iio/devices/iio:device0"_s);
+    QTest::qWait(450);
+    addLight(unit, "9\n");
+    QTRY_COMPARE(unit.read(QLatin1String(panel) + "/brightness"_s), QByteArray("65"));
+    QCOMPARE(unit.call("Backlight_stopAutomaticBL").code, 0);
+    QCOMPARE(unit.call("Backlight_getAutomaticBLStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("LightSensor_startAverageCalc", {5.0, 5.0, 100.0, 2.0}).code, 0);
+    // It ends with the handles.
+    QCOMPARE(unit.call("Backlight_startAutomaticBL").code, 0);
+    unit.releaseAll();
+    QCOMPARE(unit.call("Backlight_getAutomaticBLStatus").numbers, std::vector<double>{0});
+}
+
+void LinuxUnitTest::averageForgivesFlashes()
+{
+    LinuxUnit unit;
+    addLight(unit, "100\n");
+    QCOMPARE(unit.call("LightSensor_startAverageCalc", {4.0, 100.0, 50.0, 2.0}).code, 0);
+    QTest::qWait(300);
+    addLight(unit, "60000\n");
+    QTest::qWait(450);
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{100});
+    QCOMPARE(unit.call("LightSensor_stopAverageCalc").code, 0);
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{60000});
+    QCOMPARE(unit.call("LightSensor_startAverageCalc", {0.0, 0.0, 50.0, 2.0}).code, 5);
+}
+
+void LinuxUnitTest::sensorsAreWalked()
+{
+    LinuxUnit unit;
+    const auto write = [&](const char *path, const char *content) {
+        unit.write("/sys/class/"_s + QLatin1String(path), content);
+    };
+    write("hwmon/hwmon0/name", "acpitz\n");
+    write("hwmon/hwmon0/temp1_input", "27800\n");
+    unit.link("/sys/class/hwmon/hwmon0/device"_s, "../../thermal/thermal_zone0");
+    write("thermal/thermal_zone0/type", "acpitz\n");
+    write("thermal/thermal_zone0/temp", "27800\n");
+    write("thermal/thermal_zone1/type", "x86_pkg_temp\n");
+    write("thermal/thermal_zone1/temp", "50000\n");
+    write("thermal/thermal_zone2/type", "pch_skylake\n");
+    write("thermal/thermal_zone2/temp", "-4499\n");
+    write("hwmon/hwmon1/name", "coretemp\n");
+    write("hwmon/hwmon1/temp1_input", "50500\n");
+    write("hwmon/hwmon1/temp1_label", "Package id 0\n");
+    write("hwmon/hwmon1/temp10_input", "49000\n");
+    write("hwmon/hwmon1/temp2_input", "48000\n");
+    write("hwmon/hwmon2/name", "BAT0\n");
+    write("hwmon/hwmon2/temp1_input", "20000\n");
+    write("hwmon/hwmon3/device/name", "it8786\n"); // an old driver's files are one level down
+    write("hwmon/hwmon3/device/temp1_input", "-280200\n");
+    write("hwmon/hwmon3/device/temp2_input", "\n");
+    write("hwmon/hwmon3/device/temp3_input", "41000\n");
+    write("hwmon/hwmon3/device/temp3_fault", "1\n");
+    const std::vector<std::vector<double>> walked{{51, 0}, {48, 0}, {49, 0}, {28, 3}, {-4, 5}};
+    for (std::size_t i = 0; i < walked.size(); ++i)
+        QCOMPARE(unit.call("Diagnostics_getPMTemp", {double(i)}).numbers, walked[i]);
+    QCOMPARE(unit.call("Diagnostics_getPMTemp", {5.0}).code, 7);
+    QCOMPARE(unit.call("Diagnostics_getPMTemp", {255.0}).code, 7);
+    QCOMPARE(unit.call("Diagnostics_getPCBTemp").numbers, std::vector<double>{28});
+    QCOMPARE(unit.call("Diagnostics_getSSTemp").code, 2);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"temperatures": {
+        "supervisor": {"chip": "it8786", "input": "temp1"},
+        "board": {"chip": "gone"},
+        "processor": [{"chip": "coretemp", "label": "Package id 0", "kind": "box"}]}})");
+    const auto nonsense = unit.call("Diagnostics_getSSTemp");
+    QCOMPARE(kindOf(nonsense), 104);
+    QVERIFY(unit.textOf(nonsense).endsWith("temp1_input tells of -280 degrees C"));
+    QCOMPARE(unit.call("Diagnostics_getPCBTemp").code, 18);
+    QCOMPARE(unit.call("Diagnostics_getPMTemp", {0.0}).numbers, (std::vector<double>{51, 1}));
+    QCOMPARE(unit.call("Diagnostics_getPMTemp", {1.0}).code, 7);
+}
+
+void LinuxUnitTest::sixtyFourSensors()
+{
+    LinuxUnit unit;
+    unit.write("/sys/class/hwmon/hwmon0/name"_s, "coretemp\n");
+    for (int i = 1; i <= 64; ++i)
+        unit.write("/sys/class/hwmon/hwmon0/temp%1_input"_s.arg(i), QByteArray::number(i * 1000));
+    for (int i = 0; i < 64; ++i)
+        QCOMPARE(unit.call("Diagnostics_getPMTemp", {double(i)}).numbers,
+            (std::vector<double>{i + 1.0, 0}));
+    QCOMPARE(unit.call("Diagnostics_getPMTemp", {64.0}).code, 7);
+}
+
+void LinuxUnitTest::railsAreMapped()
+{
+    LinuxUnit unit;
+    unit.write("/sys/class/hwmon/hwmon0/name"_s, "ina226\n");
+    unit.write("/sys/class/hwmon/hwmon0/in1_input"_s, "12040\n");
+    unit.write("/sys/class/hwmon/hwmon0/in1_label"_s, "12V rail\n");
+    const auto folder = "/sys/bus/iio/devices/iio:device0"_s;
+    unit.write(folder + "/name"_s, "ad7606\n");
+    unit.write(folder + "/in_voltage3_raw"_s, "1000\n");
+    unit.write("/etc/vornaux/unit.json"_s, R"({"adc": {"rails": [
+        {"channel": 2, "chip": "ina226", "label": "12V rail"},
+        {"channel": 0, "chip": "ad7606", "input": "in_voltage3", "factor": 11},
+        {"channel": 4, "chip": "ina226", "input": "in7"}]}})");
+    QCOMPARE(unit.call("Adc_getVoltage", {2.0}).numbers, std::vector<double>{12.04});
+    QCOMPARE(unit.call("Adc_getVoltage", {0.0}).code, 18); // no scale: nobody knows the unit
+    unit.write(folder + "/in_voltage_scale"_s, "2\n");
+    QCOMPARE(unit.call("Adc_getVoltage", {0.0}).numbers, std::vector<double>{22});
+    QCOMPARE(unit.call("Adc_getVoltage", {4.0}).code, 18);
+    QCOMPARE(unit.call("Adc_getVoltage", {5.0}).code, 2);
+    QCOMPARE(unit.call("Adc_getVoltage", {1.0}).code, 6);
+    QCOMPARE(unit.call("Adc_getVoltage", {24.0}).code, 6);
+}
+
+void LinuxUnitTest::identityIsTold()
+{
+    LinuxUnit unit;
+    const auto write = [&](const char *path, const QByteArray &content) {
+        unit.write(QLatin1String(path), content);
+    };
+    write("/sys/class/dmi/id/board_serial", "Default string\n");
+    write("/sys/class/dmi/id/board_name", "UTC-510D\n");
+    write("/sys/class/dmi/id/product_version", "V1.0 \xC2\xB5\n");
+    write("/proc/device-tree/serial-number", QByteArray("00000001\0", 9));
+    write("/sys/class/net/eth0/type", "1\n");
+    write("/sys/class/net/eth0/device/vendor", "0x8086\n");
+    write("/sys/class/net/wlan0/type", "1\n");
+    write("/sys/class/net/wlan0/device/vendor", "0x8086\n");
+    write("/sys/class/net/wlan0/wireless/x", "");
+    write("/sys/class/net/lo/type", "772\n");
+    write("/sys/class/net/docker0/type", "1\n");
+    write("/sys/class/net/can0/type", "280\n");
+    write("/sys/class/net/can0/device/x", "");
+    write("/sys/class/net/vcan0/type", "280\n");
+    write("/sys/class/tty/ttyS0/type", "4\n");
+    write("/sys/class/tty/ttyS0/device/x", "");
+    write("/sys/class/tty/ttyS1/type", "0\n");
+    write("/sys/class/tty/ttyS1/device/x", "");
+    write("/sys/class/drm/card0-HDMI-A-1/status", "disconnected\n");
+    write("/sys/class/input/input3/properties", "2\n");
+    write("/sys/class/input/input3/capabilities/key", "400 0 0 0 0 0\n");
+    write("/sys/class/rfkill/rfkill0/type", "bluetooth\n");
+    QCOMPARE(unit.call("Hardware_getMainPcbSerial").code, 2);
+    QCOMPARE(unit.call("Hardware_getUnitSerialNumber").text, QByteArray("00000001"));
+    QCOMPARE(unit.call("Hardware_getMainPcbArticleNumber").text, QByteArray("UTC-510D"));
+    QCOMPARE(unit.call("Hardware_getMainProductRevision").text, QByteArray("V1.0 \xB5"));
+    QCOMPARE(unit.call("Hardware_getMainProductRevision", {}, 4).text, QByteArray("V1."));
+    QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_getCanCount").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_getSerialCount").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_getUsbCount").code, 2);
+    QCOMPARE(unit.call("Hardware_hasDisplay").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Hardware_hasTouchscreen").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_hasWlan").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_hasBluetooth").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Hardware_hasGsm").numbers, std::vector<double>{0});
+    write("/sys/class/drm/card0-HDMI-A-1/status", "connected\n");
+    QCOMPARE(unit.call("Hardware_hasDisplay").numbers, std::vector<double>{1});
+    unit.write("/etc/vornaux/unit.json"_s, R"({"hardware": {
+        "texts": {"mainManufacturingDate": "Mai 2021, Gera \u00e4\u20ac"}, "counts": {"usb": 4}}})");
+    QCOMPARE(
+        unit.call("Hardware_getMainManufacturingDate").text, QByteArray("Mai 2021, Gera \xE4?"));
+    QCOMPARE(unit.call("Hardware_getUsbCount").numbers, std::vector<double>{4});
+}
+
+void LinuxUnitTest::versionsAreTold()
+{
+    LinuxUnit unit;
+    unit.write("/proc/sys/kernel/osrelease"_s, "6.1.0-13-amd64\n");
+    unit.write("/etc/os-release"_s, "NAME=\"Debian\"\nVERSION_ID=\"12\"\n");
+    unit.write("/sys/class/dmi/id/ec_firmware_release"_s, "1.35\n");
+    QCOMPARE(
+        unit.call("Versions_getVornAuxDrvVersion").numbers, (std::vector<double>{6, 1, 0, 13}));
+    QCOMPARE(unit.call("Versions_getOSVersion").numbers, (std::vector<double>{12, 0, 0, 0}));
+    QCOMPARE(unit.call("Versions_getSSVersion").numbers, (std::vector<double>{1, 35, 0, 0}));
+    QCOMPARE(unit.call("Versions_getFPGAVersion").code, 2);
+    unit.write("/proc/sys/kernel/osrelease"_s, "4.19.325\n");
+    QCOMPARE(unit.call("Versions_getVornAuxDrvVersion").code, 18); // doesn't fit
+    unit.write("/etc/os-release"_s, "ID=arch\n");
+    QCOMPARE(unit.call("Versions_getOSVersion").code, 2);
+}
+
+void LinuxUnitTest::batteryIsTold()
+{
+    LinuxUnit unit;
+    const auto write = [&](const char *path, const char *content) {
+        unit.write("/sys/class/power_supply/"_s + QLatin1String(path), content);
+    };
+    write("hidpp_battery_0/type", "Battery\n");
+    write("hidpp_battery_0/scope", "Device\n");
+    QCOMPARE(unit.call("Battery_isAvailable").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Battery_getVoltageLevel").code, 2);
+    write("BAT1/type", "Battery\n");
+    write("BAT1/present", "1\n");
+    write("BAT1/charge_now", "2100000\n");
+    write("BAT1/charge_full", "4200000\n");
+    write("BAT1/status", "Discharging\n");
+    write("BAT1/temp", "-56\n");
+    write("BAT1/health", "Good\n");
+    write("BAT1/serial_number", " 123 \n");
+    write("AC/type", "Mains\n");
+    write("AC/online", "0\n");
+    QCOMPARE(unit.call("Battery_isAvailable").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Battery_getVoltageLevel").numbers, std::vector<double>{50});
+    QCOMPARE(unit.call("Battery_getChargingStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Battery_getPowerSource").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Battery_getTemperature").numbers, std::vector<double>{-6});
+    QCOMPARE(unit.call("Battery_getHwErrorStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Battery_getSerialNumber").text, QByteArray("123"));
+    QCOMPARE(unit.call("Battery_getTimes").code, 2);
+    write("AC/online", "1\n");
+    write("BAT1/status", "Not charging\n");
+    write("BAT1/health", "Cold\n");
+    write("BAT1/capacity", "104\n");
+    QCOMPARE(unit.call("Battery_getVoltageLevel").numbers, std::vector<double>{100});
+    QCOMPARE(unit.call("Battery_getChargingStatus").numbers, std::vector<double>{3});
+    QCOMPARE(unit.call("Battery_getPowerSource").numbers, std::vector<double>{1});
+    write("BAT1/health", "Dead\n");
+    const auto dead = unit.call("Battery_getHwErrorStatus");
+    QCOMPARE(kindOf(dead), 104);
+    QVERIFY(unit.textOf(dead).endsWith("health tells of \"Dead\""));
+    write("BAT1/capacity", "65535\n");
+    QCOMPARE(kindOf(unit.call("Battery_getVoltageLevel")), 104);
+    write("BAT1/present", "0\n");
+    QCOMPARE(unit.call("Battery_isAvailable").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("Battery_getVoltageLevel").code, 18);
+}
+
+void LinuxUnitTest::ledShowsColorsAndBlinks()
+{
+    LinuxUnit unit;
+    const auto write = [&](const char *path, const char *content) {
+        unit.write("/sys/class/leds/"_s + QLatin1String(path), content);
+    };
+    const auto read = [&](const char *path) {
+        return unit.read("/sys/class/leds/"_s + QLatin1String(path));
+    };
+    for (const char *name : {"red:indicator", "green:indicator"}) {
+        write((std::string(name) + "/max_brightness").c_str(), "255\n");
+        write((std::string(name) + "/brightness").c_str(), "0\n");
+        write((std::string(name) + "/trigger").c_str(), "[none] timer heartbeat\n");
+        write((std::string(name) + "/delay_on").c_str(), "0\n");
+        write((std::string(name) + "/delay_off").c_str(), "0\n");
+    }
+    QCOMPARE(unit.call("FrontLED_getColor").code, 2);
+    unit.write("/etc/vornaux/unit.json"_s,
+        R"({"frontLed": {"red": "red:indicator", "green": "green:indicator"}})");
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 0, 0}));
+    QCOMPARE(unit.call("FrontLED_setStandardColor", {5.0}).code, 0);
+    QCOMPARE(read("red:indicator/brightness"), QByteArray("255"));
+    QCOMPARE(unit.call("FrontLED_getStandardColor").numbers, std::vector<double>{5});
+    QCOMPARE(unit.call("FrontLED_setColor", {7.0, 0.0, 0.0}).code, 0);
+    QCOMPARE(read("red:indicator/brightness"), QByteArray("119"));
+    QCOMPARE(read("green:indicator/brightness"), QByteArray("0"));
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{7, 0, 0}));
+    QCOMPARE(unit.call("FrontLED_getStandardColor").code, 18);
+    QCOMPARE(unit.call("FrontLED_setColor", {16.0, 0.0, 0.0}).code, 5);
+    write("red:indicator/trigger", "[none] timer heartbeat\n");
+    QCOMPARE(unit.call("FrontLED_setSignal", {2.0, 25.0}).code, 0);
+    QCOMPARE(read("red:indicator/trigger"), QByteArray("timer"));
+    QCOMPARE(read("red:indicator/delay_on"), QByteArray("125"));
+    QCOMPARE(read("red:indicator/delay_off"), QByteArray("375"));
+    QCOMPARE(unit.call("FrontLED_getSignal").numbers, (std::vector<double>{2, 25}));
+    QCOMPARE(unit.call("FrontLED_setSignal", {0.0, 25.0}).code, 5);
+    QCOMPARE(unit.call("FrontLED_setSignal", {2.0, 101.0}).code, 5);
+    QCOMPARE(unit.call("FrontLED_setOff").code, 0);
+    QCOMPARE(read("red:indicator/brightness"), QByteArray("0"));
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 0, 0}));
+    unit.remove("/sys/class/leds/green:indicator"_s);
+    QCOMPARE(unit.call("FrontLED_getColor").code, 18);
+}
+
+void LinuxUnitTest::multicolorLedKeepsItsOrder()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/class/leds/rgb:status"_s;
+    unit.write(folder + "/max_brightness"_s, "255\n");
+    unit.write(folder + "/brightness"_s, "0\n");
+    unit.write(folder + "/multi_index"_s, "green blue red\n");
+    unit.write(folder + "/multi_intensity"_s, "0 0 0\n");
+    unit.write("/etc/vornaux/unit.json"_s, R"({"frontLed": {"multicolor": "rgb:status"}})");
+    QCOMPARE(unit.call("FrontLED_setColor", {15.0, 1.0, 0.0}).code, 0);
+    QCOMPARE(unit.read(folder + "/multi_intensity"_s), QByteArray("17 0 255"));
+    QCOMPARE(unit.read(folder + "/brightness"_s), QByteArray("255"));
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{15, 1, 0}));
+    QCOMPARE(unit.call("FrontLED_setSignal", {1.0, 100.0}).code, 0);
 }
 
 QTEST_GUILESS_MAIN(LinuxUnitTest)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <exception>
+#include <map>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
@@ -13,7 +14,7 @@ namespace {
 
 struct Record {
     Family family;
-    std::shared_ptr<void> kept;
+    std::map<std::type_index, std::shared_ptr<void>> kept;
 };
 
 struct Registry {
@@ -45,7 +46,7 @@ void *createHandle(Family family) noexcept
         auto &all = registry();
         const std::lock_guard lock(all.mutex);
         void *handle = &all.addresses.emplace_back();
-        all.records.emplace(handle, Record{family, nullptr});
+        all.records.emplace(handle, Record{family, {}});
         return handle;
     } catch (const std::exception &) {
         return nullptr;
@@ -56,19 +57,19 @@ void releaseHandle(Family family, const void *handle) noexcept
 {
     try {
         auto &all = registry();
-        std::shared_ptr<void> object; // ends outside of the lock: it may wait for a thread
+        std::map<std::type_index, std::shared_ptr<void>> objects; // end outside of the lock
         std::vector<void (*)()> hooks;
         {
             const std::lock_guard lock(all.mutex);
             auto *record = all.find(family, handle);
             if (!record)
                 return;
-            object = std::move(record->kept);
+            objects = std::move(record->kept);
             all.records.erase(handle);
             if (all.records.empty())
                 hooks = all.hooks;
         }
-        object.reset();
+        objects.clear(); // may wait for a thread
         for (auto *hook : hooks)
             hook();
     } catch (const std::exception &) {
@@ -83,20 +84,23 @@ bool isHandle(Family family, const void *handle)
     return all.find(family, handle) != nullptr;
 }
 
-std::shared_ptr<void> kept(Family family, const void *handle)
+std::shared_ptr<void> kept(Family family, const void *handle, std::type_index type)
 {
     auto &all = registry();
     const std::lock_guard lock(all.mutex);
     const auto *record = all.find(family, handle);
-    return record ? record->kept : nullptr;
+    if (!record)
+        return nullptr;
+    const auto found = record->kept.find(type);
+    return found == record->kept.end() ? nullptr : found->second;
 }
 
-void keep(Family family, const void *handle, std::shared_ptr<void> object)
+void keep(Family family, const void *handle, std::type_index type, std::shared_ptr<void> object)
 {
     auto &all = registry();
     const std::lock_guard lock(all.mutex);
     if (auto *record = all.find(family, handle))
-        record->kept = std::move(object);
+        record->kept[type] = std::move(object);
 }
 
 void atLastRelease(void (*function)())

@@ -22,19 +22,19 @@ void *createHandle(Family family) noexcept;
 void releaseHandle(Family family, const void *handle) noexcept;
 bool isHandle(Family family, const void *handle);
 
-/** Place for what a family keeps with its handle; gone when the handle is released. A handle
- *  belongs to one thread at a time, and so does what is kept with it. */
-std::shared_ptr<void> kept(Family family, const void *handle);
-void keep(Family family, const void *handle, std::shared_ptr<void> object);
+/** Place for what a family keeps with its handle, one object of each type; gone when the handle is
+ *  released. A handle belongs to one thread at a time, and so does what is kept with it. */
+std::shared_ptr<void> kept(Family family, const void *handle, std::type_index type);
+void keep(Family family, const void *handle, std::type_index type, std::shared_ptr<void> object);
 
 /** What is kept with a handle, made when it is first asked for. */
 template <typename T, typename Device>
 std::shared_ptr<T> kept(Device *handle)
 {
-    auto object = std::static_pointer_cast<T>(kept(familyOf<Device>(), handle));
+    auto object = std::static_pointer_cast<T>(kept(familyOf<Device>(), handle, typeid(T)));
     if (!object) {
         object = std::make_shared<T>();
-        keep(familyOf<Device>(), handle, object);
+        keep(familyOf<Device>(), handle, typeid(T), object);
     }
     return object;
 }

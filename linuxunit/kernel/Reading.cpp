@@ -3,6 +3,7 @@
 #include "linuxunit/calls/Failure.h"
 #include "linuxunit/calls/handles.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <dlfcn.h>
@@ -152,17 +153,29 @@ void startThread(const std::shared_ptr<Pool> &own)
     worker.thread = std::thread(serve, own, std::ref(worker));
 }
 
-} // namespace
+/** A reading that was asked for. All with the pool's mutex taken. */
+struct Ticket {
+    std::shared_ptr<Source> source;
+    unsigned round; ///< the readings that had ended then
 
-std::string readSlowText(const std::string &path)
+    bool isServed() const { return source->rounds != round; }
+    /** What came of it; the last value if it isn't served yet. */
+    std::string result() const
+    {
+        if (isServed() && source->failure)
+            throw Failure(*source->failure);
+        if (!isServed() && !(source->readAt && Clock::now() - *source->readAt <= keptFor))
+            throw Failure{NotAvailable, {}};
+        return source->text;
+    }
+};
+
+Ticket request(const std::shared_ptr<Pool> &own, const std::string &path)
 {
-    const auto own = presentPool();
-    std::unique_lock lock(own->mutex);
-    auto &entry = own->sources[path];
-    if (!entry)
-        entry = std::make_shared<Source>();
-    const auto source = entry;
-    const auto round = source->rounds;
+    auto &source = own->sources[path];
+    if (!source)
+        source = std::make_shared<Source>();
+    Ticket ticket{source, source->rounds};
     if (!source->isRunning) {
         source->isRunning = true;
         own->queue.emplace_back(path, source);
@@ -170,14 +183,41 @@ std::string readSlowText(const std::string &path)
             startThread(own);
         own->work.notify_one();
     }
-    if (own->done.wait_for(lock, longestWait, [&] { return source->rounds != round; })) {
-        if (source->failure)
-            throw Failure(*source->failure);
-        return source->text;
+    return ticket;
+}
+
+} // namespace
+
+std::string readSlowText(const std::string &path)
+{
+    const auto own = presentPool();
+    std::unique_lock lock(own->mutex);
+    const auto ticket = request(own, path);
+    own->done.wait_for(lock, longestWait, [&] { return ticket.isServed(); });
+    return ticket.result();
+}
+
+std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::string> &paths)
+{
+    const auto own = presentPool();
+    std::unique_lock lock(own->mutex);
+    std::vector<Ticket> tickets;
+    tickets.reserve(paths.size());
+    for (const auto &path : paths)
+        tickets.push_back(request(own, path));
+    own->done.wait_for(lock, longestWait, [&] {
+        return std::all_of(
+            tickets.begin(), tickets.end(), [](const Ticket &ticket) { return ticket.isServed(); });
+    });
+    std::vector<std::optional<std::string>> texts(paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        try {
+            texts[i] = tickets[i].result();
+        } catch (const Failure &) {
+            // Stays without a text.
+        }
     }
-    if (source->readAt && Clock::now() - *source->readAt <= keptFor)
-        return source->text;
-    throw Failure{NotAvailable, {}};
+    return texts;
 }
 
 std::int64_t readSlowNumber(const std::string &path)

@@ -123,11 +123,18 @@ const json &Machine::section(std::string_view name) const
     return *found;
 }
 
+const json &Machine::part(std::string_view section, std::string_view name) const
+{
+    static const json none;
+    const auto &parts = this->section(section);
+    const auto found = parts.find(name);
+    return found == parts.end() ? none : *found;
+}
+
 std::string Machine::text(std::string_view section, std::string_view name) const
 {
-    const auto &values = this->section(section);
-    const auto found = values.find(name);
-    return values.is_object() && found != values.end() ? found->get<std::string>() : std::string();
+    const auto &found = part(section, name);
+    return found.is_string() ? found.get<std::string>() : std::string();
 }
 
 } // namespace linuxunit

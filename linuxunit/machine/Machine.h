@@ -28,6 +28,8 @@ public:
     /** Throws 2 if the section says that the machine hasn't got it.
      *  @return the section, null (as JSON) if there is none */
     const nlohmann::json &section(std::string_view name) const;
+    /** What a section has of that name, null (as JSON) if the section or the name isn't there. */
+    const nlohmann::json &part(std::string_view section, std::string_view name) const;
     /** The text of a section, empty if the section or the text isn't there. */
     std::string text(std::string_view section, std::string_view name) const;
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace linuxunit {
+
+/**
+ * The ambient light sensor: an IIO device with illuminance, the one that the configuration names or
+ * the first. Every call looks at what is there now; without a sensor it throws 2, or 18 when there
+ * was one. One thread at a time.
+ */
+class LightSource
+{
+public:
+    /** Illuminance in lux. */
+    double lux();
+    /** Throws 2 or 18 if there is none. */
+    void require();
+    /** Name of the IIO device, "als" say. */
+    std::string name();
+
+private:
+    struct Channel {
+        std::string folder;
+        std::string name;
+    };
+
+    Channel find();
+
+    bool wasThere = false;
+};
+
+} // namespace linuxunit

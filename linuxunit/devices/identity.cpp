@@ -1,0 +1,168 @@
+#include "linuxunit/devices/identity.h"
+
+#include "linuxunit/calls/Failure.h"
+#include "linuxunit/kernel/files.h"
+#include "linuxunit/kernel/texts.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <functional>
+#include <vector>
+
+namespace linuxunit::identity {
+
+namespace {
+
+using Test = std::function<bool(const std::string &folder)>;
+
+std::uint8_t count(const std::string &folder, const Test &test)
+{
+    const auto names = namesIn(folder);
+    const auto number = std::count_if(names.begin(), names.end(),
+        [&](const auto &name) { return test(std::string(folder).append("/").append(name)); });
+    return std::uint8_t(std::min<std::ptrdiff_t>(number, UINT8_MAX));
+}
+
+bool any(const std::string &folder, const Test &test)
+{
+    return count(folder, test) > 0;
+}
+
+bool isThere(const std::string & /*unused*/)
+{
+    return true;
+}
+
+/** Bits of a mask of the input layer, hexadecimal words of 64 with the highest first. */
+bool hasBit(const std::string &mask, unsigned bit)
+{
+    constexpr unsigned wordBits = 64;
+    std::vector<std::string> words;
+    for (std::size_t at = 0; at < mask.size();) {
+        const auto end = std::min(mask.find(' ', at), mask.size());
+        words.push_back(mask.substr(at, end - at));
+        at = end + 1;
+    }
+    if (bit / wordBits >= words.size())
+        return false;
+    const auto &word = words[words.size() - 1 - bit / wordBits];
+    std::uint64_t bits = 0;
+    std::from_chars(word.data(), word.data() + word.size(), bits, 16);
+    return (bits >> (bit % wordBits) & 1U) != 0;
+}
+
+/** As udev tells touch screens: a direct device with a touch key and no pen. */
+bool isTouchscreen(const std::string &folder)
+{
+    constexpr unsigned direct = 1;
+    constexpr unsigned touchKey = 0x14a;
+    constexpr unsigned penKey = 0x140;
+    const auto keys = textOf(folder + "/capabilities/key").value_or("");
+    return hasBit(textOf(folder + "/properties").value_or(""), direct) && hasBit(keys, touchKey) &&
+           !hasBit(keys, penKey);
+}
+
+bool hasRadio(const char *type)
+{
+    return any("/sys/class/rfkill",
+        [type](const std::string &folder) { return textOf(folder + "/type") == type; });
+}
+
+constexpr const char *networks = "/sys/class/net";
+
+bool isOfType(const std::string &folder, int type)
+{
+    return numberOf(folder + "/type") == type && exists(folder + "/device");
+}
+
+} // namespace
+
+std::string firmwareText(const char *dmi, const char *deviceTree)
+{
+    if (dmi) {
+        const auto path = std::string("/sys/class/dmi/id/") + dmi;
+        if (exists(path)) {
+            auto text = readText(path);
+            if (!isPlaceholder(text))
+                return latin1(text);
+        }
+    }
+    if (deviceTree) {
+        const auto path = std::string("/proc/device-tree/") + deviceTree;
+        if (exists(path)) {
+            auto text = readText(path);
+            if (!isPlaceholder(text))
+                return latin1(text);
+        }
+    }
+    throw Failure{NotSupported, {}};
+}
+
+void requireDevices()
+{
+    if (!exists("/sys/class"))
+        throw Failure{NotSupported, {}};
+}
+
+std::uint8_t ethernetCount()
+{
+    constexpr int ethernet = 1; // ARPHRD_ETHER, which radios have too
+    return count(networks, [](const std::string &folder) {
+        const auto kind = assignedIn(folder + "/uevent", "DEVTYPE").value_or("");
+        return isOfType(folder, ethernet) && kind.empty() && !exists(folder + "/wireless") &&
+               !exists(folder + "/phy80211");
+    });
+}
+
+std::uint8_t canCount()
+{
+    constexpr int can = 280; // ARPHRD_CAN
+    return count(networks, [](const std::string &folder) { return isOfType(folder, can); });
+}
+
+std::uint8_t serialCount()
+{
+    return count("/sys/class/tty", [](const std::string &folder) {
+        return numberOf(folder + "/type").value_or(0) != 0 && exists(folder + "/device");
+    });
+}
+
+bool hasDisplay()
+{
+    return any("/sys/class/backlight", isThere) ||
+           any("/sys/class/drm",
+               [](const std::string &folder) { return textOf(folder + "/status") == "connected"; });
+}
+
+bool hasTouchscreen()
+{
+    return any("/sys/class/input", isTouchscreen);
+}
+
+bool hasWlan()
+{
+    return hasRadio("wlan") || any(networks, [](const std::string &folder) {
+        return exists(folder + "/wireless") || exists(folder + "/phy80211");
+    });
+}
+
+bool hasBluetooth()
+{
+    return hasRadio("bluetooth") || any("/sys/class/bluetooth", isThere);
+}
+
+bool hasModem()
+{
+    return hasRadio("wwan") || any("/sys/class/wwan", isThere) ||
+           any(networks, [](const std::string &folder) {
+               return assignedIn(folder + "/uevent", "DEVTYPE") == "wwan";
+           });
+}
+
+bool hasGnss()
+{
+    return hasRadio("gps") || any("/sys/class/gnss", isThere);
+}
+
+} // namespace linuxunit::identity

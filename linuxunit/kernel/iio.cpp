@@ -1,0 +1,76 @@
+#include "linuxunit/kernel/iio.h"
+
+#include "linuxunit/calls/Failure.h"
+#include "linuxunit/kernel/Reading.h"
+
+#include <cctype>
+#include <optional>
+
+namespace linuxunit {
+
+namespace {
+
+constexpr const char *allDevices = "/sys/bus/iio/devices";
+
+/** in_voltage3 shares in_voltage_scale with its like; in_voltage0-voltage1
+ * in_voltage-voltage_scale.
+ */
+std::string sharedName(const std::string &channel)
+{
+    std::string name;
+    for (const char byte : channel) {
+        if (std::isdigit(static_cast<unsigned char>(byte)) == 0)
+            name += byte;
+    }
+    return name;
+}
+
+std::optional<std::string> fileOf(
+    const std::string &folder, const std::string &channel, const char *what)
+{
+    const auto type = channel.substr(0, channel.find('_', sizeof "in_" - 1));
+    for (const auto &name :
+        {channel + what, sharedName(channel) + what, type + what, std::string(what + 1)}) {
+        const auto path = std::string(folder).append("/").append(name);
+        if (exists(path))
+            return path;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::vector<std::string> iioDevices()
+{
+    std::vector<std::string> devices;
+    for (const auto &name : namesIn(allDevices)) {
+        if (name.starts_with("iio:device"))
+            devices.push_back(std::string(allDevices).append("/").append(name));
+    }
+    return devices;
+}
+
+bool isIioDevice(const std::string &folder, const std::string &nameOrLabel)
+{
+    return textOf(folder + "/name") == nameOrLabel || textOf(folder + "/label") == nameOrLabel;
+}
+
+bool hasIioScale(const std::string &folder, const std::string &channel)
+{
+    return fileOf(folder, channel, "_scale").has_value();
+}
+
+double readIio(const std::string &folder, const std::string &channel)
+{
+    const auto path = std::string(folder).append("/").append(channel);
+    if (exists(path + "_input"))
+        return readSlowReal(path + "_input");
+    const auto scale = fileOf(folder, channel, "_scale");
+    if (!scale)
+        throw Failure{NotAvailable, {}};
+    const auto offset = fileOf(folder, channel, "_offset");
+    const double raw = readSlowReal(path + "_raw");
+    return (raw + (offset ? readReal(*offset) : 0)) * readReal(*scale);
+}
+
+} // namespace linuxunit
