@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <filesystem>
@@ -67,6 +68,13 @@ std::filesystem::path hardwareErrorLog();
 
 /** Log file of the device library, in the program's folder. */
 std::filesystem::path deviceServiceLog();
+
+/** Folders of the removable drives that are plugged in and mounted now, sorted. Linux: those below
+ *  /media and /run/media. Windows: none, since its own dialogs offer the drives. */
+QStringList removableDrives();
+
+/** Whether a removable drive would have that folder, plugged in or not. */
+bool isRemovableDrivePath(const QString &path);
 
 /**
  * A library that is loaded at run time, for as long as this object lives.

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QMessageBox>
+#include <QStorageInfo>
 
 #include <array>
 #include <cerrno>
@@ -156,6 +157,23 @@ std::filesystem::path hardwareErrorLog()
 std::filesystem::path deviceServiceLog()
 {
     return programFolder() / "VornAuxService.log";
+}
+
+QStringList removableDrives()
+{
+    QStringList drives;
+    for (const QStorageInfo &volume : QStorageInfo::mountedVolumes()) {
+        if (isRemovableDrivePath(volume.rootPath()))
+            drives << volume.rootPath();
+    }
+    drives.sort();
+    return drives;
+}
+
+bool isRemovableDrivePath(const QString &path)
+{
+    return path.startsWith(QStringLiteral("/media/")) ||
+           path.startsWith(QStringLiteral("/run/media/"));
 }
 
 DynamicLibrary::DynamicLibrary(const char *windowsName)

@@ -195,6 +195,16 @@ std::filesystem::path deviceServiceLog()
     return programFolder() / L"VornAuxService.log";
 }
 
+QStringList removableDrives()
+{
+    return {};
+}
+
+bool isRemovableDrivePath(const QString &)
+{
+    return false;
+}
+
 DynamicLibrary::DynamicLibrary(const char *windowsName)
     : handle(LoadLibraryW(wide(QString::fromLatin1(windowsName))))
 {}

@@ -1,6 +1,7 @@
 #include "frame/window/graphicalMode.h"
 
 #include "frame/qtVersions.h"
+#include "frame/window/TouchStyle.h"
 #include "frame/window/VornSettings.h"
 
 #include <QApplication>
@@ -38,7 +39,7 @@ QPalette lightPalette()
 
 void setApplicationLook()
 {
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle(new TouchStyle); // the application owns it
     QApplication::setPalette(lightPalette());
     QFont font(QStringLiteral("Arial"));
     font.setPixelSize(textPixels);
