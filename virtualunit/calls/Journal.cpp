@@ -42,23 +42,21 @@ bool JournalFile::opens()
     const std::lock_guard lock(mutex);
     if (state != State::Unknown)
         return state == State::Open;
-    state = State::None;
     const auto path = system::environment("VORN_JOURNAL");
-    if (path.empty())
-        return false;
     std::string reason;
-    file = system::AppendedFile::open(system::pathOf(path), reason);
-    if (!file) {
+    if (!path.empty())
+        file = system::AppendedFile::open(system::pathOf(path), reason);
+    if (!path.empty() && !file)
         std::fprintf(stderr, "The journal \"%s\" can't be written, calls go on without it: %s\n",
             path.c_str(), reason.c_str());
+    state = file ? State::Open : State::None;
+    if (!file)
         return false;
-    }
     struct Closer {
         JournalFile &journal;
         ~Closer() { journal.close(); }
     };
     static const Closer closer{*this};
-    state = State::Open;
     return true;
 }
 
@@ -122,7 +120,7 @@ unsigned threadNumber(Record &calls)
 
 } // namespace
 
-bool journalRuns() noexcept
+bool journalRuns()
 {
     return inMemory.load(std::memory_order_relaxed) || journalFile().isOpen();
 }

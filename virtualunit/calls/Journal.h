@@ -7,7 +7,7 @@
 namespace virtualunit {
 
 /** Whether calls are recorded at all, in memory or in VORN_JOURNAL's file. Cheap. */
-bool journalRuns() noexcept;
+bool journalRuns();
 /** Changes with each startJournal(): numbers of handles and threads begin anew then. */
 unsigned journalGeneration() noexcept;
 

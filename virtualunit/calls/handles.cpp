@@ -78,13 +78,13 @@ void releaseHandle(const char *operation, Family family, const void *handle) noe
     try {
         if (journalRuns())
             journal(operation, handleNumber(family, handle), {}, {}, {});
-        auto &all = registry();
-        const std::lock_guard lock(all.mutex);
-        if (all.find(family, handle))
-            all.records.erase(handle);
     } catch (const std::exception &) {
-        // Nobody to tell.
+        // The handle goes all the same.
     }
+    auto &all = registry();
+    const std::lock_guard lock(all.mutex);
+    if (all.find(family, handle))
+        all.records.erase(handle);
 }
 
 bool isHandle(Family family, const void *handle)

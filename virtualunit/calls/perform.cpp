@@ -30,11 +30,13 @@ std::string filledTexts(Arguments arguments)
 }
 
 void record(const char *operation, unsigned handle, Arguments arguments, Code code)
-{
+try {
     if (journalRuns()) {
         journal(operation, handle, std::to_string(code), givenTexts(arguments),
             code == Ok ? filledTexts(arguments) : std::string());
     }
+} catch (const std::exception &) {
+    // What has been done matters more than its record.
 }
 
 std::uint32_t delayOf(const Unit &unit, const char *operation)
