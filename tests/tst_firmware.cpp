@@ -373,6 +373,19 @@ private slots:
         while (ask(handle, true).state != FIRMWARE_DONE)
             ++questions;
         QVERIFY2(questions > 30, qPrintable(QString::number(questions)));
+
+        // What ends the wait is what is told: news, which the last question hadn't.
+        const Handle watched;
+        setUnit("Firmware.duration"_s, "3000"_s); // a percent each 30 ms
+        QCOMPARE(Firmware_startSSUpgrade(watched, file.constData(), false), DEVICE_OK);
+        auto told = ask(watched, true);
+        int news = 0;
+        for (int i = 0; i < 20; ++i) {
+            const auto next = ask(watched, true);
+            news += next.percent != told.percent || next.state != told.state ? 1 : 0;
+            told = next;
+        }
+        QVERIFY2(news >= 15, qPrintable(QString::number(news)));
     }
 
     void takesAFewSeconds()

@@ -168,6 +168,24 @@ private slots:
         QVERIFY(file.exists());
     }
 
+    void closesWhatItOpened()
+    {
+        const auto open = [] {
+            return QDir("/proc/self/fd"_s).entryList(QDir::System | QDir::Files).size();
+        };
+        const QTemporaryDir folder;
+        const auto path = QFile::encodeName(folder.path()).toStdString();
+        {
+            const Lines first(path);
+        } // what stays open for good, such as the unit's file, is open now
+        const auto before = open();
+        {
+            const Lines lines(path);
+            QVERIFY(open() >= before + 2);
+        }
+        QCOMPARE(open(), before);
+    }
+
     void badRecordings()
     {
         const QTemporaryDir folder;

@@ -26,6 +26,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStyleOptionButton>
@@ -337,6 +338,27 @@ private slots:
         QCOMPARE(logo->pixmap(Qt::ReturnByValue).toImage(),
             QImage(QStringLiteral(":/VornSettings/Resources/logo.png"))
                 .convertToFormat(logo->pixmap(Qt::ReturnByValue).toImage().format()));
+    }
+
+    // The scale of the screens is known before the application is made, so another one shows it.
+    void logoIsSharpOnFineScreens()
+    {
+        if (qApp->devicePixelRatio() == 1) {
+            QProcess fine;
+            auto environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+            fine.setProcessEnvironment(environment);
+            fine.setProcessChannelMode(QProcess::ForwardedChannels);
+            fine.start(QCoreApplication::applicationFilePath(),
+                {QStringLiteral("logoIsSharpOnFineScreens")});
+            QVERIFY(fine.waitForFinished(60'000));
+            QCOMPARE(fine.exitCode(), 0);
+            return;
+        }
+        const VornSettings window;
+        const auto logo = child<QLabel>(window.centralWidget(), "label")->pixmap(Qt::ReturnByValue);
+        QCOMPARE(logo.toImage(), QImage(QStringLiteral(":/VornSettings/Resources/logo@2x.png"))
+                                     .convertToFormat(logo.toImage().format()));
     }
 
     void titleBeforeFirstPage()

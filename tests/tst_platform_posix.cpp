@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
 #include <pthread.h>
@@ -38,7 +39,21 @@ QByteArray errorsOf(const std::function<void()> &function)
 
 void ignoreSignal(int) {}
 
+bool isDripping = false; ///< whether the standard error stream takes a few bytes at a time
+
 } // namespace
+
+extern "C" {
+ssize_t __real_write(int descriptor, const void *bytes, size_t count);
+
+/** The calls of write() that this program makes itself, and the platform layer in it. */
+ssize_t __wrap_write(int descriptor, const void *bytes, size_t count)
+{
+    if (isDripping && descriptor == STDERR_FILENO)
+        count = std::min<size_t>(count, 7);
+    return __real_write(descriptor, bytes, count);
+}
+}
 
 /** The platform layer on a POSIX system. */
 class PlatformPosixTest : public QObject
@@ -171,6 +186,10 @@ private slots:
         QCOMPARE(errorsOf([&] { platform::printErrorLine(text); }), text.toLatin1() + '\n');
         QCOMPARE(errorsOf([] { platform::printErrorLine(latin1("caf\xE9")); }),
             latin1("caf\xE9\n").toLocal8Bit());
+        isDripping = true;
+        const auto written = errorsOf([] { platform::printErrorLine("taken in three pieces"_s); });
+        isDripping = false;
+        QCOMPARE(written, QByteArray("taken in three pieces\n"));
     }
 
     void errorLine_toNobodyIsNoFailure()

@@ -142,6 +142,25 @@ private slots:
         QCOMPARE(ended.constFirst().constFirst().toBool(), false);
     }
 
+    // A minute without a tap, which is made a moment here.
+    void givesUpWhenNobodyTouches()
+    {
+        CalibrationWindow window(CalibrationWindow::Points::Five);
+        QSignalSpy ended(&window, &CalibrationWindow::ended);
+        window.resize(800, 480);
+        window.show();
+        auto *patience = window.findChild<QTimer *>();
+        QVERIFY(patience->isActive());
+        QCOMPARE(patience->interval(), 60'000);
+        tap(window, window.targets().at(0));
+        QVERIFY(patience->isActive());
+        QCOMPARE(patience->interval(), 60'000);
+        patience->start(0);
+        QTRY_VERIFY(!window.isVisible());
+        QCOMPARE(ended.count(), 1);
+        QCOMPARE(ended.constFirst().constFirst().toBool(), false);
+    }
+
     void programTakesArguments_data()
     {
         QTest::addColumn<QStringList>("arguments");

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <functional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -139,6 +140,7 @@ private slots:
     void survivesKilledProgrammers();
     void servesSeveralProcesses();
     void showsChangesOfOthersAtOnce();
+    void changesWhatOthersJustChanged();
     void bringsOlderFilesForward_data();
     void bringsOlderFilesForward();
     void leavesFilesOfOtherVersionsAlone_data();
@@ -320,6 +322,29 @@ void UnitRobustnessTest::showsChangesOfOthersAtOnce()
             {QStringLiteral("fault"), QStringLiteral("Buzzer_getVolume"), QStringLiteral("-1")}),
         0);
     QCOMPARE(Buzzer_getVolume(buzzer, &volume), -1);
+}
+
+/** A call that counts waits for another process, and goes on counting from what that one counted.
+ */
+void UnitRobustnessTest::changesWhatOthersJustChanged()
+{
+    const DeviceHandle<Buzzer_create, Buzzer_release> buzzer;
+    uint16_t volume = 0;
+    QCOMPARE(virtualunit::setFault("Buzzer_getVolume", 14, 3, 0), std::string());
+    sqlite3 *other = nullptr;
+    sqlite3_open_v2(
+        QFile::encodeName(unitFile()).constData(), &other, SQLITE_OPEN_READWRITE, nullptr);
+    QCOMPARE(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    DeviceCode code = DEVICE_OK;
+    std::thread caller([&] { code = Buzzer_getVolume(buzzer, &volume); });
+    QTest::qWait(100); // for it to have read the old count
+    const int changed =
+        sqlite3_exec(other, "UPDATE fault SET seen = 2; COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    caller.join();
+    QCOMPARE(changed, SQLITE_OK);
+    QCOMPARE(code, 14);
+    QCOMPARE(Buzzer_getVolume(buzzer, &volume), DEVICE_OK); // those were three
 }
 
 void UnitRobustnessTest::bringsOlderFilesForward_data()

@@ -45,5 +45,5 @@ private:
     QList<QPointF> places;    ///< in fractions of width and height
     QList<double> deviations; ///< of the taps so far, in pixels
     bool missed = false;      ///< whether the last tap was too far off to count
-    QTimer patience;
+    QTimer patience{this};
 };
