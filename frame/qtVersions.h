@@ -41,6 +41,16 @@ inline QPointF positionOf(const QMouseEvent &event)
 #endif
 }
 
+/** Where on the screen, in the program's own pixels. */
+inline QPointF screenPositionOf(const QMouseEvent &event)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    return event.screenPos();
+#else
+    return event.globalPosition();
+#endif
+}
+
 /** A local time as Qt::TextDate is in Qt 6: in English, whatever the user's language is. */
 inline QString textDate(const QDateTime &time)
 {

@@ -72,6 +72,56 @@ private slots:
         QCOMPARE(report.mid(report.indexOf('\n', 1) + 1), expected);
     }
 
+    void window_withoutDisplay_data()
+    {
+        QTest::addColumn<QStringList>("variables");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("why");
+        const QStringList none;
+        QTest::newRow("nothing said")
+            << none << none << QByteArray("neither DISPLAY nor WAYLAND_DISPLAY leads to one");
+        QTest::newRow("display that isn't there")
+            << QStringList{"DISPLAY=:4711"_s} << none
+            << QByteArray("could not connect to display :4711");
+        QTest::newRow("unknown plugin")
+            << QStringList{"QT_QPA_PLATFORM=none"_s} << none
+            << QByteArray("Could not find the Qt platform plugin \"none\" in \"\"");
+        QTest::newRow("unknown plugin as an option")
+            << none << QStringList{"-platform"_s, "none"_s}
+            << QByteArray("Could not find the Qt platform plugin \"none\" in \"\"");
+    }
+
+    void window_withoutDisplay()
+    {
+        QFETCH(QStringList, variables);
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, why);
+        const ProgramTree tree(tiny);
+        const QStringList clean{
+            "-u"_s, "DISPLAY"_s, "-u"_s, "WAYLAND_DISPLAY"_s, "-u"_s, "QT_QPA_PLATFORM"_s};
+        const Run run =
+            tree.runOther("env"_s, clean + variables + QStringList{tree.program()} + arguments);
+        QVERIFY(run.endedNormally);
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(
+            run.errors, "VornSettings: there is no display to show the window on: " + why + '\n');
+    }
+
+    // The modes without a window don't ask what there is to show one on.
+    void modesWithoutDisplay()
+    {
+        const ProgramTree tree(tiny);
+        const QStringList clean{
+            "-u"_s, "DISPLAY"_s, "-u"_s, "WAYLAND_DISPLAY"_s, "QT_QPA_PLATFORM=none"_s};
+        const Run report =
+            tree.runOther("env"_s, clean + QStringList{tree.program(), reportMode, "r.txt"_s});
+        QCOMPARE(report.exitCode, 0);
+        QVERIFY(tree.read("r.txt"_s).contains("End of report"));
+        const Run reset = tree.runOther("env"_s, clean + QStringList{tree.program(), resetMode});
+        QVERIFY(reset.endedNormally);
+        QCOMPARE(reset.exitCode, 0);
+    }
+
     void reset_outlivesItsReader()
     {
         ProgramTree tree(tiny);

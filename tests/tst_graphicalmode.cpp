@@ -1,6 +1,7 @@
 #include "frame/window/graphicalMode.h"
 
 #include "frame/window/VornSettings.h"
+#include "frame/window/startOnDisplay.h"
 #include "frame/window/tabMenuDlg.h"
 #include "tests/support/unit.h"
 
@@ -109,6 +110,28 @@ private slots:
         });
         QVERIFY(seen);
         QCOMPARE(result, 0);
+    }
+
+    void scale_data()
+    {
+        QTest::addColumn<double>("asked");
+        QTest::addColumn<double>("room");
+        QTest::addColumn<double>("expected");
+        QTest::newRow("as asked") << 1.3 << 2.0 << 1.3;
+        QTest::newRow("just fits") << 1.3 << 1.3 << 1.3;
+        QTest::newRow("lowered") << 2.0 << 1.99 << 1.75;
+        QTest::newRow("lowered to a whole") << 3.0 << 2.0 << 2.0;
+        QTest::newRow("no room at all") << 2.0 << 0.5 << 1.0;
+        QTest::newRow("small screen") << 1.0 << 0.5 << 1.0;
+        QTest::newRow("too small") << 0.5 << 2.0 << 1.0;
+    }
+
+    void scale()
+    {
+        QFETCH(double, asked);
+        QFETCH(double, room);
+        QFETCH(double, expected);
+        QCOMPARE(scaleThatFits(asked, room), expected);
     }
 
     /** A box makes the window system know the window that its page is in. */

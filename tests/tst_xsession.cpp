@@ -1,15 +1,12 @@
-#include "tests/support/x11/XServer.h"
-
-#include <QtTest>
+#include "tests/support/x11/XSession.h"
 
 #include <memory>
 
 namespace {
 
-constexpr int patience = 60'000;  // milliseconds
+constexpr int patience = support::XSession::patience;
 constexpr int longPress = 2'000;  // milliseconds
 constexpr int settleTime = 1'000; // milliseconds, for what must not happen
-const QString program = QStringLiteral(VORN_BIN_DIR "/VornSettings");
 
 // Middles of buttons, in the window.
 constexpr QPoint aboutButton(69, 205);
@@ -23,135 +20,6 @@ constexpr QPoint ledButton(181, 205);
 constexpr QPoint colourList(410, 134);
 constexpr QPoint colourButton(410, 200);
 constexpr QPoint programFront(384, 168);
-
-/** The real program on a server and a unit of its own. */
-class Session
-{
-public:
-    /** With a window manager on the server, that gives the keys to the program's windows. */
-    explicit Session(const support::XServer &xServer, bool isManaged = false)
-        : server(xServer)
-        , managed(isManaged)
-    {
-        environment.insert(QStringLiteral("DISPLAY"), server.display());
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        environment.insert(QStringLiteral("VORN_UNIT"), folder.filePath(QStringLiteral("unit")));
-        environment.insert(QStringLiteral("VORN_JOURNAL"), journalFile());
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.path());
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    }
-
-    ~Session()
-    {
-        if (process.state() == QProcess::NotRunning)
-            return;
-        process.kill();
-        process.waitForFinished();
-    }
-
-    /** Starts and waits for the window. */
-    void start(const QStringList &arguments = {})
-    {
-        launch(arguments);
-        awaitWindow();
-    }
-
-    void launch(const QStringList &arguments = {})
-    {
-        process.setProcessEnvironment(environment);
-        process.start(program, arguments);
-        QVERIFY(process.waitForStarted());
-    }
-
-    void awaitWindow()
-    {
-        window = windowNamed("Settings");
-        QVERIFY(window != 0);
-        awaitFocus(window);
-        // The strip stands once the title's amber is there.
-        QTRY_COMPARE_WITH_TIMEOUT(titleStrip().pixelColor(100, 8).green() > 200, true, patience);
-    }
-
-    void awaitFocus(std::uint32_t which) const
-    {
-        // Where nobody manages windows, nobody gives them the keys.
-        QTRY_VERIFY_WITH_TIMEOUT(managed ? server.hasFocus(which) : server.focus(which), patience);
-    }
-
-    void click(QPoint place) const
-    {
-        server.tool({QStringLiteral("mousemove"), QStringLiteral("--window"),
-            QString::number(window), QString::number(place.x()), QString::number(place.y()),
-            QStringLiteral("click"), QStringLiteral("1")});
-    }
-
-    /** The program's window of that title, once it shows. */
-    std::uint32_t windowNamed(const char *title) const
-    {
-        const QString found = server.tool({QStringLiteral("search"), QStringLiteral("--sync"),
-            QStringLiteral("--onlyvisible"), QStringLiteral("--all"), QStringLiteral("--pid"),
-            QString::number(process.processId()), QStringLiteral("--name"),
-            QLatin1Char('^') + QLatin1String(title) + QLatin1Char('$')});
-        return found.toUInt();
-    }
-
-    /** Changes the unit before the program starts. */
-    void setUnit(const QString &name, const QString &value) const
-    {
-        vornunit({QStringLiteral("set"), name, value});
-    }
-
-    void vornunit(const QStringList &arguments) const
-    {
-        QProcess tool;
-        tool.setProcessEnvironment(environment);
-        tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), arguments);
-        QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
-    }
-
-    void type(const QString &text) const { server.tool({QStringLiteral("type"), text}); }
-    void press(const char *key) const { server.tool({QStringLiteral("key"), QLatin1String(key)}); }
-
-    /** Holds Escape down for so long, milliseconds; the server repeats a key after some 600. */
-    void holdEscape(int time) const
-    {
-        server.tool({QStringLiteral("keydown"), QStringLiteral("Escape")});
-        QTest::qWait(time);
-        server.tool({QStringLiteral("keyup"), QStringLiteral("Escape")});
-    }
-
-    bool isRunning() const { return process.state() == QProcess::Running; }
-
-    QImage picture() const { return server.picture(window); }
-    QImage titleStrip() const { return picture().copy(0, 0, 600, 51); }
-
-    /** The program has ended by itself, with its exit value. */
-    void verifyEnd(int exitCode)
-    {
-        QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished(patience));
-        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process.exitCode(), exitCode);
-    }
-
-    QStringList journal() const
-    {
-        QFile file(journalFile());
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QString::fromLatin1(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    }
-
-    const support::XServer &server;
-    const bool managed;
-    std::uint32_t window = 0;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-
-private:
-    QString journalFile() const { return folder.filePath(QStringLiteral("journal")); }
-
-    QTemporaryDir folder;
-    QProcess process;
-};
 
 /** "Buzzer #1" for each handle that was created and not released. */
 QStringList openHandles(const QStringList &journal)
@@ -181,7 +49,7 @@ private:
     std::unique_ptr<support::XServer> managedServer;
     QImage plainLook; ///< of the window without any argument
 
-    static void verifyHandlesGivenBack(const Session &session)
+    static void verifyHandlesGivenBack(const support::XSession &session)
     {
         const QStringList journal = session.journal();
         QVERIFY(journal.size() > 10);
@@ -238,7 +106,7 @@ private slots:
         QFETCH(QString, front);
         QFETCH(QStringList, fault);
         QFETCH(int, held);
-        Session session(*managedServer, true);
+        support::XSession session(*managedServer, true);
         if (!fault.isEmpty())
             session.vornunit(fault);
         session.start();
@@ -273,7 +141,7 @@ private slots:
     void escapeBeforeTheWindow()
     {
         QFETCH(int, held);
-        Session session(*managedServer, true);
+        support::XSession session(*managedServer, true);
         session.vornunit({QStringLiteral("fault"), QStringLiteral("Power_getCanPowerStatus"),
             QStringLiteral("5"), QStringLiteral("--times"), QStringLiteral("1")});
         session.launch();
@@ -290,7 +158,7 @@ private slots:
     // there.
     void longEscapeLeadsToTheMenu()
     {
-        Session session(*managedServer, true);
+        support::XSession session(*managedServer, true);
         session.start();
         const QImage menu = session.titleStrip();
         session.click(aboutButton);
@@ -313,7 +181,7 @@ private slots:
     void throughAboutAndBack()
     {
         QFETCH(bool, byKey);
-        Session session(*server);
+        support::XSession session(*server);
         session.start();
         const QImage menu = session.titleStrip();
         session.click(aboutButton);
@@ -343,7 +211,7 @@ private slots:
     {
         QFETCH(QString, way);
         QFETCH(bool, fromPage);
-        Session session(*server);
+        support::XSession session(*server);
         session.start();
         const QImage menu = session.titleStrip();
         if (fromPage) {
@@ -369,7 +237,7 @@ private slots:
         QVERIFY(image.open(QIODevice::WriteOnly));
         image.write(":0400000001020304F2\n:00000001FF\n");
         image.close();
-        Session session(*server);
+        support::XSession session(*server);
         session.setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("1500"));
         session.start();
         const QImage menu = session.titleStrip();
@@ -421,7 +289,7 @@ private slots:
     {
         QFETCH(QString, scale);
         QFETCH(QSize, size);
-        Session session(*server);
+        support::XSession session(*server);
         session.environment.insert(QStringLiteral("QT_SCALE_FACTOR"), scale);
         session.start();
         const auto [least, greatest] = server->sizeLimits(session.window);
@@ -459,13 +327,13 @@ private slots:
         QFETCH(QString, variable);
         QFETCH(QString, value);
         if (plainLook.isNull()) {
-            Session session(*server);
+            support::XSession session(*server);
             session.start();
             plainLook = session.picture();
             session.press("Escape");
             session.verifyEnd(0);
         }
-        Session session(*server);
+        support::XSession session(*server);
         if (!variable.isEmpty())
             session.environment.insert(variable, value);
         session.start(arguments);

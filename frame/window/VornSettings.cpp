@@ -208,6 +208,7 @@ void VornSettings::showTab(int index)
     page->show();
     ui->tabTitle->setText(page->windowTitle());
     currentTab = index;
+    contentPlace.toStart();
 }
 
 void VornSettings::exit()

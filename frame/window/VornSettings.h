@@ -2,6 +2,7 @@
 
 #include "frame/DeviceHandle.h"
 #include "frame/Form.h"
+#include "frame/window/ContentPlace.h"
 #include "frame/window/EscapeKey.h"
 #include "frame/window/TabIndex.h"
 #include "ui_VornSettings.h"
@@ -25,6 +26,10 @@ class VornSettings : public QMainWindow
     Q_OBJECT
 
 public:
+    /** Of the window and its content, pixels. Only a screen that has no room for it, or a window
+     *  manager, makes the window another size. */
+    static constexpr QSize wholeSize{600, 435};
+
     /** Asks the unit what exists, builds all pages and shows the menu. Says nothing of failed
      *  queries: what can't be asked counts as present, but for the telematics board. */
     explicit VornSettings(QWidget *parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
@@ -73,6 +78,7 @@ private:
 
     EscapeKey escapeKey{this}; // first, since pages may show boxes while they are built
     Form<Ui::VornSettingsClass> ui{this};
+    ContentPlace contentPlace{this, {ui->buttonMenu, ui->buttonExit}};
     std::array<tabDlg *, tabCount> tabs{};
     QVBoxLayout *layout; // of ui->tabWidget, from the end of the constructor on
     int currentTab = menuTab;

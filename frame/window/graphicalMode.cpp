@@ -3,10 +3,12 @@
 #include "frame/qtVersions.h"
 #include "frame/window/TouchStyle.h"
 #include "frame/window/VornSettings.h"
+#include "frame/window/startOnDisplay.h"
 
 #include <QApplication>
 #include <QFont>
 #include <QPalette>
+#include <QScreen>
 
 namespace {
 
@@ -35,6 +37,18 @@ QPalette lightPalette()
     return palette;
 }
 
+/** In the middle of the screen, where the window system lets programs choose; smaller only on a
+ *  screen that has no room for all of it. */
+void placeOnScreen(QWidget &window)
+{
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect place(QPoint(), VornSettings::wholeSize.boundedTo(room.size()));
+    place.moveCenter(room.center());
+    if (place.size() != window.size())
+        window.setFixedSize(place.size());
+    window.move(place.topLeft());
+}
+
 } // namespace
 
 void setApplicationLook()
@@ -49,7 +63,8 @@ void setApplicationLook()
 int runGraphicalMode(int &argc, char **argv)
 {
     qtVersions::scaleWithScreen();
-    QApplication application(argc, argv);
+    std::optional<QApplication> application;
+    startOnDisplay(application, argc, argv, VornSettings::wholeSize);
     setApplicationLook();
     VornSettings window(nullptr, Qt::WindowFlags());
     const Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -62,6 +77,7 @@ int runGraphicalMode(int &argc, char **argv)
         window.setWindowFlags(flags);
     else
         window.overrideWindowFlags(flags);
+    placeOnScreen(window);
     window.show();
-    return application.exec();
+    return QApplication::exec();
 }

@@ -24,14 +24,15 @@ using Owned = std::unique_ptr<Reply, Free>;
 
 } // namespace
 
-XServer::XServer()
+XServer::XServer(QSize screen)
 {
     server.setProcessChannelMode(QProcess::SeparateChannels);
     server.setStandardErrorFile(QProcess::nullDevice());
     server.start(QStringLiteral("Xvfb"),
         {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-            QStringLiteral("0"), QStringLiteral("1400x1000x24"), QStringLiteral("-nolisten"),
-            QStringLiteral("tcp")});
+            QStringLiteral("0"),
+            QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height()),
+            QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     // The server writes its number as soon as it takes connections.
     while (!server.canReadLine()) {
         if (!server.waitForReadyRead(startTime))
@@ -57,18 +58,18 @@ XServer::~XServer()
     server.waitForFinished();
 }
 
-bool XServer::manage()
+bool XServer::manage(const QString &program)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), name);
     manager.setProcessEnvironment(environment);
     manager.setStandardErrorFile(QProcess::nullDevice());
-    manager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+    const bool isOpenbox = program == QLatin1String("openbox");
+    manager.start(program, isOpenbox ? QStringList{QStringLiteral("--sm-disable")} : QStringList());
     // A window manager says so at the root window when it has begun.
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     for (int wait = 0; wait < startTime; wait += 50) {
         const auto cookie = xcb_get_property(
-            connection, 0, root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
+            connection, 0, root(), atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
         const Owned<xcb_get_property_reply_t> reply(
             xcb_get_property_reply(connection, cookie, nullptr));
         if (reply && xcb_get_property_value_length(reply.get()) != 0)
@@ -95,6 +96,11 @@ std::uint32_t XServer::atom(const char *text) const
     const auto cookie = xcb_intern_atom(connection, 0, std::uint16_t(std::strlen(text)), text);
     const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+std::uint32_t XServer::root() const
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 }
 
 bool XServer::hasFocus(std::uint32_t window) const
@@ -163,6 +169,22 @@ QImage XServer::picture(std::uint32_t window) const
     return QImage(xcb_get_image_data(reply.get()), geometry->width, geometry->height,
         geometry->width * 4, QImage::Format_RGB32)
         .copy();
+}
+
+QRect XServer::placeOf(std::uint32_t window) const
+{
+    const Owned<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    const Owned<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
+        connection, xcb_translate_coordinates(connection, window, root(), 0, 0), nullptr));
+    if (!geometry || !corner)
+        return {};
+    return {corner->dst_x, corner->dst_y, geometry->width, geometry->height};
+}
+
+QImage XServer::screenPicture() const
+{
+    return picture(root());
 }
 
 } // namespace support

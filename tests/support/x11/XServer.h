@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QProcess>
+#include <QSize>
 #include <QString>
 
 #include <cstdint>
@@ -17,7 +18,7 @@ namespace support {
 class XServer
 {
 public:
-    XServer();
+    explicit XServer(QSize screen = QSize(1400, 1000));
     ~XServer();
     XServer(const XServer &) = delete;
     XServer &operator=(const XServer &) = delete;
@@ -28,7 +29,7 @@ public:
     QString display() const { return name; }
 
     /** Starts a window manager, which gives the keys to each new window, and back when it goes. */
-    bool manage();
+    bool manage(const QString &program = QStringLiteral("openbox"));
 
     /** Runs xdotool with these arguments; its output, trimmed, or "failed: ...". */
     QString tool(const QStringList &arguments) const;
@@ -41,11 +42,16 @@ public:
     void requestClose(std::uint32_t window) const;
     /** Least and greatest size that the window lets a window manager give it; null if none. */
     std::pair<QSize, QSize> sizeLimits(std::uint32_t window) const;
-    /** The window as it is on the screen. */
+    /** The window as it is on the screen; of what isn't on the screen there is no picture. */
     QImage picture(std::uint32_t window) const;
+    /** Where the window is on the screen, without its frame. */
+    QRect placeOf(std::uint32_t window) const;
+    /** All of the screen. */
+    QImage screenPicture() const;
 
 private:
     std::uint32_t atom(const char *text) const;
+    std::uint32_t root() const;
 
     QProcess server;
     QProcess manager;
