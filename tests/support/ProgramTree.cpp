@@ -1,11 +1,40 @@
 #include "tests/support/ProgramTree.h"
 
+#include "reports/read.h"
 #include "tests/support/system.h"
 
 #include <QFile>
 #include <QRegularExpression>
+#include <QTest>
 
 namespace support {
+
+namespace {
+
+/** What the reader of reports kept of one. */
+class Kept : public reports::EntrySink
+{
+public:
+    std::string source;
+
+    void entry(const reports::Entry &entry) override { reports::appendSource(source, entry); }
+    void logText(std::string_view piece) override { source += piece; }
+};
+
+/** Every report that a test has the program write, whatever the unit was like, is one for the
+ * reader. */
+void lookThrough(const QByteArray &report)
+{
+    reports::Lines lines({report.constData(), std::size_t(report.size())});
+    Kept kept;
+    const auto facts = reports::readReport(lines, kept);
+    const QByteArray plain =
+        QByteArray(report).replace("\r\n", "\n"); // as the reader takes their ends
+    if (!facts.complete || QByteArray::fromStdString(kept.source) != plain)
+        QTest::qFail("vornreport would lose lines of this report", __FILE__, __LINE__);
+}
+
+} // namespace
 
 QString ProgramTree::path(const QString &name) const
 {
@@ -69,6 +98,8 @@ QByteArray ProgramTree::report() const
 {
     run({QStringLiteral("--systemreport"), path(QStringLiteral("report.txt"))});
     const QByteArray text = read(QStringLiteral("report.txt"));
+    if (!text.isEmpty())
+        lookThrough(text);
     return text.mid(text.indexOf('\n', 1) + 1);
 }
 
