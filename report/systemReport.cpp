@@ -15,6 +15,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,14 +56,35 @@ QString banner(const char *title)
            QStringLiteral("  ------------------\n");
 }
 
-/** Each line with a plain line feed. */
-void addLines(QString &text, std::istream &log)
+/** Where a report goes: to its end, or piece by piece to somebody who takes it. */
+struct Target {
+    QString text;
+    std::function<void(const QString &piece)> take; ///< may be empty
+
+    void passOn()
+    {
+        if (take && !text.isEmpty())
+            take(std::exchange(text, {}));
+    }
+};
+
+/** With a plain line feed. */
+template <typename Text>
+void addLine(Target &target, const Text &line)
+{
+    constexpr int pieceLength = 1 << 20;
+    target.text += line;
+    target.text += QLatin1Char('\n');
+    if (target.text.size() >= pieceLength)
+        target.passOn();
+}
+
+void addLines(Target &target, std::istream &log)
 {
     for (std::string line; std::getline(log, line);) {
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
-        text += QLatin1String(line.data(), line.data() + line.size());
-        text += QLatin1Char('\n');
+        addLine(target, QLatin1String(line.data(), line.data() + line.size()));
     }
 }
 
@@ -88,7 +110,7 @@ std::optional<QString> decodedByMark(std::istream &log)
 
 /** Appends one log file, each line with a plain line feed. A file that can't be opened leaves no
  *  trace; only regular files count as openable, since a pipe could wait for ever. */
-void addLog(QString &text, const std::filesystem::path &path, const char *header)
+void addLog(Target &target, const std::filesystem::path &path, const char *header)
 {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error))
@@ -99,27 +121,27 @@ void addLog(QString &text, const std::filesystem::path &path, const char *header
     file.open(path, std::ios::binary);
     if (!file.is_open())
         return;
-    text += QString::fromLatin1(header);
+    target.text += QString::fromLatin1(header);
 
     // Logs may be large: growing step by step would need the memory twice.
     const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (!error)
-        text.reserve(text.size() + static_cast<decltype(text.size())>(size) + 1024);
+    if (!error && !target.take)
+        target.text.reserve(
+            target.text.size() + static_cast<decltype(target.text.size())>(size) + 1024);
     if (auto decoded = decodedByMark(file)) {
         QTextStream lines(&*decoded);
         for (QString line; lines.readLineInto(&line);)
-            text += line + QLatin1Char('\n');
+            addLine(target, line);
     } else {
-        addLines(text, file);
+        addLines(target, file);
     }
 }
 
-} // namespace
-
-QString generateSystemReport()
+void addReport(Target &target)
 {
     const QString started = qtVersions::textDate(QDateTime::currentDateTime());
-    QString text = QStringLiteral("\nSystem report generated on: %1\n").arg(started);
+    QString &text = target.text;
+    text = QStringLiteral("\nSystem report generated on: %1\n").arg(started);
     text += banner("SW Versions") + versionLines();
     text += banner("EEPROM data") + eepromDataText();
     text += banner("Diagnostic data") + diagnosticDataText();
@@ -127,10 +149,25 @@ QString generateSystemReport()
     text += banner("CPU board data") + cpuBoardDataText();
     text += banner("Settings") + settingsDataText();
     text += banner("Log Files");
-    addLog(text, platform::hardwareErrorLog(), "\n\nFile:HardwareErrorLog.log:\n");
-    addLog(text, platform::deviceServiceLog(), "\n\nFile:VornAuxService.log:\n");
+    addLog(target, platform::hardwareErrorLog(), "\n\nFile:HardwareErrorLog.log:\n");
+    addLog(target, platform::deviceServiceLog(), "\n\nFile:VornAuxService.log:\n");
     text += banner("End of report");
-    return text;
+    target.passOn();
+}
+
+} // namespace
+
+QString generateSystemReport()
+{
+    Target target;
+    addReport(target);
+    return target.text;
+}
+
+void generateSystemReport(const std::function<void(const QString &piece)> &take)
+{
+    Target target{{}, take};
+    addReport(target);
 }
 
 void writeReportText(QIODevice &device, const QString &text)

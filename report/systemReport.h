@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 
 class QIODevice;
 
@@ -12,6 +13,11 @@ class QIODevice;
  * read is told in its line. Main thread only.
  */
 QString generateSystemReport();
+
+/** The same for somebody who wants no more memory taken than that of a piece.
+ *  @param take is given one piece after the other: whole lines, about a million characters of a log
+ */
+void generateSystemReport(const std::function<void(const QString &piece)> &take);
 
 /** Writes a report as it goes to files: Latin-1, whatever the user's locale. Stops at the first
  *  failure, which nobody is told. */

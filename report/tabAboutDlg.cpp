@@ -4,6 +4,7 @@
 #include "frame/WaitNotice.h"
 #include "report/sections.h"
 #include "report/systemReport.h"
+#include "report/viewText.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -13,7 +14,7 @@ namespace {
 
 struct Entry {
     const char *caption;
-    QString (*text)();
+    QString (*text)(); ///< null for the whole report
 };
 
 constexpr Entry entries[] = {
@@ -21,7 +22,7 @@ constexpr Entry entries[] = {
     {"Diagnostic data", diagnosticDataText},
     {"ADC values", adcDataText},
     {"CPU board data", cpuBoardDataText},
-    {"System report", generateSystemReport},
+    {"System report", nullptr},
     {"Battery data", batteryDataText},
 };
 constexpr int batteryEntry = 5; // stands at the end of the list, if at all
@@ -56,8 +57,13 @@ void tabAboutDlg::selectionIndexChanged(int index)
         return;
     ui->textEditInfo->clear(); // before the notice, which shows an empty view then
     const WaitNotice notice(this);
-    if (index >= 0 && index < int(std::size(entries)))
-        ui->textEditInfo->setPlainText(entries[index].text());
+    if (index < 0 || index >= int(std::size(entries)))
+        return;
+    const auto add = [this](const QString &lines) { addToView(ui->textEditInfo, lines); };
+    if (const auto text = entries[index].text)
+        add(text());
+    else
+        generateSystemReport(add);
 }
 
 void tabAboutDlg::SaveFileAs()
@@ -71,7 +77,7 @@ void tabAboutDlg::SaveFileAs()
         // Straight to the file: a text stream would encode the bytes once more. A disk that runs
         // full isn't told.
         const WaitNotice notice(this);
-        file.write(ui->textEditInfo->toPlainText().toLatin1());
+        writeViewText(file, *ui->textEditInfo->document());
         return;
     }
     QMessageBox::information(this, tr("Unable to open file"), file.errorString(), QMessageBox::Ok);

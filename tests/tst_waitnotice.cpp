@@ -3,6 +3,7 @@
 #include "frame/window/TabIndex.h"
 #include "frame/window/VornSettings.h"
 #include "frame/workSteps.h"
+#include "report/viewText.h"
 #include "tests/support/PageTest.h"
 #include "tests/support/SkippedPauses.h"
 #include "virtualunit/VirtualUnit.h"
@@ -10,6 +11,7 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QCheckBox>
+#include <QIODevice>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -42,6 +44,21 @@ void rest(int milliseconds)
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
+/** Takes that long for everything that it is given. */
+class SlowFile : public QIODevice
+{
+public:
+    SlowFile() { open(WriteOnly | Unbuffered); }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *, qint64 size) override
+    {
+        rest(60);
+        return size;
+    }
+};
+
 } // namespace
 
 /** What the user is told while the program is at work, on the whole window. */
@@ -61,6 +78,7 @@ private slots:
     void sectionChosenFromTheList();
     void listOpenedOverTheWork();
     void saveAs();
+    void largeTextToSlowDisk();
     void touchParameters();
     void factoryDefaults();
     void boxInTheMiddle();
@@ -229,6 +247,18 @@ void WaitNoticeTest::saveAs()
     watch([&] { click(page, "pushButtonSaveAs"); });
     QCOMPARE(dialogs.take().count(), 1);
     QVERIFY(QFile::exists(folder.filePath("report.txt"_s)));
+}
+
+void WaitNoticeTest::largeTextToSlowDisk()
+{
+    QPlainTextEdit view;
+    view.setPlainText("A line of a report that is saved.\n"_s.repeated(20'000));
+    SlowFile disk;
+    watch([&] {
+        const WaitNotice notice(window.get());
+        writeViewText(disk, *view.document());
+    });
+    QCOMPARE(paints, 1);
 }
 
 void WaitNoticeTest::touchParameters()
