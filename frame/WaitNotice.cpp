@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QComboBox>
 #include <QEvent>
 #include <QLabel>
 #include <QWindow>
@@ -19,7 +20,7 @@ bool stepsAreLong = false; // as the last work went
 
 } // namespace
 
-WaitNotice::WaitNotice(QWidget *page, int expected)
+WaitNotice::WaitNotice(QWidget *page, int expected, QComboBox *list)
     : window(page->window())
     , knownToLast(expected >= patience)
 {
@@ -29,10 +30,11 @@ WaitNotice::WaitNotice(QWidget *page, int expected)
     outer = std::exchange(innermost, this);
     workStepListener = [] { innermost->stepDone(); };
     window->windowHandle()->installEventFilter(this);
-    if (QWidget *list = QApplication::activePopupWidget())
-        list->close();
     begin();
-    window->repaint(); // some window systems leave a list that is gone on the screen
+    if (list) {
+        list->hidePopup();
+        window->repaint(); // some window systems leave it to us to paint over the list
+    }
     if (knownToLast || stepsAreLong)
         showStrip();
 }

@@ -5,18 +5,19 @@
 #include <QPointer>
 #include <QString>
 
+class QComboBox;
 class QLabel;
 class QWidget;
 
 /**
  * Tells the user of a page that the program is at work, for as long as this lives: a wait cursor at
- * once and, when it has taken longer than users are patient, a strip "Please wait..." at the foot
- * of the window. An open list is closed first. Screen readers hear that the window is busy.
+ * once and, where it takes long, a strip "Please wait..." at the foot of the window. The list that
+ * the work was chosen from is closed first. Screen readers hear that the window is busy.
  *
  * The work holds the main thread, and no event is handled meanwhile. So the strip is painted
- * straight to the screen, at the first workStep() behind that; every call on the device is
- * such a step. It comes before the work if that is known to last, and also if the work before had a
- * single step of such a length: a unit that was as slow as that probably still is.
+ * straight to the screen at the first workStep() behind 300 ms; every call on the device is such a
+ * step. It comes before the work if that is known to last, and also if the work before had a single
+ * step of that length: a unit that was as slow as that probably still is.
  *
  * While a box is open in the middle of the work, the window is as usual; time counts anew when the
  * box is closed. A notice of work within other work is part of the other's. A page that nobody sees
@@ -29,8 +30,9 @@ class WaitNotice : public QObject
 public:
     static constexpr int patience = 300; ///< milliseconds without the strip
 
-    /** @param expected milliseconds that the work is known to take */
-    explicit WaitNotice(QWidget *page, int expected = 0);
+    /** @param expected milliseconds that the work is known to take
+     *  @param list from which the work was chosen, if it was */
+    explicit WaitNotice(QWidget *page, int expected = 0, QComboBox *list = nullptr);
     ~WaitNotice() override;
 
     /** Whether work is going on in that window. */

@@ -75,7 +75,6 @@ tabTouchDlg::tabTouchDlg(QWidget *parent)
 
 void tabTouchDlg::showEvent(QShowEvent *)
 {
-    const WaitNotice notice(this);
     loadMode();
     showParameters();
 }
@@ -136,7 +135,7 @@ void tabTouchDlg::buttonCalibrateClicked()
 
 void tabTouchDlg::comboboxIndexChanged(int index)
 {
-    const WaitNotice notice(this);
+    const WaitNotice notice(this, 0, ui->comboBoxParameter);
     std::uint16_t value = 0;
     const auto code = Touch_getAdvancedSetting(touch, index, &value);
     ui->editTimeData->setText(code == DEVICE_OK ? QString::number(value) : QStringLiteral("Error"));
@@ -182,7 +181,6 @@ void tabTouchDlg::TabChanged(int index)
 
 void tabTouchDlg::showParameters()
 {
-    const WaitNotice notice(this);
     ui->textEdit->clear();
     QString text;
     for (int number = 0; number < TOUCH_RESTORE_DEFAULTS; ++number) {

@@ -56,7 +56,7 @@ void tabAboutDlg::selectionIndexChanged(int index)
     if (!initialised)
         return;
     ui->textEditInfo->clear(); // before the notice, which shows an empty view then
-    const WaitNotice notice(this);
+    const WaitNotice notice(this, 0, ui->comboBoxSelection);
     if (index < 0 || index >= int(std::size(entries)))
         return;
     const auto add = [this](const QString &lines) { addToView(ui->textEditInfo, lines); };

@@ -73,7 +73,9 @@ private slots:
     void init();
     void cleanup();
 
+    void cursorAtOnce();
     void quickWork();
+    void openingPages();
     void applyOnOff();
     void sectionChosenFromTheList();
     void listOpenedOverTheWork();
@@ -103,7 +105,7 @@ private:
     QStringList all;
     QRect place; ///< of the strip
     int paints = 0;
-    bool started = false; ///< the window was painted when the work began, without its list
+    bool started = false; ///< the window was painted before the strip came, without its list
 };
 
 void WaitNoticeTest::init()
@@ -128,8 +130,8 @@ void WaitNoticeTest::cleanup()
 
 bool WaitNoticeTest::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Paint && watched == window.get() && !started)
-        started = waiting() && busy(window.get()) && !strip() && (!list || !list->isVisible());
+    if (event->type() == QEvent::Paint && watched == window.get() && list)
+        started = started || (!strip() && !list->isVisible());
     if (event->type() == QEvent::Paint && watched->objectName() == WaitNotice::stripName() &&
         paints++ == 0) {
         before = mainThreadCalls();
@@ -150,7 +152,6 @@ void WaitNoticeTest::watch(const std::function<void()> &work)
     work();
     qApp->removeEventFilter(this);
     all = before + mainThreadCalls();
-    QVERIFY(started);
     QVERIFY(!waiting());
     QVERIFY(!strip());
     QVERIFY(!busy(window.get()));
@@ -171,6 +172,27 @@ QWidget *WaitNoticeTest::open(int tab)
     }
     qFatal("no page");
     return nullptr;
+}
+
+void WaitNoticeTest::cursorAtOnce()
+{
+    watch([&] {
+        const WaitNotice notice(window.get());
+        QVERIFY(waiting());
+        QVERIFY(busy(window.get()));
+        QVERIFY(!strip());
+    });
+    QCOMPARE(paints, 0);
+}
+
+void WaitNoticeTest::openingPages()
+{
+    delay("Config_getOnOffSigAction", 160);
+    delay("Config_getShortButtonPressAction", 160);
+    watch([&] { window->showTab(onOffTab); });
+    QCOMPARE(all.size(), 8);
+    QCOMPARE(paints, 1);
+    QVERIFY(before.size() < 8);
 }
 
 void WaitNoticeTest::quickWork()
@@ -219,6 +241,7 @@ void WaitNoticeTest::sectionChosenFromTheList()
         selection->view()->setCurrentIndex(selection->model()->index(2, 0));
         QTest::keyClick(selection->view(), Qt::Key_Return);
     });
+    QVERIFY(started);
     QCOMPARE(selection->currentIndex(), 2);
     QCOMPARE(all, expected);
     QCOMPARE(info->toPlainText(), text);
@@ -234,6 +257,7 @@ void WaitNoticeTest::listOpenedOverTheWork()
     selection->showPopup();
     list = selection->view()->window();
     watch([&] { selection->setCurrentIndex(2); });
+    QVERIFY(started);
     QCOMPARE(paints, 1);
     QVERIFY(!list->isVisible());
     takeWarnings();

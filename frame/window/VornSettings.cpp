@@ -1,5 +1,6 @@
 #include "frame/window/VornSettings.h"
 
+#include "frame/WaitNotice.h"
 #include "frame/busyInterfaces.h"
 #include "frame/window/tabMenuDlg.h"
 #include "pages/tabAdvancedDlg.h"
@@ -203,6 +204,7 @@ void VornSettings::showTab(int index)
     tabDlg *page = index >= 0 && index < tabCount ? tabs[size_t(index)] : nullptr;
     if (!page)
         return;
+    const WaitNotice notice(this); // a page asks for all that it shows
     if (tabDlg *former = tabs.at(size_t(currentTab)))
         former->hide();
     page->show();
