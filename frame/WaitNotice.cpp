@@ -31,10 +31,11 @@ WaitNotice::WaitNotice(QWidget *page, int expected, QComboBox *list)
     workStepListener = [] { innermost->stepDone(); };
     window->windowHandle()->installEventFilter(this);
     begin();
-    if (list) {
+    if (list)
         list->hidePopup();
-        window->repaint(); // some window systems leave it to us to paint over the list
-    }
+    // Some window systems leave it to us to paint over what was in front: lists, but also boxes.
+    if (list || knownToLast)
+        window->repaint();
     if (knownToLast || stepsAreLong)
         showStrip();
 }

@@ -25,7 +25,8 @@ constexpr Entry entries[] = {
     {"System report", nullptr},
     {"Battery data", batteryDataText},
 };
-constexpr int batteryEntry = 5; // stands at the end of the list, if at all
+constexpr int stickSpeed = 5000; // bytes that a USB stick takes in a millisecond
+constexpr int batteryEntry = 5;  // stands at the end of the list, if at all
 
 } // namespace
 
@@ -76,8 +77,9 @@ void tabAboutDlg::SaveFileAs()
     if (file.open(QIODevice::WriteOnly)) {
         // Straight to the file: a text stream would encode the bytes once more. A disk that runs
         // full isn't told.
-        const WaitNotice notice(this);
-        writeViewText(file, *ui->textEditInfo->document());
+        const QTextDocument *text = ui->textEditInfo->document();
+        const WaitNotice notice(this, text->characterCount() / stickSpeed);
+        writeViewText(file, *text);
         return;
     }
     QMessageBox::information(this, tr("Unable to open file"), file.errorString(), QMessageBox::Ok);

@@ -80,6 +80,7 @@ private slots:
     void sectionChosenFromTheList();
     void listOpenedOverTheWork();
     void saveAs();
+    void largeTextToSave();
     void largeTextToSlowDisk();
     void touchParameters();
     void factoryDefaults();
@@ -130,8 +131,8 @@ void WaitNoticeTest::cleanup()
 
 bool WaitNoticeTest::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Paint && watched == window.get() && list)
-        started = started || (!strip() && !list->isVisible());
+    if (event->type() == QEvent::Paint && watched == window.get())
+        started = started || (waiting() && !strip() && (!list || !list->isVisible()));
     if (event->type() == QEvent::Paint && watched->objectName() == WaitNotice::stripName() &&
         paints++ == 0) {
         before = mainThreadCalls();
@@ -273,6 +274,21 @@ void WaitNoticeTest::saveAs()
     QVERIFY(QFile::exists(folder.filePath("report.txt"_s)));
 }
 
+void WaitNoticeTest::largeTextToSave()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("report.txt"_s);
+    auto *page = open(aboutTab);
+    const QString text = "A line of a report that is saved.\n"_s.repeated(50'000);
+    child<QPlainTextEdit>(page, "textEditInfo")->setPlainText(text);
+    dialogs.planFile(path);
+    watch([&] { click(page, "pushButtonSaveAs"); });
+    dialogs.take();
+    QVERIFY(started);
+    QCOMPARE(paints, 1); // before the first byte, at the speed of a USB stick
+    QCOMPARE(QFileInfo(path).size(), qint64(text.size()));
+}
+
 void WaitNoticeTest::largeTextToSlowDisk()
 {
     QPlainTextEdit view;
@@ -309,6 +325,7 @@ void WaitNoticeTest::factoryDefaults()
     watch(reset);
     // It always lasts, so the strip comes before the first call.
     QCOMPARE(paints, 1);
+    QVERIFY(started); // so that nothing is left of the question
     QCOMPARE(before, QStringList());
     QCOMPARE(all.constFirst(), "Hardware_create()"_s);
 }
