@@ -45,12 +45,15 @@ private slots:
         const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vorntrace"_s,
             "lib/vorntrace/libvorntrace.so"_s};
         const QStringList devel{"include/VornAux2.h"_s, "lib/pkgconfig/VornAux2.pc"_s};
-        QStringList all = program + unit + tools + devel;
+        const QStringList computer{"bin/vornaux-probe"_s, "lib/linuxunit/libVornAux2.so"_s,
+            "lib/udev/rules.d/70-vornaux.rules"_s, "share/vornaux/unit.schema.json"_s};
+        QStringList all = program + unit + tools + devel + computer;
         all.sort();
         // On a real unit a stand-in would take the place of the real part.
         QTest::newRow("for a unit") << "program"_s << program;
         QTest::newRow("stand-ins") << "virtualunit"_s << unit;
         QTest::newRow("for whoever looks into one") << "tools"_s << tools;
+        QTest::newRow("for a computer with Linux") << "linuxunit"_s << computer;
         QTest::newRow("for whoever writes a library") << "devel"_s << devel;
         QTest::newRow("all") << QString() << all;
     }
@@ -66,7 +69,7 @@ private slots:
     void treeRunsWhereItLies()
     {
         const QTemporaryDir prefix;
-        QCOMPARE(installed(prefix, {}).size(), 12);
+        QCOMPARE(installed(prefix, {}).size(), 16);
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VORN_UNIT"_s, ":memory:"_s);

@@ -170,6 +170,12 @@ std::int32_t Accumulator::errorStatus()
     throw Failure{UnexpectedContent, latin1(file + " tells of \"" + health.substr(0, 40) + "\"")};
 }
 
+std::string Accumulator::name()
+{
+    const auto place = folder();
+    return place.substr(place.rfind('/') + 1);
+}
+
 std::string Accumulator::text(const char *name)
 {
     const auto text = readText(fileOf(name));

@@ -23,6 +23,8 @@ public:
     std::int32_t errorStatus(); ///< BatteryErrorStatus
     /** A text of the battery: "serial_number", "model_name". */
     std::string text(const char *name);
+    /** Name below /sys/class/power_supply. */
+    std::string name();
 
 private:
     std::optional<std::string> find();

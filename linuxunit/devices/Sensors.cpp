@@ -138,15 +138,17 @@ bool fits(const nlohmann::json &wanted, const char *key, const std::string &pres
     return found == wanted.end() || found->get_ref<const std::string &>() == present;
 }
 
-/** Labels that a firmware has are unique within a chip; the first one counts otherwise. */
+/** Of several that are alike, as zones of the same type, "number" tells which. */
 template <typename Sensor>
 const Sensor *findNamed(const std::vector<Sensor> &all, const nlohmann::json &wanted)
 {
-    const auto found = std::find_if(all.begin(), all.end(), [&](const Sensor &sensor) {
-        return fits(wanted, "chip", sensor.chip) && fits(wanted, "input", sensor.input) &&
-               fits(wanted, "label", sensor.label);
-    });
-    return found == all.end() ? nullptr : &*found;
+    auto before = wanted.value("number", 0U);
+    for (const auto &sensor : all) {
+        if (fits(wanted, "chip", sensor.chip) && fits(wanted, "input", sensor.input) &&
+            fits(wanted, "label", sensor.label) && before-- == 0)
+            return &sensor;
+    }
+    return nullptr;
 }
 
 bool isFaulty(const Temperature &sensor)

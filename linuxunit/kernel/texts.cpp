@@ -10,7 +10,7 @@ namespace linuxunit {
 
 namespace {
 
-constexpr std::string_view placeholders[] = {"", "--", "0", "0123456789", "123456789",
+constexpr std::string_view placeholders[] = {"", "--", "0", "000000", "0123456789", "123456789",
     "Default string", "Default String", "Invalid", "INVALID", "N/A", "NA", "None", "Not Applicable",
     "Not Available", "Not Specified", "OEM", "System manufacturer", "System Product Name",
     "System Serial Number", "System Version", "To be filled by O.E.M.", "To Be Filled By O.E.M.",

@@ -15,8 +15,6 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t longestFile = 1U << 20U;
-
 /** What tells one state of a file from another. */
 struct Stamp {
     dev_t device;
@@ -62,8 +60,9 @@ void load(Loaded &file)
     file.machine.reset();
     file.failure.reset();
     try {
-        file.machine = file.stamp ? Machine::parse(readWhole(file.path, longestFile), file.path)
-                                  : std::make_shared<const Machine>();
+        file.machine = file.stamp
+                           ? Machine::parse(readWhole(file.path, longestMachineFile), file.path)
+                           : std::make_shared<const Machine>();
     } catch (const Failure &failure) {
         file.failure = failure;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -36,6 +37,8 @@ public:
 private:
     std::unique_ptr<nlohmann::json> whole;
 };
+
+inline constexpr std::size_t longestMachineFile = 1U << 20U; ///< bytes
 
 /** Path of the file, whether it exists or not. */
 std::string machineFile();

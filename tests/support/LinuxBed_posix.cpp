@@ -1,0 +1,113 @@
+#include "tests/support/LinuxBed_posix.h"
+
+#include "tests/support/literals.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QtGlobal>
+
+namespace support {
+
+namespace {
+
+constexpr int patience = 120'000; // milliseconds
+
+/** Copies all files below a folder to those of the same names below another. */
+void copyTree(const QString &from, const QString &to)
+{
+    QDirIterator files(from, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        const QString target = to + file.mid(from.size());
+        QDir().mkpath(QFileInfo(target).path());
+        QFile::remove(target);
+        if (!QFile::copy(file, target))
+            qFatal("%s can't be copied", qPrintable(file));
+    }
+}
+
+} // namespace
+
+QString LinuxBed::missing()
+{
+    return QStandardPaths::findExecutable("umockdev-run"_s).isEmpty() ? "umockdev isn't installed"_s
+                                                                      : QString();
+}
+
+QString LinuxBed::folderOf(const QString &machine)
+{
+    return QStringLiteral(VORN_MACHINES_DIR "/") + machine;
+}
+
+QStringList LinuxBed::machines()
+{
+    return QDir(QStringLiteral(VORN_MACHINES_DIR)).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
+LinuxBed::LinuxBed(const QString &machine)
+{
+    // The shell tells where the bed is, and then waits for the end of its input.
+    keeper.start("umockdev-run"_s, {"-d"_s, folderOf(machine) + "/devices.umockdev"_s, "--"_s,
+                                       "/bin/sh"_s, "-c"_s, "echo \"$UMOCKDEV_DIR\"; exec cat"_s});
+    while (keeper.canReadLine() || keeper.waitForReadyRead(patience)) {
+        if (keeper.canReadLine())
+            break;
+    }
+    root = QString::fromLocal8Bit(keeper.readLine().trimmed());
+    if (root.isEmpty())
+        qFatal("%s: %s", qPrintable(machine), keeper.readAllStandardError().constData());
+    copyTree(folderOf(machine) + "/root"_s, root);
+
+    environment = QProcessEnvironment::systemEnvironment();
+    const auto set = [this](const char *name, const QString &value) {
+        environment.insert(QLatin1String(name), value);
+    };
+    set("LD_PRELOAD", "libumockdev-preload.so.0"_s);
+    set("UMOCKDEV_DIR", root);
+    set("VORNAUX_ROOT", root);
+    set("LD_LIBRARY_PATH", QFileInfo(QStringLiteral(VORN_LINUXUNIT_LIBRARY)).path());
+    set("HOME", home.path());
+    set("XDG_STATE_HOME", home.path());
+    set("VORN_DMI_DIR", root + "/sys/class/dmi/id"_s);
+    set("VORN_LOG_DIR", home.path());
+    set("QT_QPA_PLATFORM", "offscreen"_s);
+    environment.remove("VORNAUX_CONFIG"_s);
+}
+
+LinuxBed::~LinuxBed()
+{
+    keeper.closeWriteChannel();
+    keeper.waitForFinished(patience);
+}
+
+QString LinuxBed::path(const QString &name) const
+{
+    return root + name;
+}
+
+LinuxBed::Run LinuxBed::run(const QString &program, const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    if (!process.waitForFinished(patience) || process.exitStatus() != QProcess::NormalExit)
+        qFatal("%s %s", qPrintable(program), qPrintable(process.errorString()));
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+QByteArray LinuxBed::report() const
+{
+    const auto file = home.filePath("report.txt"_s);
+    QFile::remove(file);
+    run(QStringLiteral(VORN_BIN_DIR "/VornSettings"), {"--systemreport"_s, file});
+    QFile written(file);
+    if (!written.open(QIODevice::ReadOnly))
+        return {};
+    const auto all = written.readAll();
+    return all.mid(all.indexOf('\n', 1) + 1);
+}
+
+} // namespace support

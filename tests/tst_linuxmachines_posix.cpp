@@ -1,0 +1,129 @@
+#include "tests/support/LinuxBed_posix.h"
+#include "tests/support/expected.h"
+#include "tests/support/literals.h"
+
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+using support::LinuxBed;
+using support::operator""_s;
+
+namespace {
+
+/** What the compliance test has against the library on a machine; empty if nothing. */
+QString failuresOn(const QString &machine)
+{
+    const LinuxBed bed(machine);
+    const auto checked = bed.run(QStringLiteral(VORN_BIN_DIR "/vorncheck"),
+        {"--write"_s, QStringLiteral(VORN_LIB_DIR "/linuxunit/libVornAux2.so")});
+    const auto lines = QString::fromUtf8(checked.output).split(QLatin1Char('\n'));
+    const auto failures = lines.filter("FAIL "_s).join(QLatin1Char('\n'));
+    return failures.isEmpty() && checked.exitCode != 0 ? "exit code %1"_s.arg(checked.exitCode)
+                                                       : failures;
+}
+
+} // namespace
+
+/** The Linux unit on machines, by the real program and the compliance test. */
+class LinuxMachinesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void reportIsAsExpected_data();
+    void reportIsAsExpected();
+    void contractIsKept();
+    void probeDescribesTheMachine_data();
+    void probeDescribesTheMachine();
+
+private:
+    static void addMachines();
+};
+
+void LinuxMachinesTest::addMachines()
+{
+    QTest::addColumn<QString>("machine");
+    for (const auto &machine : LinuxBed::machines())
+        QTest::newRow(qPrintable(machine)) << machine;
+}
+
+void LinuxMachinesTest::initTestCase()
+{
+    if (!LinuxBed::missing().isEmpty())
+        QSKIP(qPrintable(LinuxBed::missing()));
+    QVERIFY(LinuxBed::machines().size() >= 12);
+}
+
+void LinuxMachinesTest::reportIsAsExpected_data()
+{
+    addMachines();
+}
+
+void LinuxMachinesTest::reportIsAsExpected()
+{
+    QFETCH(QString, machine);
+    const LinuxBed bed(machine);
+    const auto report = QString::fromLatin1(bed.report());
+    const auto lines = report.split(QLatin1Char('\n'));
+    const auto expected =
+        support::expectedLines(LinuxBed::folderOf(machine) + "/report.txt"_s, lines);
+    for (int i = 0; i < qMin(lines.size(), expected.size()); ++i)
+        QCOMPARE(lines[i], expected[i]);
+    QCOMPARE(lines.size(), expected.size());
+}
+
+void LinuxMachinesTest::contractIsKept()
+{
+    // Side by side, since most of it is waiting.
+    constexpr std::size_t atOnce = 4;
+    const auto machines = LinuxBed::machines();
+    std::atomic<int> next = 0;
+    std::vector<QString> findings(std::size_t(machines.size()));
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < atOnce; ++i) {
+        threads.emplace_back([&] {
+            for (int at = next++; at < machines.size(); at = next++)
+                findings[std::size_t(at)] = failuresOn(machines[at]);
+        });
+    }
+    for (auto &thread : threads)
+        thread.join();
+    for (int i = 0; i < machines.size(); ++i)
+        QCOMPARE(machines[i] + findings[std::size_t(i)], machines[i]);
+}
+
+void LinuxMachinesTest::probeDescribesTheMachine_data()
+{
+    addMachines();
+}
+
+void LinuxMachinesTest::probeDescribesTheMachine()
+{
+    QFETCH(QString, machine);
+    LinuxBed bed(machine);
+    const auto probe = QStringLiteral(VORN_BIN_DIR "/vornaux-probe");
+    const auto probed = bed.run(probe, {});
+    QCOMPARE(probed.exitCode, 0);
+    QFile file(bed.path("/etc/vornaux/probed.json"_s));
+    QVERIFY(QDir().mkpath(bed.path("/etc/vornaux"_s)));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(probed.output) > 0);
+    file.close();
+    const auto checked = bed.run(probe, {"--check"_s, "/etc/vornaux/probed.json"_s});
+    QCOMPARE(checked.errors, QByteArray());
+    QCOMPARE(checked.output, QByteArray("/etc/vornaux/probed.json describes a machine\n"));
+    // What the library finds by itself is what the file says.
+    if (QFile::exists(bed.path("/etc/vornaux/unit.json"_s)))
+        return;
+    const auto found = bed.report();
+    bed.environment.insert("VORNAUX_CONFIG"_s, "/etc/vornaux/probed.json"_s);
+    QCOMPARE(bed.report(), found);
+}
+
+QTEST_GUILESS_MAIN(LinuxMachinesTest)
+#include "tst_linuxmachines_posix.moc"
