@@ -1,0 +1,393 @@
+#include "tests/support/LinuxUnit_posix.h"
+#include "tests/support/MockBus_posix.h"
+#include "tests/support/literals.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <optional>
+#include <set>
+
+using support::LinuxUnit;
+using support::MockBus;
+using support::operator""_s;
+
+namespace {
+
+constexpr int longestCall = 150; ///< milliseconds, with what the machine's load adds
+
+/** The kind of a code: what its number in front, which tells sentences apart, leaves. */
+int kindOf(const LinuxUnit::Answer &answer)
+{
+    return answer.code % 1000;
+}
+
+// A disk on a cable, a stick, an NVMe one and an eMMC; the service's order is none of these.
+const QByteArray drives = R"py(
+UD = 'org.freedesktop.UDisks2'
+manager = service(UD, '/org/freedesktop/UDisks2', UD + '.Manager', manager=True)
+
+def drive(name, sort, serial, bus='', removable=False):
+    path = '/org/freedesktop/UDisks2/drives/' + name
+    manager.AddObject(path, UD + '.Drive', {
+        'Id': name, 'Serial': serial, 'ConnectionBus': bus, 'Removable': dbus.Boolean(removable),
+        'Optical': dbus.Boolean(False), 'SortKey': sort, 'Size': dbus.UInt64(8054112256)}, [])
+    return objects[path]
+
+stick = drive('Generic_Flash_Disk', '01hotplug/1675972756688073', 'STICK', 'usb', True)
+nvme = drive('Samsung_SSD_970', '00coldplug/10fixed/nvme0', 'S4EWNF0M')
+disk = drive('INTEL_SSDSC2', '00coldplug/20fixed/sda', 'BTPR1475')
+disk.AddProperties(UD + '.Drive.Ata', {'SmartSupported': dbus.Boolean(True),
+    'SmartEnabled': dbus.Boolean(True), 'SmartUpdated': dbus.UInt64(UPDATED)})
+disk.AddMethod(UD + '.Drive.Ata', 'SmartGetAttributes', 'a{sv}', 'a(ysqiiixia{sv})', '''ret = [
+    (dbus.Byte(5), 'reallocated-sector-count', dbus.UInt16(50), 100, 100, 0, dbus.Int64(0), 1, dbus.Dictionary({}, signature='sv')),
+    (dbus.Byte(233), 'media-wearout-indicator', dbus.UInt16(50), 97, 97, 0, dbus.Int64(0), 1, dbus.Dictionary({}, signature='sv'))]''')
+nvme.AddProperties(UD + '.NVMe.Controller', {'State': 'live', 'SmartUpdated': dbus.UInt64(1753906112)})
+nvme.AddMethod(UD + '.NVMe.Controller', 'SmartGetAttributes', 'a{sv}', 'a{sv}', NVME)
+)py";
+
+QByteArray drivesWith(const QByteArray &nvme, const QByteArray &updated = "1675972756")
+{
+    return QByteArray("from dbusmock.mockobject import objects\nUPDATED = ") + updated +
+           "\nNVME = '''" + nvme + "'''\n" + drives;
+}
+
+/** The firmware's service; `install` is what it does when it is asked to. */
+QByteArray fwupd(const QByteArray &install)
+{
+    return R"py(
+FW = 'org.freedesktop.fwupd'
+fwupd = service(FW, '/', FW, properties={'Status': dbus.UInt32(1), 'Percentage': dbus.UInt32(0)})
+fwupd.AddMethod(FW, 'Install', 'sha{sv}', '', """
+import time
+def tell(status, percent, self=self, time=time):
+    self.UpdateProperties('org.freedesktop.fwupd',
+        {'Status': dbus.UInt32(status), 'Percentage': dbus.UInt32(percent)})
+    self.connection.flush()
+    time.sleep(0.15)
+)py" + install +
+           "\n\"\"\")\n";
+}
+
+const char *const used = "ret = {'percent_used': dbus.Byte(3), 'avail_spare': dbus.Byte(100)}";
+
+} // namespace
+
+/** The Linux unit and the services of the system bus, on a bus of the test's own. */
+class LinuxServicesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void withoutBusNothingIsThere();
+    void drivesAreTold();
+    void configuredDrives();
+    void nvmeLifetimes_data();
+    void nvmeLifetimes();
+    void unreadDiskIsNotAvailable();
+    void cardsTellOfTheirRegister();
+    void lateAnswersServeTheNextCall();
+    void servicesDieAndComeBack();
+    void busDiesAndComesBack();
+    void shutDown_data();
+    void shutDown();
+    void firmwareIsInstalled();
+    void firmwareRefused_data();
+    void firmwareRefused();
+    void firmwareServiceDies();
+    void firmwareTargets();
+
+private:
+    FirmwareUpgradeStatus firmwareStatus();
+    LinuxUnit::Answer call(const char *operation, const std::vector<LinuxUnit::Value> &given = {});
+
+    std::optional<LinuxUnit> unit;
+    std::optional<MockBus> bus;
+};
+
+void LinuxServicesTest::initTestCase()
+{
+    if (!MockBus::isPossible())
+        QSKIP("There is no dbus-daemon here, or no python3-dbusmock");
+}
+
+void LinuxServicesTest::init()
+{
+    unit.emplace();
+    bus.emplace();
+}
+
+void LinuxServicesTest::cleanup()
+{
+    unit.reset();
+    bus.reset();
+}
+
+/** Holds every call to its time. */
+LinuxUnit::Answer LinuxServicesTest::call(
+    const char *operation, const std::vector<LinuxUnit::Value> &given)
+{
+    QElapsedTimer timer;
+    timer.start();
+    auto answer = unit->call(operation, given);
+    if (timer.elapsed() > longestCall)
+        QTest::qFail(operation, __FILE__, __LINE__);
+    return answer;
+}
+
+void LinuxServicesTest::withoutBusNothingIsThere()
+{
+    QCOMPARE(call("Smart_getDeviceSerial").code, 2);
+    bus.reset();
+    unit->releaseAll();
+    QCOMPARE(call("Smart_getDeviceSerial").code, 2);
+    QCOMPARE(call("Firmware_shutDown").code, 2);
+    QCOMPARE(call("Firmware_startSSUpgrade", {"/nowhere", 0.0}).code, 2);
+}
+
+void LinuxServicesTest::drivesAreTold()
+{
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").text, QByteArray("S4EWNF0M"));
+    QCOMPARE(call("Smart_getDeviceSerial2").text, QByteArray("BTPR1475"));
+    QCOMPARE(call("Smart_getRemainingLifetime").numbers, std::vector<double>{97});
+    QCOMPARE(call("Smart_getRemainingLifetime2").numbers, std::vector<double>{97});
+    QCOMPARE(call("Smart_getInitialTime").code, 2);
+    QCOMPARE(call("Smart_getInitialTime2").code, 2);
+}
+
+void LinuxServicesTest::configuredDrives()
+{
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s, R"({"smart": {"drives": ["INTEL_SSDSC2", "Gone"]}})");
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").text, QByteArray("BTPR1475"));
+    QCOMPARE(call("Smart_getDeviceSerial2").code, 18);
+    unit->write("/unit.json"_s, R"({"smart": false})");
+    QCOMPARE(call("Smart_getDeviceSerial").code, 2);
+}
+
+void LinuxServicesTest::nvmeLifetimes_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<double>("percent");
+    QTest::newRow("refused") << QByteArray("raise dbus.exceptions.DBusException('Broken', "
+                                           "name='org.freedesktop.UDisks2.Error.Failed')")
+                             << 109 << 0.0;
+    QTest::newRow("no rights") << QByteArray("raise dbus.exceptions.DBusException('No', "
+                                             "name='org.freedesktop.DBus.Error.AccessDenied')")
+                               << 101 << 0.0;
+    QTest::newRow("nothing in it")
+        << QByteArray("ret = dbus.Dictionary({}, signature='sv')") << 18 << 0.0;
+    QTest::newRow("a text") << QByteArray("ret = {'percent_used': '3'}") << 18 << 0.0;
+    QTest::newRow("no number") << QByteArray("ret = {'percent_used': float('nan')}") << 18 << 0.0;
+    QTest::newRow("negative") << QByteArray("ret = {'percent_used': -3}") << 18 << 0.0;
+    QTest::newRow("endless") << QByteArray("ret = {'percent_used': float('inf')}") << 0 << 0.0;
+    QTest::newRow("used up") << QByteArray("ret = {'percent_used': dbus.Byte(130)}") << 0 << 0.0;
+    QTest::newRow("new") << QByteArray("ret = {'percent_used': dbus.Byte(0)}") << 0 << 100.0;
+}
+
+void LinuxServicesTest::nvmeLifetimes()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(int, kind);
+    bus->play(drivesWith(reply));
+    const auto answer = call("Smart_getRemainingLifetime");
+    QCOMPARE(kindOf(answer), kind);
+    if (kind == 0)
+        QTEST(answer.numbers.at(0), "percent");
+    if (kind == 109)
+        QCOMPARE(unit->textOf(answer),
+            QByteArray("org.freedesktop.UDisks2 refuses SmartGetAttributes: Broken"));
+}
+
+void LinuxServicesTest::unreadDiskIsNotAvailable()
+{
+    bus->play(drivesWith(used, "0"));
+    QCOMPARE(call("Smart_getRemainingLifetime2").code, 18);
+    QCOMPARE(call("Smart_getDeviceSerial2").code, 0);
+}
+
+void LinuxServicesTest::cardsTellOfTheirRegister()
+{
+    bus->play(R"py(
+UD = 'org.freedesktop.UDisks2'
+manager = service(UD, '/org/freedesktop/UDisks2', UD + '.Manager', manager=True)
+card = '/org/freedesktop/UDisks2/drives/BJTD4R'
+manager.AddObject(card, UD + '.Drive', {'Id': 'BJTD4R', 'Serial': '', 'ConnectionBus': 'sdio',
+    'Removable': dbus.Boolean(False), 'SortKey': '00coldplug/00fixed/mmcblk1'}, [])
+manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block',
+    {'Drive': dbus.ObjectPath(card)}, [])
+)py");
+    QCOMPARE(call("Smart_getDeviceSerial").code, 2);
+    QCOMPARE(call("Smart_getRemainingLifetime").code, 2);
+    const auto file = "/sys/block/mmcblk1/device/life_time"_s;
+    unit->write(file, "0x01 0x02\n");
+    QCOMPARE(call("Smart_getRemainingLifetime").numbers, std::vector<double>{80});
+    unit->write(file, "0x0b 0x01\n");
+    QCOMPARE(call("Smart_getRemainingLifetime").numbers, std::vector<double>{0});
+    for (const char *nothing : {"0x00 0x00\n", "0x0f 0x01\n", "nonsense\n", "\n"}) {
+        unit->write(file, nothing);
+        QCOMPARE(call("Smart_getRemainingLifetime").code, 2);
+    }
+}
+
+void LinuxServicesTest::lateAnswersServeTheNextCall()
+{
+    bus->play(drivesWith(QByteArray("import time; time.sleep(0.4); ") + used));
+    QCOMPARE(call("Smart_getRemainingLifetime").code, 18);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        call("Smart_getRemainingLifetime").numbers, std::vector<double>{97}, 5000);
+}
+
+void LinuxServicesTest::servicesDieAndComeBack()
+{
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").code, 0);
+    bus->killServices();
+    QTRY_COMPARE(call("Smart_getDeviceSerial").code, 18);
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").code, 0);
+}
+
+void LinuxServicesTest::busDiesAndComesBack()
+{
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").code, 0);
+    bus->killBus();
+    QTRY_COMPARE(call("Smart_getDeviceSerial").code, 18);
+    bus.reset();
+    bus.emplace();
+    bus->play(drivesWith(used));
+    QCOMPARE(call("Smart_getDeviceSerial").code, 0);
+}
+
+void LinuxServicesTest::shutDown_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("asks for a password")
+        << QByteArray("raise dbus.exceptions.DBusException('Interactive authentication required.', "
+                      "name='org.freedesktop.DBus.Error.InteractiveAuthorizationRequired')")
+        << 101
+        << QByteArray("No permission for PowerOff of org.freedesktop.login1: "
+                      "Interactive authentication required.");
+    QTest::newRow("silent") << QByteArray("import time; time.sleep(0.5)") << 108
+                            << QByteArray("org.freedesktop.login1 hasn't answered to PowerOff; it "
+                                          "may do it all the same");
+    QTest::newRow("goes") << QByteArray("") << 0 << QByteArray("No error");
+}
+
+void LinuxServicesTest::shutDown()
+{
+    QFETCH(QByteArray, reply);
+    bus->play("logind = service('org.freedesktop.login1', '/org/freedesktop/login1', "
+              "'org.freedesktop.login1.Manager')\n"
+              "logind.AddMethod('', 'PowerOff', 'b', '', \"\"\"" +
+              reply + "\"\"\")");
+    const auto answer = call("Firmware_shutDown");
+    QTEST(kindOf(answer), "kind");
+    QTEST(unit->textOf(answer), "text");
+    QTRY_VERIFY(bus->calls().contains("PowerOff False"));
+}
+
+FirmwareUpgradeStatus LinuxServicesTest::firmwareStatus()
+{
+    const auto answer = call("Firmware_getUpgradeStatus", {1.0});
+    if (answer.code != DEVICE_OK)
+        return {-1, 0, answer.code};
+    return {std::int32_t(answer.numbers[0]), std::uint8_t(answer.numbers[1]),
+        std::int32_t(answer.numbers[2])};
+}
+
+void LinuxServicesTest::firmwareIsInstalled()
+{
+    bus->play(fwupd("for step in ((2, 30), (3, 60), (5, 20), (5, 70), (4, 0), (6, 90), (5, 10), "
+                    "(77, 200)): tell(*step)"));
+    QCOMPARE(firmwareStatus().errorCode, 24);
+    unit->write("/new.hex"_s, "MSCF and more");
+    const auto path = QFile::encodeName(unit->path("/new.hex"_s));
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 0);
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 25);
+    FirmwareUpgradeStatus last{};
+    std::set<int> seen;
+    QElapsedTimer timer;
+    for (timer.start(); last.state < FIRMWARE_DONE && timer.elapsed() < 20000;) {
+        const auto status = firmwareStatus();
+        QCOMPARE(status.errorCode, 0);
+        QVERIFY(status.state >= last.state);
+        QVERIFY(status.percent >= last.percent);
+        last = status;
+        seen.insert(status.state);
+    }
+    QCOMPARE(last.state, std::int32_t(FIRMWARE_DONE));
+    QCOMPARE(last.percent, std::uint8_t(100));
+    QVERIFY(seen.count(FIRMWARE_READING) && seen.count(FIRMWARE_FLASHING));
+    QVERIFY(seen.count(FIRMWARE_VERIFYING));
+    QVERIFY(bus->calls().contains("Install \"*\""));
+    QCOMPARE(firmwareStatus().state, std::int32_t(FIRMWARE_DONE));
+}
+
+void LinuxServicesTest::firmwareRefused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("state");
+    QTest::newRow("no cabinet") << QByteArray(":10000000") << 104 << int(FIRMWARE_READING);
+    QTest::newRow("empty") << QByteArray() << 104 << int(FIRMWARE_READING);
+    QTest::newRow("refused") << QByteArray("MSCF") << 109 << int(FIRMWARE_FAILED);
+}
+
+void LinuxServicesTest::firmwareRefused()
+{
+    QFETCH(QByteArray, content);
+    bus->play(fwupd("raise dbus.exceptions.DBusException('No device fits', "
+                    "name='org.freedesktop.fwupd.NotFound')"));
+    unit->write("/new.hex"_s, content);
+    const auto path = QFile::encodeName(unit->path("/new.hex"_s));
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 0);
+    FirmwareUpgradeStatus status{};
+    QTRY_VERIFY((status = firmwareStatus()).errorCode != 0);
+    QTEST(status.errorCode % 1000, "kind");
+    QTEST(int(status.state), "state");
+}
+
+void LinuxServicesTest::firmwareServiceDies()
+{
+    bus->play(fwupd("tell(5, 40)\ntime.sleep(60)"));
+    unit->write("/new.hex"_s, "MSCF");
+    const auto path = QFile::encodeName(unit->path("/new.hex"_s));
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 0);
+    QTRY_COMPARE(firmwareStatus().percent, std::uint8_t(40));
+    bus->killServices();
+    FirmwareUpgradeStatus status{};
+    QTRY_VERIFY((status = firmwareStatus()).errorCode != 0);
+    QCOMPARE(status.state, std::int32_t(FIRMWARE_FAILED));
+    QCOMPARE(status.errorCode % 1000, 108);
+    // Another job may begin, when there is a service again.
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 18);
+    bus->play(fwupd("pass"));
+    QCOMPARE(call("Firmware_startSSUpgrade", {path.constData(), 0.0}).code, 0);
+    QTRY_COMPARE(firmwareStatus().state, std::int32_t(FIRMWARE_DONE));
+}
+
+void LinuxServicesTest::firmwareTargets()
+{
+    bus->play(fwupd("pass"));
+    unit->write("/new.hex"_s, "MSCF");
+    const auto path = QFile::encodeName(unit->path("/new.hex"_s));
+    QCOMPARE(call("Firmware_startFrontUpgrade", {path.constData(), 0.0}).code, 2);
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s, R"({"firmware": {"front": "a1b2"}})");
+    QCOMPARE(call("Firmware_startFrontUpgrade", {path.constData(), 0.0}).code, 0);
+    QTRY_COMPARE(firmwareStatus().state, std::int32_t(FIRMWARE_DONE));
+    QVERIFY(bus->calls().contains("Install \"a1b2\""));
+}
+
+QTEST_GUILESS_MAIN(LinuxServicesTest)
+#include "tst_linuxservices_posix.moc"
