@@ -20,6 +20,8 @@ constexpr QPoint ledButton(181, 205);
 constexpr QPoint colourList(410, 134);
 constexpr QPoint colourButton(410, 200);
 constexpr QPoint programFront(384, 168);
+constexpr QPoint thirdColour(410, 275); // in the open list
+constexpr QPoint reportText(150, 320);
 
 /** "Buzzer #1" for each handle that was created and not released. */
 QStringList openHandles(const QStringList &journal)
@@ -194,6 +196,46 @@ private slots:
         session.press("Escape");
         session.verifyEnd(0);
         verifyHandlesGivenBack(session);
+    }
+
+    // The press that opens a list isn't the one that chooses in it, wherever it ends.
+    void slideIntoListChoosesNothing()
+    {
+        support::XSession session(*server);
+        session.start();
+        const QImage menu = session.titleStrip();
+        session.click(ledButton);
+        QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
+        const auto chosen = [&session] {
+            return session.journal().filter(QStringLiteral("FrontLED_setStandardColor")).size();
+        };
+        session.drag(colourList, thirdColour);
+        QTest::qWait(settleTime);
+        QCOMPARE(chosen(), 0);
+        session.click(thirdColour);
+        QTRY_COMPARE_WITH_TIMEOUT(chosen(), 1, patience);
+        session.click(exitButton);
+        session.verifyEnd(0);
+    }
+
+    // A text follows a finger, and an end of it that was out of sight is seen.
+    void reportFollowsFinger()
+    {
+        support::XSession session(*server);
+        session.start();
+        const QImage menu = session.titleStrip();
+        session.click(aboutButton);
+        QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
+        QTest::qWait(settleTime);
+        const auto text = [&session] { return session.picture().copy(40, 160, 360, 170); };
+        const QImage before = text();
+        session.drag(reportText, reportText - QPoint(0, 100));
+        QTRY_VERIFY_WITH_TIMEOUT(text() != before, patience);
+        const QImage after = text();
+        session.drag(reportText - QPoint(0, 100), reportText);
+        QTRY_VERIFY_WITH_TIMEOUT(text() != after, patience);
+        session.click(exitButton);
+        session.verifyEnd(0);
     }
 
     void closes_data()

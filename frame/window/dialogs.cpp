@@ -53,6 +53,7 @@ void fitFileDialog(QFileDialog *dialog)
     // Qt's next dialog begins where this one is, and a path may have been typed.
     QObject::connect(dialog, &QFileDialog::fileSelected, dialog,
         [dialog](const QString &file) { dialog->setDirectory(QFileInfo(file).absolutePath()); });
+    dialog->setSizeGripEnabled(false); // too small to be gripped
     dialog->resize(fileDialogSize);
 }
 

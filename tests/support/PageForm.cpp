@@ -170,7 +170,7 @@ QString place(const QWidget *widget)
 {
     const QWidget *parent = widget->parentWidget();
     for (const auto *grid : parent->findChildren<QGridLayout *>()) {
-        const int index = grid->indexOf(widget);
+        const int index = grid->indexOf(const_cast<QWidget *>(widget)); // as Qt 5 has it
         if (index < 0)
             continue;
         int row = 0;

@@ -73,6 +73,26 @@ public:
             QStringLiteral("click"), QStringLiteral("1")});
     }
 
+    /** A finger, where the touch screen is in the mouse profile: down there, and up here. */
+    void drag(QPoint from, QPoint to) const
+    {
+        constexpr int steps = 10;
+        moveTo(from);
+        server.tool({QStringLiteral("mousedown"), QStringLiteral("1")});
+        for (int step = 1; step <= steps; ++step) {
+            QTest::qWait(30);
+            moveTo(from + (to - from) * step / steps);
+        }
+        QTest::qWait(200); // at rest in the end
+        server.tool({QStringLiteral("mouseup"), QStringLiteral("1")});
+    }
+
+    void moveTo(QPoint place) const
+    {
+        server.tool({QStringLiteral("mousemove"), QStringLiteral("--window"),
+            QString::number(window), QString::number(place.x()), QString::number(place.y())});
+    }
+
     /** The program's window of that title, once it shows. */
     std::uint32_t windowNamed(const char *title) const
     {
