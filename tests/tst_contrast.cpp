@@ -266,7 +266,7 @@ private slots:
         const auto *list = box->view();
         const QImage picture = list->viewport()->grab().toImage();
         for (int row = 0; row < box->count(); ++row) {
-            const bool isCurrent = row == box->currentIndex();
+            const bool isCurrent = row == list->currentIndex().row();
             const QRect place = list->visualRect(box->model()->index(row, 0));
             const double found =
                 contrastOf(isCurrent ? qRgb(0, 0, 0) : qRgb(255, 255, 255), picture.copy(place));

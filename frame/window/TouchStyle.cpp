@@ -4,6 +4,7 @@
 
 #include <QAbstractItemView>
 #include <QColorDialog>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileDialog>
@@ -98,6 +99,8 @@ void TouchStyle::polish(QWidget *widget)
     QProxyStyle::polish(widget);
     if (auto *area = qobject_cast<QAbstractScrollArea *>(widget))
         scrolling.equip(area);
+    if (auto *box = qobject_cast<QComboBox *>(widget))
+        useOwnRows(box->view());
     if (isDropDown(widget) || qobject_cast<QFileDialog *>(widget) ||
         qobject_cast<QColorDialog *>(widget))
         widget->installEventFilter(this);
