@@ -2,6 +2,7 @@
 
 #include "frame/reportError.h"
 
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -17,6 +18,14 @@ void tabDlg::reject()
 {
     if (isWindow())
         QDialog::reject();
+}
+
+void tabDlg::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        event->ignore();
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void tabDlg::reportError(std::int32_t code, const char *operation)

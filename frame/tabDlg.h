@@ -23,6 +23,10 @@ public:
     void reject() override;
 
 protected:
+    /** Return isn't taken: a dialog would press its default button, but a page in the window has
+     * none. */
+    void keyPressEvent(QKeyEvent *event) override;
+
     /**
      * Modal error box "Error(code) in operation: text of the code" over this page. Silent on
      * success only: a page for which "not supported" is no fault tests for that code first.

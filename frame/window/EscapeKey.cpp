@@ -6,7 +6,7 @@
 
 #include <utility>
 
-EscapeKey::EscapeKey(const QWidget *ownWindow)
+EscapeKey::EscapeKey(QWidget *ownWindow)
     : window(ownWindow)
 {
     QCoreApplication::instance()->installEventFilter(this);
@@ -34,8 +34,17 @@ bool EscapeKey::eventFilter(QObject *watched, QEvent *event)
         lastEnd = key.timestamp();
         if (inFront)
             endPressTakenInFront();
+        else if (watched != window)
+            return passOn(event);
     }
     return false;
+}
+
+// A field keeps the releases of all keys to itself.
+bool EscapeKey::passOn(QEvent *release)
+{
+    QCoreApplication::sendEvent(window, release);
+    return true;
 }
 
 // A press is announced first, as a possible shortcut. With that an open list goes already, and the

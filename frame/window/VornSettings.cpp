@@ -26,6 +26,7 @@
 #include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -53,6 +54,24 @@ QString globalStyleSheet()
 void sharpenLogo(QLabel *label)
 {
     label->setPixmap(QIcon(resource("logo.png")).pixmap(label->pixmap(Qt::ReturnByValue).size()));
+}
+
+/** Where a page begins for the keyboard; null for one that has nothing to be worked. */
+QWidget *firstControl(QWidget *page)
+{
+    QWidget *widget = page->nextInFocusChain();
+    for (; widget != page; widget = widget->nextInFocusChain()) {
+        if (page->isAncestorOf(widget) && widget->isVisibleTo(page) && widget->isEnabled() &&
+            (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && !widget->focusProxy())
+            return widget;
+    }
+    return nullptr;
+}
+
+bool isPlainReturn(const QKeyEvent &event)
+{
+    return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+           !(event.modifiers() & ~Qt::KeypadModifier);
 }
 
 void dimByOpacity(QWidget *widget)
@@ -211,6 +230,8 @@ void VornSettings::showTab(int index)
     ui->tabTitle->setText(page->windowTitle());
     currentTab = index;
     contentPlace.toStart();
+    QWidget *first = firstControl(page);
+    (first ? first : ui->buttonMenu)->setFocus();
 }
 
 void VornSettings::exit()
@@ -221,6 +242,17 @@ void VornSettings::exit()
 void VornSettings::menuClicked()
 {
     showTab(menuTab);
+}
+
+// Return presses the button that has the focus, as Space does, and nothing else: no page has a
+// button that goes with its fields. A key that is held presses once.
+void VornSettings::keyPressEvent(QKeyEvent *event)
+{
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (button && isPlainReturn(*event) && !event->isAutoRepeat())
+        button->click();
+    else
+        QMainWindow::keyPressEvent(event);
 }
 
 void VornSettings::keyReleaseEvent(QKeyEvent *event)

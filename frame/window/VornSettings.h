@@ -47,6 +47,7 @@ public slots:
     void menuClicked();
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
 
 private:
