@@ -5,6 +5,7 @@
 #include "tests/support/PageTest.h"
 #include "tests/support/PageWalk.h"
 #include "tests/support/SkippedPauses.h"
+#include "tests/support/contrast.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -29,22 +30,6 @@ namespace {
 constexpr double leastContrast = 4.5;
 constexpr double leastOfLargeText = 3.0;
 constexpr int largeText = 20; // pixels, bold
-
-double luminance(QRgb colour)
-{
-    const auto linear = [](int value) {
-        const double part = value / 255.0;
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) +
-           0.0722 * linear(qBlue(colour));
-}
-
-double contrast(QRgb one, QRgb other)
-{
-    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
-    return (light + 0.05) / (dark + 0.05);
-}
 
 bool isNear(QRgb one, QRgb other)
 {

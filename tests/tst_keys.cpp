@@ -2,6 +2,7 @@
 #include "frame/window/VornSettings.h"
 #include "frame/window/graphicalMode.h"
 #include "tests/support/DeviceTest.h"
+#include "tests/support/PageWalk.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/hexFile.h"
@@ -106,9 +107,7 @@ private:
     {
         open(menuTab, 0);
         type(window.get(), "Tab*%1 Return"_s.arg(pageAt(index).place));
-        const auto pages = window->findChildren<tabDlg *>();
-        page = *std::find_if(
-            pages.begin(), pages.end(), [](const tabDlg *one) { return one->isVisible(); });
+        page = visiblePage(*window);
         calls();
     }
 

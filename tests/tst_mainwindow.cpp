@@ -658,8 +658,10 @@ private slots:
     /** A second look at everything, which a new style sheet brings, finds nothing left to do. */
     void pagesShowTheirWholeLook()
     {
+        QApplication::setCursorFlashTime(0); // else it is a matter of luck whether a field shows one
         VornSettings window;
         window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
         QVector<QImage> pictures;
         for (int index = 0; index < 16; ++index) {
             window.showTab(index);

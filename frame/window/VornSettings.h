@@ -4,6 +4,7 @@
 #include "frame/Form.h"
 #include "frame/window/ContentPlace.h"
 #include "frame/window/EscapeKey.h"
+#include "frame/window/FocusRing.h"
 #include "frame/window/TabIndex.h"
 #include "ui_VornSettings.h"
 
@@ -78,6 +79,7 @@ private:
     void leavePolishToShowing();
 
     EscapeKey escapeKey{this}; // first, since pages may show boxes while they are built
+    FocusRing focusRing;
     Form<Ui::VornSettingsClass> ui{this};
     ContentPlace contentPlace{this, {ui->buttonMenu, ui->buttonExit}};
     std::array<tabDlg *, tabCount> tabs{};

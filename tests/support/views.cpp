@@ -2,6 +2,7 @@
 
 #include "frame/tabDlg.h"
 #include "frame/window/VornSettings.h"
+#include "tests/support/PageWalk.h"
 #include "tests/support/literals.h"
 
 #include <QApplication>
@@ -104,18 +105,14 @@ void addViewRows()
 tabDlg *openView(VornSettings &window, View view)
 {
     window.showTab(view.index);
-    for (auto *page : window.findChildren<tabDlg *>()) {
-        if (!page->isVisible())
-            continue;
-        if (const auto *tabs = page->findChild<QTabWidget *>()) {
-            if (tabs->count() != tabsOf(view.index))
-                qFatal("%d tabs", tabs->count());
-            QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, Qt::NoModifier,
-                tabs->tabBar()->tabRect(view.tab).center());
-        }
-        return page;
+    tabDlg *page = visiblePage(window);
+    if (const auto *tabs = page->findChild<QTabWidget *>()) {
+        if (tabs->count() != tabsOf(view.index))
+            qFatal("%d tabs", tabs->count());
+        QTest::mouseClick(tabs->tabBar(), Qt::LeftButton, Qt::NoModifier,
+            tabs->tabBar()->tabRect(view.tab).center());
     }
-    qFatal("no page %d", view.index);
+    return page;
 }
 
 QList<QWidget *> tabStops(const VornSettings &window)
