@@ -269,6 +269,8 @@ void tabLEDDlg::showSignalTexts(double hertz, int dutyCycle)
 {
     ui->labelFreq->setText(QStringLiteral("Freq\n %1 Hz").arg(hertz));
     ui->labelDutyC->setText(QStringLiteral("Duty cycle\n %1% on").arg(dutyCycle));
+    // The slider's own number, which a screen reader is told, is in tenths.
+    ui->sliderFreq->setAccessibleDescription(QStringLiteral("%1 Hz").arg(hertz));
 }
 
 void tabLEDDlg::showOn(bool on)

@@ -19,6 +19,10 @@
         <source>Exit</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>VornSettings</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>tabAbout</name>
@@ -329,6 +333,10 @@
     </message>
     <message>
         <source>Enable LED during system start-up.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>LED</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -811,6 +819,22 @@
     </message>
     <message>
         <source>Modem output</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GSM/GPRS enabled at start-up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>WLAN enabled at start-up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bluetooth enabled at start-up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GPS enabled at start-up</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -183,8 +183,9 @@ template <typename Page>
 void VornSettings::addPage(int index, const QPushButton *button)
 {
     auto *page = new Page(ui->tabWidget);
-    page->template findChild<QLabel *>(QStringLiteral("icon"))
-        ->setPixmap(button->icon().pixmap(menuIconSize));
+    auto *icon = page->template findChild<QLabel *>(QStringLiteral("icon"));
+    icon->setPixmap(button->icon().pixmap(menuIconSize));
+    icon->setAccessibleName(page->windowTitle());
     addTab(page, index);
 }
 
@@ -214,6 +215,7 @@ void VornSettings::dim(const MenuEntry &entry)
 void VornSettings::addTab(tabDlg *page, int index)
 {
     page->hide();
+    page->setAccessibleName(page->windowTitle());
     layout->addWidget(page);
     tabs.at(size_t(index)) = page;
 }
