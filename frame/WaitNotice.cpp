@@ -2,6 +2,7 @@
 
 #include "frame/workSteps.h"
 
+#include <QAbstractEventDispatcher>
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
@@ -17,6 +18,13 @@ constexpr int stripHeight = 54; // pixels: the foot of the window, where its but
 
 WaitNotice *innermost = nullptr;
 bool stepsAreLong = false; // as the last work went
+
+/** The window system's connection sends off what it has when the event loop is about to wait, which
+ *  it won't for a while. */
+void sendPictures()
+{
+    emit QAbstractEventDispatcher::instance()->aboutToBlock();
+}
 
 } // namespace
 
@@ -38,6 +46,7 @@ WaitNotice::WaitNotice(QWidget *page, int expected, QComboBox *list)
         window->repaint();
     if (knownToLast || stepsAreLong)
         showStrip();
+    sendPictures();
 }
 
 WaitNotice::~WaitNotice()
@@ -98,7 +107,9 @@ void WaitNotice::stepDone()
     step.start();
     if (std::exchange(pictureStale, false))
         window->repaint();
-    if (work.elapsed() >= patience)
+    if (strip)
+        sendPictures(); // and the cursor, which some systems ask for anew where a list is gone
+    else if (work.elapsed() >= patience)
         showStrip();
 }
 
@@ -120,6 +131,7 @@ void WaitNotice::showStrip()
     strip->setGeometry(0, window->height() - stripHeight, window->width(), stripHeight);
     strip->show();
     strip->repaint();
+    sendPictures();
 }
 
 void WaitNotice::announce()

@@ -17,6 +17,8 @@ constexpr QPoint firmwarePath(270, 116);
 constexpr QPoint defaultsButton(390, 321);
 constexpr QPoint shutdownButton(135, 321);
 constexpr QPoint ledButton(181, 205);
+constexpr QPoint sectionList(300, 118); // of the About page
+constexpr QPoint thirdSection(200, 254);
 constexpr QPoint colourList(410, 134);
 constexpr QPoint colourButton(410, 200);
 constexpr QPoint programFront(384, 168);
@@ -73,6 +75,36 @@ private slots:
     {
         managedServer.reset();
         server.reset();
+    }
+
+    // While a slow unit answers, the strip is on the screen and the list that was chosen from
+    // isn't. Nothing but the program itself paints there.
+    void waitNoticeIsOnTheScreen()
+    {
+        support::XSession session(*server);
+        session.start();
+        session.click(aboutButton);
+        QTRY_VERIFY_WITH_TIMEOUT(session.picture().pixelColor(30, 120) != Qt::black, patience);
+        QTest::qWait(settleTime);
+        const QImage closed = session.picture();
+        session.click(sectionList);
+        const QPoint inList(200, 230); // and in the text beneath
+        QTRY_VERIFY_WITH_TIMEOUT(session.picture() != closed, patience);
+        QTest::qWait(settleTime);
+        session.vornunit(
+            {QStringLiteral("delay"), QStringLiteral("Adc_getVoltage"), QStringLiteral("400")});
+        session.click(thirdSection);
+        const auto amber = [&] {
+            const QColor ground = session.picture().pixelColor(310, 390); // left of the buttons
+            return ground.red() > 200 && ground.green() > 120 && ground.blue() < 100;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(amber(), 5'000);
+        const QStringList journal = session.journal();
+        const auto read = journal.filter(QStringLiteral("Adc_getVoltage")).size();
+        QVERIFY2(read < 20, qPrintable(QString::number(read))); // and 400 ms more for each
+        QCOMPARE(session.picture().pixelColor(inList), QColor(Qt::white));
+        QTRY_VERIFY_WITH_TIMEOUT(!amber(), patience);
+        QVERIFY(!session.journal().filter(QStringLiteral("Adc_release")).isEmpty());
     }
 
     // The Escape that closes what stands in front of a page leaves the page as it is, however long
