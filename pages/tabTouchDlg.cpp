@@ -71,6 +71,7 @@ tabTouchDlg::tabTouchDlg(QWidget *parent)
         ui->comboBoxParameter->addItem(latin1(parameter.listName));
     ui->label_defaults->hide();
     ui->pushButtonDefaults->hide();
+    ui->textEdit->setAttribute(Qt::WA_InputMethodEnabled, false); // nobody fills it in
 }
 
 void tabTouchDlg::showEvent(QShowEvent *)

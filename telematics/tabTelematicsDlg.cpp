@@ -62,6 +62,7 @@ tabTelematicsDlg::tabTelematicsDlg(QWidget *parent)
     DeviceHandle<Hardware_create, Hardware_release> hardware;
     setGpsMode(true);
     ui->buttonToggleData->hide();
+    ui->lineEditAvailInterfaces->setAttribute(Qt::WA_InputMethodEnabled, false); // only tells
 
     const DeviceHandle<Settings_create, Settings_release> settings;
     loadPortNames(settings);

@@ -48,6 +48,17 @@ bool takesLine(const QObject *watched)
            qobject_cast<const QAbstractSpinBox *>(watched);
 }
 
+// Fields ask for text whether or not they take it by an input method.
+bool refusesText(const QObject *watched, QInputMethodQueryEvent *event)
+{
+    const auto *widget = qobject_cast<const QWidget *>(watched);
+    if (!widget || widget->testAttribute(Qt::WA_InputMethodEnabled))
+        return false;
+    event->setValue(Qt::ImEnabled, false);
+    event->accept();
+    return true;
+}
+
 /** Top of the on-screen keyboard, on the screen; none if there is no such keyboard or it's away. */
 std::optional<int> keyboardTop()
 {
@@ -117,6 +128,8 @@ bool ContentPlace::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseMove:
     case QEvent::MouseButtonRelease:
         return fingerOn(watched, static_cast<QMouseEvent *>(event));
+    case QEvent::InputMethodQuery:
+        return refusesText(watched, static_cast<QInputMethodQueryEvent *>(event));
     case QEvent::KeyPress:
         if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Return && takesLine(watched))
             QTimer::singleShot(0, QGuiApplication::inputMethod(), &QInputMethod::hide);
