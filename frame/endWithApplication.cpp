@@ -23,8 +23,11 @@ std::vector<Ending> &endings()
     return all;
 }
 
+bool awaited = false; // by the application object's end
+
 void endAll()
 {
+    awaited = false;
     for (const Ending &ending : endings())
         ending.stop();
     const QDeadlineTimer end(longestEnd);
@@ -52,7 +55,8 @@ void deleteEnded()
 
 void endWithApplication(QThread *thread, std::function<void()> stop)
 {
-    if (endings().empty())
+    // Those that have ended may leave the list empty before.
+    if (!std::exchange(awaited, true))
         qAddPostRoutine(endAll);
     deleteEnded();
     endings().push_back({thread, std::move(stop)});

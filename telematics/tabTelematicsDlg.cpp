@@ -45,12 +45,12 @@ bool waitFor(MyGPSThread *thread)
     return thread->wait(longestThreadEnd - WaitNotice::patience);
 }
 
-/** Leaves a thread to end when its read or its device call does, but no later than the program.
+/** Stops a thread and leaves it to end when its device call does, but no later than the program.
  *  What is left of it has nothing to show. */
 void giveUp(MyGPSThread *thread)
 {
     thread->disconnect();
-    thread->requestInterruption();
+    thread->stop();
     endWithApplication(thread, [thread] { thread->stop(); });
 }
 
@@ -381,10 +381,8 @@ void tabTelematicsDlg::enterGpsTab()
 
 void tabTelematicsDlg::startGpsThread()
 {
-    if (gpsThread) { // a dialog on the way let the tab be entered a second time
-        gpsThread->stop();
+    if (gpsThread) // a dialog on the way let the tab be entered a second time
         giveUp(gpsThread);
-    }
     gpsThread = new MyGPSThread;
     gpsThread->start(QThread::InheritPriority);
     connect(gpsThread, &MyGPSThread::newText, ui->textEdit,

@@ -27,6 +27,7 @@ private slots:
     void waitingBytesAreShown();
     void leavingASilentLine();
     void leavingATalkingLine();
+    void pageGoesWhileTheThreadReads();
     void stopRightAfterASecondEntry();
     void threadOutlivesThePatience();
     void programEndsWhileTheThreadReads();
@@ -115,7 +116,7 @@ void GpsTabTest::init()
 void GpsTabTest::cleanup()
 {
     page.reset();
-    // A thread that was left behind ends with the line's silence.
+    // A thread that was left behind ends with its device call.
     QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), threadEnd);
     line.reset();
     PageTest::cleanup();
@@ -180,6 +181,14 @@ void GpsTabTest::leavingATalkingLine()
     goTo(0);
     QVERIFY2(clock.elapsed() < atOnce, qPrintable(QString::number(clock.elapsed())));
     QVERIFY(!gpsPort.load());
+}
+
+/** The line is free for others at once, not only when it has been silent for 3 s. */
+void GpsTabTest::pageGoesWhileTheThreadReads()
+{
+    enter();
+    page.reset();
+    QTRY_VERIFY_WITH_TIMEOUT(!gpsPort.load(), atOnce);
 }
 
 void GpsTabTest::stopRightAfterASecondEntry()
