@@ -5,6 +5,7 @@
 #include "frame/workSteps.h"
 #include "report/viewText.h"
 #include "tests/support/PageTest.h"
+#include "tests/support/PseudoTerminal.h"
 #include "tests/support/SkippedPauses.h"
 #include "virtualunit/VirtualUnit.h"
 
@@ -350,6 +351,7 @@ void WaitNoticeTest::boxInTheMiddle()
 
 void WaitNoticeTest::leavingTheGpsTab()
 {
+    useNoOtherLines();
     setUnit("Telematics.gpsPowerStatus"_s, "1"_s);
     auto *page = open(telematicsTab);
     auto *tabs = child<QTabWidget>(page, "tabWidget");
