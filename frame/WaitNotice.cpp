@@ -33,7 +33,7 @@ WaitNotice::WaitNotice(QWidget *page, int expected, QComboBox *list)
     , knownToLast(expected >= patience)
 {
     const bool partOfOther = innermost && innermost->atWork;
-    if (partOfOther || !window->isVisible())
+    if (partOfOther || !window->isVisible() || !window->windowHandle())
         return;
     outer = std::exchange(innermost, this);
     workStepListener = [] { innermost->stepDone(); };
