@@ -1,7 +1,8 @@
 # ccache where it is installed. Paths below the source folder count as relative, so that several
 # working copies share what one of them compiled.
+option(VORN_CCACHE "Use ccache where it is installed" ON)
 find_program(CCACHE_PROGRAM ccache)
-if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+if(VORN_CCACHE AND CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(launcher ${CMAKE_COMMAND} -E env
         CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
         CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM}) # as precompiled headers ask for

@@ -15,8 +15,9 @@ if(NOT commit MATCHES "^[0-9a-f]+")
 endif()
 # As many letters everywhere, however many git finds necessary in a copy.
 string(REGEX REPLACE "^([0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f])[0-9a-f]+" "\\1" commit "${commit}")
-file(CONFIGURE OUTPUT ${OUTPUT} @ONLY CONTENT
-"/* Made by cmake/writeVersion.cmake. */
+set(text "/* Made by cmake/writeVersion.cmake. */
 extern const char vornVersion[];
-const char vornVersion[] = \"VornSettings @VERSION@ (@commit@)\";
+const char vornVersion[] = \"VornSettings ${VERSION} (${commit})\";
 ")
+# Nothing is compiled anew for the same text.
+file(CONFIGURE OUTPUT ${OUTPUT} CONTENT "${text}")

@@ -42,9 +42,10 @@ private slots:
         const QStringList program{"bin/VornSettings"_s};
         const QStringList unit{"bin/TouchCalibrator.exe"_s, "bin/vornunit"_s, "lib/libCgos.so"_s,
             "lib/libVornAux2.so"_s, "lib/libjida.so"_s};
-        const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vorntrace"_s,
-            "lib/vorntrace/libvorntrace.so"_s};
-        const QStringList devel{"include/VornAux2.h"_s, "lib/pkgconfig/VornAux2.pc"_s};
+        const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vornskeleton"_s,
+            "bin/vorntrace"_s, "lib/vorntrace/libvorntrace.so"_s};
+        const QStringList devel{"include/VornAux2.h"_s, "lib/cmake/VornAux2/VornAux2Config.cmake"_s,
+            "lib/cmake/VornAux2/VornAux2ConfigVersion.cmake"_s, "lib/pkgconfig/VornAux2.pc"_s};
         const QStringList computer{"bin/vornaux-probe"_s, "lib/linuxunit/libVornAux2.so"_s,
             "lib/udev/rules.d/70-vornaux.rules"_s, "share/vornaux/unit.schema.json"_s};
         QStringList all = program + unit + tools + devel + computer;
@@ -66,10 +67,55 @@ private slots:
         QTEST(installed(prefix, component.isEmpty() ? QStringList() : one), "expected");
     }
 
+    /** Which build a file is from, strings(1) tells. */
+    void everyFileTellsItsVersion()
+    {
+        const QTemporaryDir prefix;
+        for (const auto &name : installed(prefix, {})) {
+            QFile file(prefix.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const auto content = file.readAll();
+            if (content.mid(1, 3) == "ELF")
+                QVERIFY2(content.contains("VornSettings 2.7.2.0 ("), qPrintable(name));
+        }
+    }
+
+    void exampleBuilds_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::newRow("CMake")
+            << "cmake -S . -B build -DCMAKE_PREFIX_PATH=\"$PREFIX\" && cmake --build build && "
+               "build/ask"_s;
+        QTest::newRow("pkg-config") << "PKG_CONFIG_PATH=\"$PREFIX/lib/pkgconfig\" make && "
+                                       "LD_LIBRARY_PATH=. ./ask"_s;
+    }
+
+    /** With what is installed for whoever writes a library, and nothing else of ours. */
+    void exampleBuilds()
+    {
+        QFETCH(QString, command);
+        const QTemporaryDir prefix;
+        installed(prefix, {});
+        QProcess shell;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("PREFIX"_s, prefix.path());
+        environment.insert("SOURCE"_s, QStringLiteral(VORN_SOURCE_DIR "/packaging/example"));
+        shell.setProcessEnvironment(environment);
+        shell.setWorkingDirectory(prefix.path());
+        shell.start("sh"_s, {"-e"_s, "-c"_s,
+                                "cp -r \"$SOURCE\" example; cd example; "
+                                "\"$PREFIX/bin/vornskeleton\" > unit.c; "_s +
+                                    command});
+        QVERIFY(shell.waitForFinished(120'000));
+        QVERIFY2(shell.exitCode() == 0, shell.readAllStandardError().constData());
+        QVERIFY(shell.readAllStandardOutput().endsWith(
+            "Driver: this unit has none\nBoard: this unit has none\n"));
+    }
+
     void treeRunsWhereItLies()
     {
         const QTemporaryDir prefix;
-        QCOMPARE(installed(prefix, {}).size(), 16);
+        QCOMPARE(installed(prefix, {}).size(), 19);
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VORN_UNIT"_s, ":memory:"_s);
