@@ -24,6 +24,9 @@ private slots:
         QTest::newRow("gps") << Check(checkGpsBytes) << "gps"_s;
         QTest::newRow("report") << Check(checkReport) << "report"_s;
         QTest::newRow("reply") << Check(checkModemReply) << "reply"_s;
+#ifdef VORN_LINUXUNIT
+        QTest::newRow("unitfile") << Check(checkUnitFile) << "unitfile"_s;
+#endif
         QTest::newRow("trace") << Check(checkTrace) << "trace"_s;
     }
 

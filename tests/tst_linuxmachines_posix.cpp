@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <linux/input.h>
 #include <thread>
 #include <vector>
 
@@ -27,6 +28,23 @@ QString failuresOn(const QString &machine)
                                                        : failures;
 }
 
+/** What a script of Python prints in a bed, where `unit` is the library and `call()` calls it. */
+QByteArray printedBy(const LinuxBed &bed, const QString &script)
+{
+    const auto head = "import ctypes, os, sys\n"
+                      "unit = ctypes.CDLL(sys.argv[1])\n"
+                      "def create(family):\n"
+                      "    f = getattr(unit, family + '_create')\n"
+                      "    f.restype = ctypes.c_void_p\n"
+                      "    return ctypes.c_void_p(f())\n"
+                      "def text(code):\n"
+                      "    unit.deviceErrorText.restype = ctypes.c_char_p\n"
+                      "    return unit.deviceErrorText(code).decode('latin-1')\n"_s;
+    const auto run = bed.run("python3"_s,
+        {"-c"_s, head + script, QStringLiteral(VORN_LIB_DIR "/linuxunit/libVornAux2.so")});
+    return run.output + run.errors;
+}
+
 } // namespace
 
 /** The Linux unit on machines, by the real program and the compliance test. */
@@ -39,6 +57,8 @@ private slots:
     void reportIsAsExpected_data();
     void reportIsAsExpected();
     void contractIsKept();
+    void tonesAreWritten();
+    void devicesComeAndGo();
     void probeDescribesTheMachine_data();
     void probeDescribesTheMachine();
 
@@ -96,6 +116,56 @@ void LinuxMachinesTest::contractIsKept()
         thread.join();
     for (int i = 0; i < machines.size(); ++i)
         QCOMPARE(machines[i] + findings[std::size_t(i)], machines[i]);
+}
+
+void LinuxMachinesTest::tonesAreWritten()
+{
+    const LinuxBed bed("iei-afl19c-panel"_s);
+    // umockdev's own node is a terminal; what goes into a file can be read.
+    QFile node(bed.path("/dev/input/event5"_s));
+    QVERIFY(node.remove());
+    QVERIFY(node.open(QIODevice::WriteOnly));
+    node.close();
+    const auto printed =
+        printedBy(bed, "h = create('Buzzer')\n"
+                       "n = ctypes.c_uint16()\n"
+                       "print(unit.Buzzer_getFrequency(h, ctypes.byref(n)), n.value)\n"
+                       "print(unit.Buzzer_setTrigger(h, True))\n"
+                       "print(unit.Buzzer_getVolume(h, ctypes.byref(n)))\n"
+                       "print(unit.Buzzer_setFrequency(h, 699))\n"_s);
+    QCOMPARE(printed, QByteArray("0 1000\n0\n2\n5\n"));
+    QVERIFY(node.open(QIODevice::ReadOnly));
+    input_event event{};
+    QCOMPARE(node.read(reinterpret_cast<char *>(&event), sizeof event), qint64(sizeof event));
+    QCOMPARE(int(event.type), EV_SND);
+    QCOMPARE(int(event.code), SND_TONE);
+    QCOMPARE(event.value, 1000);
+}
+
+void LinuxMachinesTest::devicesComeAndGo()
+{
+    const LinuxBed bed("microsoft-surface-3-tablet"_s);
+    // Another program reads the same devices all the while.
+    const auto printed = printedBy(bed,
+        "import shutil, subprocess\n"
+        "other = subprocess.Popen([sys.executable, '-c', 'import ctypes, sys\\n"
+        "unit = ctypes.CDLL(sys.argv[1])\\nunit.LightSensor_create.restype = ctypes.c_void_p\\n"
+        "h = ctypes.c_void_p(unit.LightSensor_create())\\nn = ctypes.c_uint16()\\n"
+        "codes = {unit.LightSensor_getIlluminance(h, ctypes.byref(n)) for _ in range(3000)}\\n"
+        "sys.exit(0 if codes <= {0, 18} else 1)', sys.argv[1]])\n"
+        "h = create('LightSensor')\n"
+        "n = ctypes.c_uint16()\n"
+        "ask = lambda: unit.LightSensor_getIlluminance(h, ctypes.byref(n))\n"
+        "folder = os.path.realpath('/sys/bus/iio/devices/iio:device2')\n"
+        "here = os.environ['UMOCKDEV_DIR'] + folder\n"
+        "seen = set()\n"
+        "for i in range(50):\n"
+        "    seen.add(('there', ask()))\n"
+        "    shutil.move(here, here + '.gone')\n"
+        "    seen.add(('gone', ask()))\n"
+        "    shutil.move(here + '.gone', here)\n"
+        "print(sorted(seen), other.wait())\n"_s);
+    QCOMPARE(printed, QByteArray("[('gone', 18), ('there', 0)] 0\n"));
 }
 
 void LinuxMachinesTest::probeDescribesTheMachine_data()

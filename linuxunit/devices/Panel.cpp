@@ -108,7 +108,7 @@ std::uint8_t Panel::intensity()
     {
         auto &all = lastSets();
         const std::lock_guard lock(all.mutex);
-        const auto found = all.byName.find(path);
+        const auto found = all.byName.find(rooted(path));
         if (found != all.byName.end() && found->second.raw == raw)
             return found->second.intensity;
     }
@@ -129,7 +129,7 @@ void Panel::setIntensity(std::uint8_t intensity)
     writeBrightness("backlight", last, raw);
     auto &all = lastSets();
     const std::lock_guard lock(all.mutex);
-    all.byName[path] = {raw, intensity};
+    all.byName[rooted(path)] = {raw, intensity};
 }
 
 bool Panel::isLit()

@@ -41,7 +41,7 @@ struct Pool {
     std::mutex mutex;
     std::condition_variable work;
     std::condition_variable done;
-    std::map<std::string, std::shared_ptr<Source>> sources; ///< by path
+    std::map<std::string, std::shared_ptr<Source>> sources; ///< by rooted path
     std::deque<std::pair<std::string, std::shared_ptr<Source>>> queue;
     std::deque<Worker> workers; ///< only becomes more
     std::size_t ended = 0;
@@ -172,7 +172,7 @@ struct Ticket {
 
 Ticket request(const std::shared_ptr<Pool> &own, const std::string &path)
 {
-    auto &source = own->sources[path];
+    auto &source = own->sources[rooted(path)];
     if (!source)
         source = std::make_shared<Source>();
     Ticket ticket{source, source->rounds};

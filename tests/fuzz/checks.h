@@ -20,3 +20,6 @@ void checkReport(const std::uint8_t *bytes, std::size_t size);
 
 /** A trace of calls: what can be read is written so that it is read again the same. */
 void checkTrace(const std::uint8_t *bytes, std::size_t size);
+
+/** A description of a machine for the Linux unit, unit.json. */
+void checkUnitFile(const std::uint8_t *bytes, std::size_t size);
