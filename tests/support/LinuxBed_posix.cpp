@@ -73,6 +73,8 @@ LinuxBed::LinuxBed(const QString &machine)
     set("XDG_STATE_HOME", home.path());
     set("VORN_DMI_DIR", root + "/sys/class/dmi/id"_s);
     set("VORN_LOG_DIR", home.path());
+    // No service of the machine that the test runs on.
+    set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path="_s + home.filePath("no-bus"_s));
     set("QT_QPA_PLATFORM", "offscreen"_s);
     environment.remove("VORNAUX_CONFIG"_s);
 }

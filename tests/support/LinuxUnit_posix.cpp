@@ -15,6 +15,8 @@ using contract::Role;
 
 namespace {
 
+constexpr const char *bus = "DBUS_SYSTEM_BUS_ADDRESS";
+
 double numberAt(const unsigned char *bytes, contract::Number number, std::size_t width)
 {
     if (number == contract::Number::Real) {
@@ -55,6 +57,10 @@ LinuxUnit::LinuxUnit()
     qputenv("VORNAUX_ROOT", QFile::encodeName(folder.path()));
     qputenv("XDG_STATE_HOME", QFile::encodeName(path(QStringLiteral("/state"))));
     qunsetenv("VORNAUX_CONFIG");
+    // No service of the machine that the test runs on, unless the test plays some.
+    ownsBus = !qEnvironmentVariableIsSet(bus);
+    if (ownsBus)
+        qputenv(bus, "unix:path=" + QFile::encodeName(path(QStringLiteral("/no-bus"))));
 }
 
 LinuxUnit::~LinuxUnit()
@@ -63,6 +69,8 @@ LinuxUnit::~LinuxUnit()
     ::dlclose(library);
     qunsetenv("VORNAUX_ROOT");
     qunsetenv("XDG_STATE_HOME");
+    if (ownsBus)
+        qunsetenv(bus);
 }
 
 QString LinuxUnit::path(const QString &path) const

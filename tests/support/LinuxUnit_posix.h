@@ -57,6 +57,7 @@ public:
 private:
     QTemporaryDir folder;
     void *library;
+    bool ownsBus = false;
     std::map<std::string, void *> handles;
 };
 
