@@ -197,7 +197,7 @@ SectionEnd
         They need the unit's own VornAux2.dll beside them or the virtual unit."
     !insertmacro MUI_DESCRIPTION_TEXT ${virtualunit} "A device library with a device made of software \
         behind it, and vornunit, its screwdriver. A device library that is there stays."
-    !insertmacro MUI_DESCRIPTION_TEXT ${tools} "vorncheck, vorntrace and vornreport, for the command line."
+    !insertmacro MUI_DESCRIPTION_TEXT ${tools} "vorncheck, vornskeleton, vorntrace and vornreport, for the command line."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
 ; option NAME: in $0 whether the command line has it
