@@ -186,7 +186,6 @@ private slots:
     void init()
     {
         DeviceTest::init();
-        setUnit("Battery.available"_s, "0"_s);
         window = std::make_unique<VornSettings>();
         window->show();
         seen = 0;

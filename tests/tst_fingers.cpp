@@ -266,7 +266,6 @@ private slots:
     void init()
     {
         DeviceTest::init();
-        setUnit("Battery.available"_s, "0"_s);
         window = std::make_unique<VornSettings>();
         window->show();
     }
@@ -565,6 +564,8 @@ private slots:
         QCOMPARE(child<QLineEdit>(&dialog, "fileNameEdit")->text(), QString());
         QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, QPoint(60, 50));
         QVERIFY(child<QLineEdit>(&dialog, "fileNameEdit")->text().startsWith("file"_s));
+        QTest::mouseDClick(files->viewport(), Qt::LeftButton, {}, QPoint(60, 50));
+        QVERIFY(!dialog.isVisible());
     }
 
     // The next dialog begins where the last file was, whoever asked.
