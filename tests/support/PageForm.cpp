@@ -18,6 +18,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QStackedWidget>
+#include <QStyleOptionFrame>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTextEdit>
@@ -296,8 +297,21 @@ bool isPressed(const QWidget *widget)
            qobject_cast<const QComboBox *>(widget);
 }
 
+bool isTextCut(const QLineEdit *field)
+{
+    QStyleOptionFrame option;
+    option.initFrom(field);
+    option.state.setFlag(QStyle::State_ReadOnly, field->isReadOnly());
+    const int room =
+        field->style()->subElementRect(QStyle::SE_LineEditContents, &option, field).width();
+    return field->fontMetrics().horizontalAdvance(field->text()) > room;
+}
+
 bool isClipped(const QWidget *widget)
 {
+    if (const auto *field = qobject_cast<const QLineEdit *>(widget);
+        field && field->isReadOnly() && isTextCut(field))
+        return true;
     if (const auto *label = qobject_cast<const QLabel *>(widget)) {
         if (!label->pixmap(Qt::ReturnByValue).isNull())
             return !label->hasScaledContents() &&
