@@ -97,6 +97,7 @@ private slots:
     void handlesAndPointersAreChecked();
     void stringsStay();
     void stringsNeedAFolder();
+    void damagedStoreIsNamed();
     void wrongConfigurationIsNamed_data();
     void wrongConfigurationIsNamed();
     void configurationIsReadAnew();
@@ -169,7 +170,7 @@ void LinuxUnitTest::handlesAndPointersAreChecked()
         unmapped(reinterpret_cast<VersionsHandle>(handle), nullptr, nullptr, nullptr, nullptr), 3);
     release(handle);
     QCOMPARE(get(handle, "a", buffer, 4), 3);
-    QCOMPARE(buffer, "abc");
+    QCOMPARE(QByteArray(buffer), QByteArray("abc"));
 }
 
 void LinuxUnitTest::stringsStay()
@@ -194,6 +195,23 @@ void LinuxUnitTest::stringsNeedAFolder()
     // The sentence has a code of its own, and keeps it.
     QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).code, answer.code);
     QVERIFY(answer.code > 1000);
+}
+
+void LinuxUnitTest::damagedStoreIsNamed()
+{
+    LinuxUnit unit;
+    unit.write("/state/vornaux/unit.db"_s, "");
+    QCOMPARE(unit.call("Settings_getString", {"Gsm"}).code, 26);
+    unit.write("/state/vornaux/unit.db"_s, QByteArray(8192, 'x'));
+    const auto answer = unit.call("Settings_getString", {"Gsm"});
+    QCOMPARE(kindOf(answer), 106);
+    QVERIFY2(unit.textOf(answer).endsWith("unit.db can't be used: file is not a database"),
+        unit.textOf(answer).constData());
+    QCOMPARE(kindOf(unit.call("Settings_setString", {"Gsm", "COM1"})), 106);
+    unit.remove("/state/vornaux/unit.db"_s);
+    unit.releaseAll();
+    QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).code, 0);
+    QCOMPARE(unit.call("Settings_getString", {"Gsm"}).text, QByteArray("COM1"));
 }
 
 void LinuxUnitTest::wrongConfigurationIsNamed_data()

@@ -2,8 +2,6 @@
 
 #include "linuxunit/devices/LightFilter.h"
 
-namespace linuxunit {
-
 /**
  * The control of the backlight by the light sensor: a thread of this library, at most one on the
  * machine, which begins with start() and ends with stop(), in whatever process, or with the last
@@ -13,7 +11,7 @@ namespace linuxunit {
  *
  * A file beside the settings, locked while the thread runs, tells other processes. Any thread.
  */
-namespace automatic {
+namespace linuxunit::automatic {
 
 inline constexpr double kValue = 50;
 
@@ -34,5 +32,4 @@ void setFilter(const FilterSettings &filter);
 /** What the light asks for, 0 to 255. */
 std::uint8_t intensityFor(double lux);
 
-} // namespace automatic
-} // namespace linuxunit
+} // namespace linuxunit::automatic

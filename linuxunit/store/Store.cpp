@@ -73,7 +73,9 @@ bool Store::openToRead()
         return true;
     const auto folder = storeFolder();
     path = folder + "/unit.db";
-    if (folder.empty() || ::access(path.c_str(), F_OK) != 0)
+    // Empty while another process makes it, or for good if that was cut short.
+    std::error_code error;
+    if (folder.empty() || std::filesystem::file_size(path, error) == 0 || error)
         return false;
     sqlite3 *open = nullptr;
     const int code = sqlite3_open_v2(path.c_str(), &open, SQLITE_OPEN_READONLY, nullptr);
