@@ -1,7 +1,28 @@
 #include "linuxunit/calls/perform.h"
 #include "linuxunit/devices/Sensors.h"
+#include "linuxunit/store/Counters.h"
+
+#include <algorithm>
+#include <cmath>
 
 using namespace linuxunit;
+
+namespace {
+
+std::uint32_t minutes(double seconds)
+{
+    constexpr double secondsOfMinute = 60;
+    return std::uint32_t(std::clamp(seconds / secondsOfMinute, 0.0, double(UINT32_MAX)));
+}
+
+std::int16_t degrees(const std::optional<double> &celsius)
+{
+    if (!celsius)
+        throw Failure{NotAvailable, {}};
+    return std::int16_t(std::clamp<long>(std::lround(*celsius), INT16_MIN, INT16_MAX));
+}
+
+} // namespace
 
 DeviceCode Diagnostics_getSSTemp(DiagnosticsHandle handle, int16_t *celsius)
 {
@@ -20,6 +41,35 @@ DeviceCode Diagnostics_getPMTemp(
         const auto reading = all.processor(index);
         *celsius = reading.celsius;
         *kind = reading.kind;
+    });
+}
+
+DeviceCode Diagnostics_getTimers(DiagnosticsHandle handle, DiagnosticTimes *times)
+{
+    return perform(handle, {times}, [&](Thermometers & /*unused*/) {
+        const auto counted = Counters::read();
+        constexpr std::uint32_t withoutHeater = 0;
+        *times = {minutes(counted.running), minutes(counted.suspended), withoutHeater,
+            minutes(counted.at40To60), minutes(counted.at60To70), minutes(counted.at70To80),
+            minutes(counted.above80)};
+    });
+}
+
+DeviceCode Diagnostics_getMinMaxTemp(DiagnosticsHandle handle, int16_t *minimum, int16_t *maximum)
+{
+    return perform(handle, {minimum, maximum}, [&](Thermometers & /*unused*/) {
+        const auto counted = Counters::read();
+        const auto coldest = degrees(counted.coldest);
+        const auto hottest = degrees(counted.hottest);
+        *minimum = coldest;
+        *maximum = hottest;
+    });
+}
+
+DeviceCode Diagnostics_getPowerCycles(DiagnosticsHandle handle, uint16_t *cycles)
+{
+    return perform(handle, {cycles}, [&](Thermometers & /*unused*/) {
+        *cycles = std::uint16_t(std::min<std::int64_t>(Counters::read().powerCycles, UINT16_MAX));
     });
 }
 

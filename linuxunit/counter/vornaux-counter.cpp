@@ -1,0 +1,108 @@
+#include "commandline/commandline.h"
+#include "linuxunit/calls/Failure.h"
+#include "linuxunit/devices/Sensors.h"
+#include "linuxunit/kernel/files.h"
+#include "linuxunit/store/Counters.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <ctime>
+#include <iostream>
+
+namespace {
+
+using namespace linuxunit;
+
+constexpr int longestInterval =
+    55; ///< seconds: with the writing a power cut loses a minute at most
+
+double secondsOf(clockid_t clock)
+{
+    timespec now{};
+    ::clock_gettime(clock, &now);
+    return double(now.tv_sec) + double(now.tv_nsec) / 1e9;
+}
+
+/** Of the main board, or else of the first sensor there is. */
+std::optional<double> celsius()
+{
+    Thermometers thermometers;
+    try {
+        return thermometers.board();
+    } catch (const Failure &) {
+        // Not measured, or not now.
+    }
+    try {
+        return thermometers.processor(0).celsius;
+    } catch (const Failure &) {
+        return std::nullopt;
+    }
+}
+
+Moment present()
+{
+    const double running = secondsOf(CLOCK_MONOTONIC);
+    return {readText("/proc/sys/kernel/random/boot_id"), running,
+        std::max(secondsOf(CLOCK_BOOTTIME) - running, 0.0), celsius()};
+}
+
+/** False when the process is asked to end. */
+bool wait(const sigset_t &ends, int seconds)
+{
+    const timespec interval{seconds, 0};
+    int got = -1;
+    do {
+        got = ::sigtimedwait(&ends, nullptr, &interval);
+    } while (got < 0 && errno == EINTR);
+    return got < 0;
+}
+
+/** A disk that is full for a while is no reason to stop counting. */
+void count(Counters &counters, bool &isSilent)
+{
+    try {
+        counters.add(present());
+        isSilent = false;
+    } catch (const Failure &failure) {
+        if (!isSilent)
+            std::cerr << "vornaux-counter: " << failure.sentence << '\n';
+        isSilent = true;
+    }
+}
+
+void run(int interval)
+{
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGTERM);
+    sigaddset(&ends, SIGINT);
+    ::pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    Counters counters;
+    bool isSilent = false;
+    do {
+        count(counters, isSilent);
+    } while (wait(ends, interval));
+    count(counters, isSilent);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    CLI::App app("Counts how long this machine runs, at which temperatures, and how often it was "
+                 "started, for the Linux unit. It is a service, and runs until it is ended.",
+        "vornaux-counter");
+    int interval = longestInterval;
+    app.add_option("--interval", interval, "seconds from one count to the next, 55 at most")
+        ->check(CLI::Range(1, longestInterval));
+    app.callback([&] {
+        try {
+            run(interval);
+        } catch (const Failure &failure) {
+            throw commandline::Refusal{failure.sentence};
+        }
+    });
+    return commandline::run(app, argc, argv);
+}
