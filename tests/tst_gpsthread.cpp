@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-using support::PseudoTerminal;
+using namespace support;
 
 namespace {
 
@@ -65,8 +65,7 @@ public:
     {
         const auto collect = [this](const char *name) {
             return [this, name](const QString &text) {
-                texts << QString::fromLatin1(name) + QStringLiteral(" \"") + text +
-                             QLatin1Char('"');
+                texts << QString::fromLatin1(name) + " \""_s + text + QLatin1Char('"');
             };
         };
         connect(&thread, &MyGPSThread::newTime, this, collect("newTime"));
@@ -112,7 +111,7 @@ public:
 
 } // namespace
 
-class TestGpsThread : public DeviceTest
+class GpsThreadTest : public DeviceTest
 {
     Q_OBJECT
 
@@ -125,11 +124,9 @@ private slots:
         QStringList names;
         for (int index = meta.methodOffset(); index < meta.methodCount(); ++index)
             names << QString::fromLatin1(meta.method(index).methodSignature());
-        QCOMPARE(names,
-            (QStringList{QStringLiteral("newText(QString)"), QStringLiteral("newTime(QString)"),
-                QStringLiteral("newPos(QString)"), QStringLiteral("newSat(QString)"),
-                QStringLiteral("newAlt(QString)"), QStringLiteral("newSpeed(QString)"),
-                QStringLiteral("newAcc(QString)"), QStringLiteral("newLabel(QString)")}));
+        QCOMPARE(names, (QStringList{"newText(QString)"_s, "newTime(QString)"_s,
+                            "newPos(QString)"_s, "newSat(QString)"_s, "newAlt(QString)"_s,
+                            "newSpeed(QString)"_s, "newAcc(QString)"_s, "newLabel(QString)"_s}));
     }
 
     void silentLine()
@@ -148,10 +145,9 @@ private slots:
         QVERIFY(timer.elapsed() < 5000); // within one read
         QCOMPARE(reader.raw, QStringList());
         QCOMPARE(reader.texts, QStringList());
-        QCOMPARE(calls(), (QStringList{QStringLiteral("Telematics_create()"),
-                              QStringLiteral("Telematics_getGPSAntennaStatus() = 0 [1]"),
-                              QStringLiteral("Telematics_getGPSAntennaStatus() = 0 [1]"),
-                              QStringLiteral("Telematics_release()")}));
+        QCOMPARE(calls(),
+            (QStringList{"Telematics_create()"_s, "Telematics_getGPSAntennaStatus() = 0 [1]"_s,
+                "Telematics_getGPSAntennaStatus() = 0 [1]"_s, "Telematics_release()"_s}));
         QVERIFY(gpsPort == nullptr);
         SerialPort *again = openLine(line); // closed it is as well
         serialClose(again);
@@ -162,24 +158,23 @@ private slots:
         QTest::addColumn<QString>("state");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("label");
-        const auto broken = QStringLiteral("GPS antenna status: Error: Open or short");
-        const auto unknown = QStringLiteral("GPS antenna status: Unknown");
-        QTest::newRow("good") << QStringLiteral("1") << 0
-                              << QStringLiteral("GPS antenna status: OK");
-        QTest::newRow("open") << QStringLiteral("0") << 0 << broken;
-        QTest::newRow("short") << QStringLiteral("2") << 0 << broken;
-        QTest::newRow("not supported") << QStringLiteral("1") << 2 << unknown;
-        QTest::newRow("fault") << QStringLiteral("1") << 7 << unknown;
-        QTest::newRow("no data") << QStringLiteral("0") << 18 << unknown;
+        const auto broken = "GPS antenna status: Error: Open or short"_s;
+        const auto unknown = "GPS antenna status: Unknown"_s;
+        QTest::newRow("good") << "1"_s << 0 << "GPS antenna status: OK"_s;
+        QTest::newRow("open") << "0"_s << 0 << broken;
+        QTest::newRow("short") << "2"_s << 0 << broken;
+        QTest::newRow("not supported") << "1"_s << 2 << unknown;
+        QTest::newRow("fault") << "1"_s << 7 << unknown;
+        QTest::newRow("no data") << "0"_s << 18 << unknown;
     }
     void antenna()
     {
         QFETCH(QString, state);
         QFETCH(int, code);
         QFETCH(QString, label);
-        setUnit(QStringLiteral("Telematics.gpsAntennaStatus"), state);
+        setUnit("Telematics.gpsAntennaStatus"_s, state);
         if (code != 0)
-            fault(QStringLiteral("Telematics_getGPSAntennaStatus"), code);
+            fault("Telematics_getGPSAntennaStatus"_s, code);
         Reader reader;
         reader.start();
         QVERIFY(reader.stop());
@@ -202,7 +197,7 @@ private slots:
         ticker.start(10);
         QTRY_VERIFY(ticks > 20);
         QVERIFY(reader.stop());
-        QCOMPARE(label.text(), QStringLiteral("GPS antenna status: OK"));
+        QCOMPARE(label.text(), "GPS antenna status: OK"_s);
         QCOMPARE(reader.raw, QStringList());
     }
 
@@ -237,8 +232,8 @@ private slots:
     void recordings_data()
     {
         QTest::addColumn<QString>("path");
-        const QDir folder(QStringLiteral(VORN_SOURCE_DIR "/tests/nmea"));
-        for (const QString &file : folder.entryList({QStringLiteral("*.nmea")}))
+        const QDir folder(VORN_SOURCE_DIR "/tests/nmea"_s);
+        for (const QString &file : folder.entryList({"*.nmea"_s}))
             QTest::newRow(qPrintable(file)) << folder.filePath(file);
     }
     void recordings()
@@ -248,7 +243,7 @@ private slots:
         gpsPort = openLine(line);
         const QByteArray recorded = contents(path);
         const QByteArray expected =
-            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".expected"));
+            contents(path.left(path.lastIndexOf(QLatin1Char('.'))) + ".expected"_s);
         Reader reader;
         reader.start();
         // Zero bytes fill the last chunk, and end its text.
@@ -273,8 +268,8 @@ private slots:
         QCOMPARE(reader.raw, QStringList());
         QByteArray chunk = QByteArray("$PFST,FOM,1.5*00\r\n") + '\0' + rmc;
         QVERIFY(line.send(chunk + QByteArray(512 - chunk.size(), '\n')));
-        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1.5 meters\"")});
-        QCOMPARE(reader.raw, QStringList{QStringLiteral("$PFST,FOM,1.5*00\r\n")});
+        QTRY_COMPARE(reader.texts, QStringList{"newAcc \"1.5 meters\""_s});
+        QCOMPARE(reader.raw, QStringList{"$PFST,FOM,1.5*00\r\n"_s});
         QVERIFY(reader.stop(line));
     }
 
@@ -295,8 +290,7 @@ private slots:
         // The silence behind them says nothing more.
         QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 4, patience);
         QCOMPARE(reader.raw, both);
-        QCOMPARE(reader.texts, (QStringList{QStringLiteral("newAcc \"1 meters\""),
-                                   QStringLiteral("newAcc \"2 meters\"")}));
+        QCOMPARE(reader.texts, (QStringList{"newAcc \"1 meters\""_s, "newAcc \"2 meters\""_s}));
         QVERIFY(reader.stop(line));
     }
 
@@ -351,7 +345,7 @@ private slots:
         reader.start();
         QByteArray chunk = "$GPRMC,12,A,1.0,N,2.0,E,3,4,230324,$PFST,FOM,1\n$PFST,FOM,2*00\n";
         QVERIFY(line.send(chunk + QByteArray(512 - chunk.size(), '\n')));
-        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"2 meters\"")});
+        QTRY_COMPARE(reader.texts, QStringList{"newAcc \"2 meters\""_s});
         QVERIFY(reader.thread.isRunning());
         QVERIFY(reader.stop(line));
     }
@@ -368,8 +362,7 @@ private slots:
         QVERIFY(line.send(chunk));
         // What fits a line is looked at once,
         QTRY_COMPARE(
-            reader.texts, QStringList{QStringLiteral("newAcc \"") + QString::fromLatin1(value) +
-                                      QStringLiteral(" meters\"")});
+            reader.texts, QStringList{"newAcc \""_s + QString::fromLatin1(value) + " meters\""_s});
         QCOMPARE(reader.raw, QStringList{QString::fromLatin1(chunk)});
         // and then nothing is read any more,
         const QByteArray next = QByteArray(rmc).repeated(8);
@@ -397,7 +390,7 @@ private slots:
         reader.start();
         QVERIFY(line.send(QByteArray("$PFST,FOM,1*00\n$PFST,FOM,2*00\n").repeated(18).left(512)));
         QVERIFY(reader.thread.waitForEnd());
-        QTRY_COMPARE(reader.texts, QStringList{QStringLiteral("newAcc \"1 meters\"")});
+        QTRY_COMPARE(reader.texts, QStringList{"newAcc \"1 meters\""_s});
         QTest::qWait(0);
         QCOMPARE(reader.texts.size(), 1);
     }
@@ -452,7 +445,7 @@ private slots:
         Reader reader;
         reader.thread.start();
         QStringList made;
-        QTRY_VERIFY((made += calls()).contains(QStringLiteral("Telematics_create()")));
+        QTRY_VERIFY((made += calls()).contains("Telematics_create()"_s));
         QVERIFY(line.send("for the next"));
         reader.thread.stop();
         QVERIFY(reader.thread.waitForEnd());
@@ -574,5 +567,5 @@ private slots:
     }
 };
 
-VORN_TEST_MAIN(TestGpsThread)
+VORN_TEST_MAIN(GpsThreadTest)
 #include "tst_gpsthread.moc"

@@ -9,7 +9,8 @@
 #include <atomic>
 #include <thread>
 
-using support::child;
+using namespace support;
+
 using support::operator""_s;
 
 namespace {
@@ -55,73 +56,70 @@ class GpsVisitsTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void manyVisits_data();
-    void manyVisits();
+    void initTestCase()
+    {
+        support::makeMemoryCountable();
+        support::useNoOtherLines();
+    }
+
+    void manyVisits_data()
+    {
+        QTest::addColumn<bool>("usable");
+        QTest::newRow("with a line") << true;
+        QTest::newRow("without a line") << false;
+    }
+
+    void manyVisits()
+    {
+        QFETCH(bool, usable);
+        support::PseudoTerminal line;
+        const TalkingReceiver receiver(line);
+        if (usable)
+            line.setName("COM4"_s);
+        virtualunit::stopJournal(); // which grows with every call
+
+        tabTelematicsDlg page;
+        page.show();
+        auto *tabs = child<QTabWidget>(&page, "tabWidget");
+        auto *position = child<QLineEdit>(&page, "editGpsPos");
+        positions = 0;
+        connect(position, &QLineEdit::textChanged, this,
+            [this](const QString &text) { positions += text != "INVALID"_s; });
+        support::SkippedPauses pauses; // they would be most of the test's time
+        const auto visit = [&](int count) {
+            for (int number = 0; number < count; ++number) {
+                tabs->setCurrentIndex(1);
+                QCOMPARE(dialogs.takeTexts(),
+                    usable ? QStringList() : QStringList{"Could not open serial port: COM4"_s});
+                if (usable && number % 10 == 0)
+                    QVERIFY(QTest::qWaitFor([&] { return position->text() != "INVALID"_s; }));
+                tabs->setCurrentIndex(0);
+                QVERIFY(!gpsPort.load());
+                QCOMPARE(pauses.take(), std::vector<int>{50});
+                QCoreApplication::processEvents();
+            }
+        };
+        visit(firstVisits);
+        const int handles = support::openHandles();
+        const int threads = support::threads();
+        qint64 growth = std::numeric_limits<qint64>::max();
+        for (int round = 0; round < rounds; ++round) {
+            const qint64 memory = support::allocatedMemory();
+            visit(visits);
+            growth = std::min(growth, support::allocatedMemory() - memory);
+        }
+        QVERIFY(
+            support::openHandles() < handles + 10); // the system may have opened some for itself
+        QVERIFY(support::threads() < threads + 10);
+        // A queue may grow in one round, a leak does in all of them. The smallest object of a visit
+        // is the thread, of some hundred bytes.
+        QVERIFY2(growth < visits * 64, qPrintable(QString::number(growth)));
+        QCOMPARE(positions >= (firstVisits + rounds * visits) / 10, usable);
+    }
 
 private:
     int positions = 0; // shown so far
 };
-
-void GpsVisitsTest::initTestCase()
-{
-    support::makeMemoryCountable();
-    support::useNoOtherLines();
-}
-
-void GpsVisitsTest::manyVisits_data()
-{
-    QTest::addColumn<bool>("usable");
-    QTest::newRow("with a line") << true;
-    QTest::newRow("without a line") << false;
-}
-
-void GpsVisitsTest::manyVisits()
-{
-    QFETCH(bool, usable);
-    support::PseudoTerminal line;
-    const TalkingReceiver receiver(line);
-    if (usable)
-        line.setName("COM4"_s);
-    virtualunit::stopJournal(); // which grows with every call
-
-    tabTelematicsDlg page;
-    page.show();
-    auto *tabs = child<QTabWidget>(&page, "tabWidget");
-    auto *position = child<QLineEdit>(&page, "editGpsPos");
-    positions = 0;
-    connect(position, &QLineEdit::textChanged, this,
-        [this](const QString &text) { positions += text != "INVALID"_s; });
-    support::SkippedPauses pauses; // they would be most of the test's time
-    const auto visit = [&](int count) {
-        for (int number = 0; number < count; ++number) {
-            tabs->setCurrentIndex(1);
-            QCOMPARE(dialogs.takeTexts(),
-                usable ? QStringList() : QStringList{"Could not open serial port: COM4"_s});
-            if (usable && number % 10 == 0)
-                QVERIFY(QTest::qWaitFor([&] { return position->text() != "INVALID"_s; }));
-            tabs->setCurrentIndex(0);
-            QVERIFY(!gpsPort.load());
-            QCOMPARE(pauses.take(), std::vector<int>{50});
-            QCoreApplication::processEvents();
-        }
-    };
-    visit(firstVisits);
-    const int handles = support::openHandles();
-    const int threads = support::threads();
-    qint64 growth = std::numeric_limits<qint64>::max();
-    for (int round = 0; round < rounds; ++round) {
-        const qint64 memory = support::allocatedMemory();
-        visit(visits);
-        growth = std::min(growth, support::allocatedMemory() - memory);
-    }
-    QVERIFY(support::openHandles() < handles + 10); // the system may have opened some for itself
-    QVERIFY(support::threads() < threads + 10);
-    // A queue may grow in one round, a leak does in all of them. The smallest object of a visit is
-    // the thread, of some hundred bytes.
-    QVERIFY2(growth < visits * 64, qPrintable(QString::number(growth)));
-    QCOMPARE(positions >= (firstVisits + rounds * visits) / 10, usable);
-}
 
 VORN_TEST_MAIN(GpsVisitsTest)
 #include "tst_gpsvisits.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/literals.h"
 #include "virtualunit/VirtualUnit.h"
 
 #include <QFile>
@@ -13,6 +14,8 @@
 #include <map>
 #include <memory>
 #include <vector>
+
+using namespace support;
 
 namespace {
 
@@ -109,7 +112,7 @@ const Broken brokenLibraries[] = {
 
 QString brokenUnit(const QString &name)
 {
-    return QStringLiteral(VORN_BROKENUNIT_DIR "/") + name + QStringLiteral(VORN_LIBRARY_SUFFIX);
+    return VORN_BROKENUNIT_DIR "/"_s + name + QStringLiteral(VORN_LIBRARY_SUFFIX);
 }
 
 /** All of the unit's values that can be set, as the check must leave them. */
@@ -121,10 +124,8 @@ std::map<std::string, std::string> settings()
     std::map<std::string, std::string> values;
     for (const auto &property : properties) {
         const auto family = QString::fromStdString(property.name).section(QLatin1Char('.'), 0, 0);
-        const QStringList settable{QStringLiteral("Backlight"), QStringLiteral("Buzzer"),
-            QStringLiteral("Can"), QStringLiteral("Config"), QStringLiteral("DigIO"),
-            QStringLiteral("FrontLED"), QStringLiteral("Power"), QStringLiteral("Telematics"),
-            QStringLiteral("Touch")};
+        const QStringList settable{"Backlight"_s, "Buzzer"_s, "Can"_s, "Config"_s, "DigIO"_s,
+            "FrontLED"_s, "Power"_s, "Telematics"_s, "Touch"_s};
         if (settable.contains(family))
             values[property.name] = property.value;
     }
@@ -151,18 +152,18 @@ QJsonObject reportIn(const Outcome &outcome, int exitCode)
 QStringList findings(const QJsonObject &report)
 {
     QStringList found;
-    const auto tests = report[QLatin1String("tests")].toArray();
+    const auto tests = report["tests"_s].toArray();
     for (const auto &value : tests) {
         const auto test = value.toObject();
-        const auto result = test[QLatin1String("result")].toString();
-        if (result == QLatin1String("pass") || result == QLatin1String("skip"))
+        const auto result = test["result"_s].toString();
+        if (result == "pass"_s || result == "skip"_s)
             continue;
         QStringList sentences;
-        const auto told = test[QLatin1String("findings")].toArray();
+        const auto told = test["findings"_s].toArray();
         for (const auto &sentence : told)
             sentences << sentence.toString();
-        found << result + QLatin1Char(' ') + test[QLatin1String("name")].toString() +
-                     QStringLiteral(": ") + sentences.join(QStringLiteral("; "));
+        found << result + QLatin1Char(' ') + test["name"_s].toString() + ": "_s +
+                     sentences.join("; "_s);
     }
     return found;
 }
@@ -175,29 +176,355 @@ class VorncheckTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void helps();
-    void refusesWrongUsage_data();
-    void refusesWrongUsage();
-    void lists();
-    void goodLibraryPasses();
-    void brokenLibraryIsFound_data();
-    void brokenLibraryIsFound();
-    void everyTestHasItsLibrary();
-    void onlyReadsUnlessAllowed();
-    void virtualUnitPasses_data();
-    void virtualUnitPasses();
-    void virtualUnitVerifiesFirmware();
-    void brokenProfileIsNamed();
-    void tinyUnitPasses();
-    void tinyUnitIsFound_data();
-    void tinyUnitIsFound();
-    void hearsOfEndsThatItsParentIgnores();
-    void putsBackWhenInterrupted();
-    void putsBackAfterAnEndlessCall();
-    void skeletonKeepsTheContract_data();
-    void skeletonKeepsTheContract();
+    void initTestCase()
+    {
+        image = files.filePath("image.hex"_s);
+        QFile file(image);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.write(":0401000001020304F1\n:00000001FF\n") > 0);
+        environment = QProcessEnvironment::systemEnvironment();
+        const auto list = run({"--list"_s}).out.trimmed().split(QLatin1Char('\n'));
+        for (const auto &line : list)
+            names << line.section(QLatin1Char(' '), 0, 0);
+    }
+
+    void init()
+    {
+        folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(folder->isValid());
+        const QString unit = folder->filePath("unit.sqlite"_s);
+        environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VORN_UNIT"_s, unit);
+        environment.insert("BROKENUNIT_STORE"_s, folder->path());
+        environment.remove("VORN_JOURNAL"_s);
+        QCOMPARE(virtualunit::open(unit.toStdString()), std::string());
+    }
+
+    void helps()
+    {
+        const auto help = run({"--help"_s});
+        QCOMPARE(help.exitCode, 0);
+        QVERIFY(help.out.contains("--write"_s));
+        const auto version = run({"--version"_s});
+        QCOMPARE(version.exitCode, 0);
+        QVERIFY(version.out.startsWith("vorncheck "_s));
+    }
+
+    void refusesWrongUsage_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no library") << QStringList{} << "LIBRARY is required";
+        QTest::newRow("no such file") << QStringList{"/no/such/library"_s} << "/no/such/library";
+        QTest::newRow("no library at all")
+            << QStringList{VORN_SOURCE_DIR "/README.md"_s} << "README.md";
+        QTest::newRow("no such test")
+            << QStringList{"--only"_s, "thraeds"_s, brokenUnit("goodunit"_s)}
+            << "There is no test \"thraeds\"; did you mean \"threads\"?";
+        QTest::newRow("no time at all")
+            << QStringList{"--call-limit"_s, "0"_s, brokenUnit("goodunit"_s)} << "--call-limit";
+        QTest::newRow("no such option") << QStringList{"--wriet"_s} << "--wriet";
+    }
+
+    void refusesWrongUsage()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        const auto outcome = run(arguments);
+        QCOMPARE(outcome.exitCode, 2);
+        QCOMPARE(outcome.out, QString());
+        QVERIFY2(outcome.err.startsWith("vorncheck: "_s), qPrintable(outcome.err));
+        QVERIFY2(outcome.err.contains(message), qPrintable(outcome.err));
+    }
+
+    void lists()
+    {
+        QVERIFY(names.size() > 40);
+        QCOMPARE(names.first(), "functions"_s);
+    }
+
+    void goodLibraryPasses()
+    {
+        const auto outcome = run(everything() << brokenUnit("goodunit"_s));
+        QCOMPARE(outcome.exitCode, 0);
+        const auto lines = outcome.out.trimmed().split(QLatin1Char('\n'));
+        for (const auto &line : lines.mid(0, lines.size() - 1))
+            QVERIFY2(
+                line.startsWith("PASS "_s) || line.contains("this system"_s), qPrintable(line));
+        QVERIFY2(
+            lines.last().contains(" passed, 0 failed, 0 warned, "_s), qPrintable(lines.last()));
+    }
+
+    void brokenLibraryIsFound_data()
+    {
+        QTest::addColumn<QString>("finding");
+        QTest::addColumn<QString>("sentence");
+        for (const auto &broken : brokenLibraries)
+            QTest::newRow(broken.library) << broken.finding << broken.words;
+    }
+
+    /** By its test, by name, and by no other. */
+    void brokenLibraryIsFound()
+    {
+        QFETCH(QString, finding);
+        QFETCH(QString, sentence);
+        const auto *const broken = std::find_if(std::begin(brokenLibraries),
+            std::end(brokenLibraries),
+            [](const Broken &each) { return qstrcmp(each.library, QTest::currentDataTag()) == 0; });
+        const int exitCode = finding.startsWith("fail"_s) ? 1 : 0;
+        const auto found = findings(reportIn(outcomeOf(*broken), exitCode));
+        QVERIFY2(found.size() == 1, qPrintable(found.join(QLatin1Char('\n'))));
+        QVERIFY2(found.first().startsWith(finding + QLatin1Char(':')), qPrintable(found.first()));
+        QVERIFY2(found.first().contains(sentence), qPrintable(found.first()));
+    }
+
+    /** A test that no library fails proves nothing. */
+    void everyTestHasItsLibrary()
+    {
+        QStringList unproved;
+        for (const auto &name : names) {
+            const auto proves = [&name](const Broken &broken) {
+                return QString::fromLatin1(broken.finding).section(QLatin1Char(' '), 1) == name;
+            };
+            if (std::none_of(std::begin(brokenLibraries), std::end(brokenLibraries), proves))
+                unproved << name;
+        }
+#ifdef Q_OS_WIN
+        for (const char *other : {"locale", "umask", "signals"})
+            unproved.removeAll(QLatin1String(other));
+#endif
+        QCOMPARE(unproved, QStringList());
+    }
+
+    /** The unit's own journal tells that nothing was set. */
+    void onlyReadsUnlessAllowed()
+    {
+        const QString journal = folder->filePath("journal"_s);
+        environment.insert("VORN_JOURNAL"_s, journal);
+        const QStringList arguments = withoutThreads() << QStringLiteral(VORN_DEVICE_LIBRARY);
+        // The journal is closed with the library, too.
+        QCOMPARE(findings(check(arguments, 0)), QStringList());
+        QFile file(journal);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray calls = file.readAll();
+        QVERIFY(calls.contains("Buzzer_getVolume"));
+        for (const char *changing : {"_set", "Firmware_start", "Backlight_start",
+                 "LightSensor_start", "_stop", "_shutDown"})
+            QVERIFY2(!calls.contains(changing), changing);
+    }
+
+    void virtualUnitPasses_data()
+    {
+        QTest::addColumn<bool>("warned");
+        for (const auto &name : virtualunit::profiles()) {
+            // Its firmware gives no access to the touch screen that it has.
+            if (name != "broken")
+                QTest::newRow(name.c_str()) << (name == "old-firmware");
+        }
+    }
+
+    void virtualUnitPasses()
+    {
+        QFETCH(bool, warned);
+        QCOMPARE(virtualunit::loadProfile(QTest::currentDataTag()), std::string());
+        const auto before = settings();
+        // What a unit has or lacks makes no difference to its threads.
+        const bool isFull = qstrcmp(QTest::currentDataTag(), "full") == 0;
+        const auto found = findings(check(QStringList{"--write"_s, "--power"_s} +
+                                              (isFull ? QStringList() : withoutThreads()) +
+                                              QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)},
+            0));
+        QVERIFY2(found.size() == (warned ? 1 : 0), qPrintable(found.join(QLatin1Char('\n'))));
+        QVERIFY(!warned || found.first().startsWith("warn code-hardware: Touch_"_s));
+        QVERIFY(settings() == before);
+    }
+
+    /** Which has stored no image to compare with; never does it get one. */
+    void virtualUnitVerifiesFirmware()
+    {
+        QCOMPARE(virtualunit::set("Firmware.duration", "1000"), std::string());
+        const QStringList tests{"--only"_s, "firmware-file"_s, "--only"_s, "firmware-missing"_s};
+        const auto found = findings(check(QStringList{"--firmware"_s, image} + tests +
+                                              QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)},
+            0));
+        QCOMPARE(found.size(), 1);
+        QVERIFY2(found.first().startsWith(
+                     "warn firmware-file: Firmware_startSSVerification found error 30"_s),
+            qPrintable(found.first()));
+    }
+
+    void brokenProfileIsNamed()
+    {
+        QCOMPARE(virtualunit::loadProfile("broken"), std::string());
+        QCOMPARE(virtualunit::set("Firmware.duration", "1000"), std::string());
+        const auto found = findings(check(
+            everything() + withoutThreads() + QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)}, 1));
+        const auto all = found.join(QLatin1Char('\n'));
+        // One that only reads, one that sets, one of each other kind.
+        for (const char *named :
+            {"Versions_getFPGAVersion answered 14", "Buzzer_getVolume answered 27",
+                "Touch_getAdvancedSetting(0) answered 14", "Can_setBaudrate(1) refused 125 with 28",
+                "FrontLED_setNrOfPulses refused 3 with 14", "Touch_setMode refused",
+                "Settings_setString(\"VornsettingsGsmPort\") answered 28",
+                "DigIO_setDigIO(0) answered 27", "Backlight_startAutomaticBL answered 15"})
+            QVERIFY2(all.contains(QLatin1String(named)), named);
+    }
+
+    /** Answers 18 to everything. */
+    void tinyUnitPasses()
+    {
+        const QString library = QStringLiteral(
+            VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
+        const auto found = findings(check(withoutThreads() + QStringList{"--write"_s, library}, 0));
+        QCOMPARE(found, QStringList());
+    }
+
+    void tinyUnitIsFound_data()
+    {
+        QTest::addColumn<QString>("variable");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("finding");
+        QTest::newRow("texts without an end") << "TINYUNIT_CODE"
+                                              << "0"
+                                              << "fail text-end: Hardware_getMainPcbSerial";
+        QTest::newRow("all bits of a flag") << "TINYUNIT_CODE"
+                                            << "0"
+                                            << "warn flags: Hardware_hasDisplay gave 255";
+        QTest::newRow("sensors without an end") << "TINYUNIT_CODE"
+                                                << "0"
+                                                << "fail sensors: ";
+        QTest::newRow("out values of failures") << "TINYUNIT_TRACES"
+                                                << "1"
+                                                << "fail out-untouched: Hardware_getMainPcbSerial";
+        QTest::newRow("20") << "TINYUNIT_CODE"
+                            << "20"
+                            << "fail code-20: Hardware_getMainPcbSerial";
+    }
+
+    void tinyUnitIsFound()
+    {
+        QFETCH(QString, variable);
+        QFETCH(QString, value);
+        QFETCH(QString, finding);
+        environment.insert(variable, value);
+        const QString library = QStringLiteral(
+            VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
+        const auto test = finding.section(QLatin1Char(' '), 1).section(QLatin1Char(':'), 0, 0);
+        const auto found =
+            findings(check({"--only"_s, test, library}, finding.startsWith("fail"_s) ? 1 : 0));
+        QCOMPARE(found.size(), 1);
+        QVERIFY2(found.first().startsWith(finding), qPrintable(found.first()));
+    }
+
+    /** A parent may have told the system to forget how children end. */
+    void hearsOfEndsThatItsParentIgnores()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("Windows has no signals");
+#else
+        QProcess tool;
+        tool.start("env"_s, {"--ignore-signal=CHLD"_s, VORN_BIN_DIR "/vorncheck"_s, "--only"_s,
+                                "functions"_s, brokenUnit("goodunit"_s)});
+        const auto outcome = ended(tool);
+        QCOMPARE(outcome.exitCode, 0);
+        QVERIFY2(outcome.out.startsWith("PASS functions\n"_s), qPrintable(outcome.out));
+#endif
+    }
+
+    void putsBackWhenInterrupted()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("nobody can end a program on Windows in a way that it notices, but on its console");
+#else
+        const auto before = settings();
+        QCOMPARE(virtualunit::setDelay("Buzzer_setVolume", 300), std::string());
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+            QProcess tool;
+            tool.setProcessEnvironment(environment);
+            tool.start(VORN_BIN_DIR "/vorncheck"_s,
+                {"--write"_s, "--only"_s, "write-values"_s, QStringLiteral(VORN_DEVICE_LIBRARY)});
+            QVERIFY(tool.waitForStarted(patience));
+            // Somewhere amid the volumes.
+            QTRY_VERIFY_WITH_TIMEOUT(settings() != before && settings().at("Buzzer.volume") !=
+                                                                 before.at("Buzzer.volume"),
+                patience);
+            ::kill(static_cast<pid_t>(tool.processId()), signal);
+            QVERIFY(tool.waitForFinished(patience));
+            QCOMPARE(tool.exitStatus(), QProcess::CrashExit); // as the signal wants it
+            QVERIFY(settings() == before);
+        }
+#endif
+    }
+
+    /** The test's process is killed then, so another one puts things back. */
+    void putsBackAfterAnEndlessCall()
+    {
+        const auto before = settings();
+        // Reads pass, so that it begins; the third write of one test then never comes back in time.
+        QCOMPARE(virtualunit::setDelay("Buzzer_setTrigger", 5'000), std::string());
+        const auto found =
+            findings(check({"--write"_s, "--call-limit"_s, "1"_s, "--only"_s, "write-values"_s,
+                               QStringLiteral(VORN_DEVICE_LIBRARY)},
+                1));
+        QCOMPARE(found.size(), 1);
+        QVERIFY2(found.first().contains("no answer within 1 s from Buzzer_setTrigger"_s),
+            qPrintable(found.first()));
+        QVERIFY(settings() == before);
+    }
+
+    void skeletonKeepsTheContract_data()
+    {
+        QTest::addColumn<QString>("compiler");
+        QTest::addColumn<bool>("runs");
+        QTest::newRow("gcc, C99") << "gcc -std=c99 -Wmissing-prototypes -fPIC" << true;
+        QTest::newRow("gcc, C++17") << "g++ -std=c++17 -x c++ -fPIC" << true;
+        QTest::newRow("clang, C99") << "clang -std=c99 -fPIC" << false;
+        QTest::newRow("clang, C++17") << "clang++ -std=c++17 -x c++ -fPIC" << false;
+        QTest::newRow("MinGW, C99") << "x86_64-w64-mingw32-gcc -std=c99" << false;
+        QTest::newRow("MinGW, C++17") << "x86_64-w64-mingw32-g++ -std=c++17 -x c++" << false;
+    }
+
+    /** Compiles without a warning, passes, and the program makes its report on it. */
+    void skeletonKeepsTheContract()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("no compiler to be found on Windows");
+#else
+        QFETCH(QString, compiler);
+        QFETCH(bool, runs);
+        auto words = compiler.split(QLatin1Char(' '));
+        const auto name = words.takeFirst();
+        if (QStandardPaths::findExecutable(name).isEmpty())
+            QSKIP("this compiler is not installed");
+        QProcess tool;
+        const auto source = folder->filePath("unit.c"_s);
+        tool.setStandardOutputFile(source);
+        tool.start(VORN_BIN_DIR "/vornunit"_s, {"skeleton"_s});
+        QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
+        const auto library = folder->filePath("libVornAux2.so"_s);
+        QProcess build;
+        build.start(name, words + QStringList{"-Wall"_s, "-Wextra"_s, "-Wpedantic"_s,
+                                      "-Wconversion"_s, "-Wshadow"_s, "-Werror"_s, "-shared"_s,
+                                      "-I" VORN_SOURCE_DIR "/frame"_s, "-o"_s, library, source});
+        QVERIFY(build.waitForFinished(patience));
+        QCOMPARE(QString::fromUtf8(build.readAllStandardError()), QString());
+        QCOMPARE(build.exitCode(), 0);
+        if (!runs)
+            return;
+        const auto tests = words.contains("-std=c99"_s) ? QStringList() : withoutThreads();
+        QCOMPARE(findings(check(tests + QStringList{"--write"_s, library}, 0)), QStringList());
+
+        QProcess program;
+        environment.insert("LD_LIBRARY_PATH"_s, folder->path());
+        program.setProcessEnvironment(environment);
+        const auto report = folder->filePath("report.txt"_s);
+        program.start(VORN_BIN_DIR "/VornSettings"_s, {"--systemreport"_s, report});
+        QVERIFY(program.waitForFinished(patience) && program.exitCode() == 0);
+        QFile file(report);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("Not supported by this unit or its firmware"));
+#endif
+    }
 
 private:
     /** The check of a broken library. */
@@ -206,12 +533,64 @@ private:
         QProcess tool;
     };
 
-    Outcome run(const QStringList &arguments) const;
-    QJsonObject check(const QStringList &arguments, int exitCode) const;
-    QStringList everything() const;
-    QStringList withoutThreads() const;
-    void start(const Broken &broken);
-    Outcome outcomeOf(const Broken &broken);
+    Outcome run(const QStringList &arguments) const
+    {
+        QProcess tool;
+        tool.setProcessEnvironment(environment);
+        tool.start(VORN_BIN_DIR "/vorncheck"_s, arguments);
+        return ended(tool);
+    }
+
+    QJsonObject check(const QStringList &arguments, int exitCode) const
+    {
+        return reportIn(run(QStringList{"--json"_s} + arguments), exitCode);
+    }
+
+    QStringList everything() const
+    {
+        return {"--write"_s, "--power"_s, "--firmware"_s, image};
+    }
+
+    /** The two threads take seconds, so only who is about them gets them. */
+    QStringList withoutThreads() const
+    {
+        QStringList tests;
+        for (const auto &name : names) {
+            if (name != "threads"_s)
+                tests << "--only"_s << name;
+        }
+        return tests;
+    }
+
+    void start(const Broken &broken)
+    {
+        if (running.count(broken.library))
+            return;
+        const bool isThreads = broken.finding == std::string_view("fail threads");
+        auto &[store, tool] = running[broken.library];
+        auto own = environment;
+        own.insert("BROKENUNIT_STORE"_s, store.path());
+        tool.setProcessEnvironment(own);
+        tool.start(VORN_BIN_DIR "/vorncheck"_s,
+            QStringList{"--json"_s} + everything() +
+                (isThreads ? QStringList() : withoutThreads()) +
+                QStringList{brokenUnit("broken_"_s + QLatin1String(broken.library))});
+    }
+
+    /** While it is waited for, the next ones are checked on the other cores, and those that mostly
+     * wait. */
+    Outcome outcomeOf(const Broken &broken)
+    {
+        for (const auto &other : brokenLibraries) {
+            if (other.waits)
+                start(other);
+        }
+        const auto ahead = std::min<std::ptrdiff_t>(
+            QThread::idealThreadCount(), std::end(brokenLibraries) - &broken);
+        for (const auto *next = &broken; next != &broken + ahead; ++next)
+            start(*next);
+        return ended(running.at(broken.library).tool);
+    }
 
     QTemporaryDir files;
     QString image;
@@ -220,432 +599,6 @@ private:
     QProcessEnvironment environment;
     std::map<std::string, Running> running; ///< by the library's name, from its start on
 };
-
-void VorncheckTest::initTestCase()
-{
-    image = files.filePath(QStringLiteral("image.hex"));
-    QFile file(image);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.write(":0401000001020304F1\n:00000001FF\n") > 0);
-    environment = QProcessEnvironment::systemEnvironment();
-    const auto list = run({QStringLiteral("--list")}).out.trimmed().split(QLatin1Char('\n'));
-    for (const auto &line : list)
-        names << line.section(QLatin1Char(' '), 0, 0);
-}
-
-void VorncheckTest::init()
-{
-    folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder->isValid());
-    const QString unit = folder->filePath(QStringLiteral("unit.sqlite"));
-    environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("VORN_UNIT"), unit);
-    environment.insert(QStringLiteral("BROKENUNIT_STORE"), folder->path());
-    environment.remove(QStringLiteral("VORN_JOURNAL"));
-    QCOMPARE(virtualunit::open(unit.toStdString()), std::string());
-}
-
-Outcome VorncheckTest::run(const QStringList &arguments) const
-{
-    QProcess tool;
-    tool.setProcessEnvironment(environment);
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vorncheck"), arguments);
-    return ended(tool);
-}
-
-QJsonObject VorncheckTest::check(const QStringList &arguments, int exitCode) const
-{
-    return reportIn(run(QStringList{QStringLiteral("--json")} + arguments), exitCode);
-}
-
-QStringList VorncheckTest::everything() const
-{
-    return {
-        QStringLiteral("--write"), QStringLiteral("--power"), QStringLiteral("--firmware"), image};
-}
-
-void VorncheckTest::helps()
-{
-    const auto help = run({QStringLiteral("--help")});
-    QCOMPARE(help.exitCode, 0);
-    QVERIFY(help.out.contains(QLatin1String("--write")));
-    const auto version = run({QStringLiteral("--version")});
-    QCOMPARE(version.exitCode, 0);
-    QVERIFY(version.out.startsWith(QLatin1String("vorncheck ")));
-}
-
-void VorncheckTest::refusesWrongUsage_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("no library") << QStringList{} << "LIBRARY is required";
-    QTest::newRow("no such file") << QStringList{QStringLiteral("/no/such/library")}
-                                  << "/no/such/library";
-    QTest::newRow("no library at all")
-        << QStringList{QStringLiteral(VORN_SOURCE_DIR "/README.md")} << "README.md";
-    QTest::newRow("no such test") << QStringList{QStringLiteral("--only"),
-                                         QStringLiteral("thraeds"),
-                                         brokenUnit(QStringLiteral("goodunit"))}
-                                  << "There is no test \"thraeds\"; did you mean \"threads\"?";
-    QTest::newRow("no time at all")
-        << QStringList{QStringLiteral("--call-limit"), QStringLiteral("0"),
-               brokenUnit(QStringLiteral("goodunit"))}
-        << "--call-limit";
-    QTest::newRow("no such option") << QStringList{QStringLiteral("--wriet")} << "--wriet";
-}
-
-void VorncheckTest::refusesWrongUsage()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, message);
-    const auto outcome = run(arguments);
-    QCOMPARE(outcome.exitCode, 2);
-    QCOMPARE(outcome.out, QString());
-    QVERIFY2(outcome.err.startsWith(QLatin1String("vorncheck: ")), qPrintable(outcome.err));
-    QVERIFY2(outcome.err.contains(message), qPrintable(outcome.err));
-}
-
-void VorncheckTest::lists()
-{
-    QVERIFY(names.size() > 40);
-    QCOMPARE(names.first(), QStringLiteral("functions"));
-}
-
-void VorncheckTest::goodLibraryPasses()
-{
-    const auto outcome = run(everything() << brokenUnit(QStringLiteral("goodunit")));
-    QCOMPARE(outcome.exitCode, 0);
-    const auto lines = outcome.out.trimmed().split(QLatin1Char('\n'));
-    for (const auto &line : lines.mid(0, lines.size() - 1))
-        QVERIFY2(
-            line.startsWith(QLatin1String("PASS ")) || line.contains(QLatin1String("this system")),
-            qPrintable(line));
-    QVERIFY2(lines.last().contains(QLatin1String(" passed, 0 failed, 0 warned, ")),
-        qPrintable(lines.last()));
-}
-
-void VorncheckTest::brokenLibraryIsFound_data()
-{
-    QTest::addColumn<QString>("finding");
-    QTest::addColumn<QString>("sentence");
-    for (const auto &broken : brokenLibraries)
-        QTest::newRow(broken.library) << broken.finding << broken.words;
-}
-
-/** The two threads take seconds, so only who is about them gets them. */
-QStringList VorncheckTest::withoutThreads() const
-{
-    QStringList tests;
-    for (const auto &name : names) {
-        if (name != QLatin1String("threads"))
-            tests << QStringLiteral("--only") << name;
-    }
-    return tests;
-}
-
-void VorncheckTest::start(const Broken &broken)
-{
-    if (running.count(broken.library))
-        return;
-    const bool isThreads = broken.finding == std::string_view("fail threads");
-    auto &[store, tool] = running[broken.library];
-    auto own = environment;
-    own.insert(QStringLiteral("BROKENUNIT_STORE"), store.path());
-    tool.setProcessEnvironment(own);
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vorncheck"),
-        QStringList{QStringLiteral("--json")} + everything() +
-            (isThreads ? QStringList() : withoutThreads()) +
-            QStringList{brokenUnit(QStringLiteral("broken_") + QLatin1String(broken.library))});
-}
-
-/** While it is waited for, the next ones are checked on the other cores, and those that mostly
- * wait. */
-Outcome VorncheckTest::outcomeOf(const Broken &broken)
-{
-    for (const auto &other : brokenLibraries) {
-        if (other.waits)
-            start(other);
-    }
-    const auto ahead =
-        std::min<std::ptrdiff_t>(QThread::idealThreadCount(), std::end(brokenLibraries) - &broken);
-    for (const auto *next = &broken; next != &broken + ahead; ++next)
-        start(*next);
-    return ended(running.at(broken.library).tool);
-}
-
-/** By its test, by name, and by no other. */
-void VorncheckTest::brokenLibraryIsFound()
-{
-    QFETCH(QString, finding);
-    QFETCH(QString, sentence);
-    const auto *const broken = std::find_if(std::begin(brokenLibraries), std::end(brokenLibraries),
-        [](const Broken &each) { return qstrcmp(each.library, QTest::currentDataTag()) == 0; });
-    const int exitCode = finding.startsWith(QLatin1String("fail")) ? 1 : 0;
-    const auto found = findings(reportIn(outcomeOf(*broken), exitCode));
-    QVERIFY2(found.size() == 1, qPrintable(found.join(QLatin1Char('\n'))));
-    QVERIFY2(found.first().startsWith(finding + QLatin1Char(':')), qPrintable(found.first()));
-    QVERIFY2(found.first().contains(sentence), qPrintable(found.first()));
-}
-
-/** A test that no library fails proves nothing. */
-void VorncheckTest::everyTestHasItsLibrary()
-{
-    QStringList unproved;
-    for (const auto &name : names) {
-        const auto proves = [&name](const Broken &broken) {
-            return QString::fromLatin1(broken.finding).section(QLatin1Char(' '), 1) == name;
-        };
-        if (std::none_of(std::begin(brokenLibraries), std::end(brokenLibraries), proves))
-            unproved << name;
-    }
-#ifdef Q_OS_WIN
-    for (const char *other : {"locale", "umask", "signals"})
-        unproved.removeAll(QLatin1String(other));
-#endif
-    QCOMPARE(unproved, QStringList());
-}
-
-/** The unit's own journal tells that nothing was set. */
-void VorncheckTest::onlyReadsUnlessAllowed()
-{
-    const QString journal = folder->filePath(QStringLiteral("journal"));
-    environment.insert(QStringLiteral("VORN_JOURNAL"), journal);
-    const QStringList arguments = withoutThreads() << QStringLiteral(VORN_DEVICE_LIBRARY);
-    // The journal is closed with the library, too.
-    QCOMPARE(findings(check(arguments, 0)), QStringList());
-    QFile file(journal);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray calls = file.readAll();
-    QVERIFY(calls.contains("Buzzer_getVolume"));
-    for (const char *changing :
-        {"_set", "Firmware_start", "Backlight_start", "LightSensor_start", "_stop", "_shutDown"})
-        QVERIFY2(!calls.contains(changing), changing);
-}
-
-void VorncheckTest::virtualUnitPasses_data()
-{
-    QTest::addColumn<bool>("warned");
-    for (const auto &name : virtualunit::profiles()) {
-        // Its firmware gives no access to the touch screen that it has.
-        if (name != "broken")
-            QTest::newRow(name.c_str()) << (name == "old-firmware");
-    }
-}
-
-void VorncheckTest::virtualUnitPasses()
-{
-    QFETCH(bool, warned);
-    QCOMPARE(virtualunit::loadProfile(QTest::currentDataTag()), std::string());
-    const auto before = settings();
-    // What a unit has or lacks makes no difference to its threads.
-    const bool isFull = qstrcmp(QTest::currentDataTag(), "full") == 0;
-    const auto found =
-        findings(check(QStringList{QStringLiteral("--write"), QStringLiteral("--power")} +
-                           (isFull ? QStringList() : withoutThreads()) +
-                           QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)},
-            0));
-    QVERIFY2(found.size() == (warned ? 1 : 0), qPrintable(found.join(QLatin1Char('\n'))));
-    QVERIFY(!warned || found.first().startsWith(QLatin1String("warn code-hardware: Touch_")));
-    QVERIFY(settings() == before);
-}
-
-/** Which has stored no image to compare with; never does it get one. */
-void VorncheckTest::virtualUnitVerifiesFirmware()
-{
-    QCOMPARE(virtualunit::set("Firmware.duration", "1000"), std::string());
-    const QStringList tests{QStringLiteral("--only"), QStringLiteral("firmware-file"),
-        QStringLiteral("--only"), QStringLiteral("firmware-missing")};
-    const auto found = findings(check(QStringList{QStringLiteral("--firmware"), image} + tests +
-                                          QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)},
-        0));
-    QCOMPARE(found.size(), 1);
-    QVERIFY2(found.first().startsWith(
-                 QLatin1String("warn firmware-file: Firmware_startSSVerification found error 30")),
-        qPrintable(found.first()));
-}
-
-void VorncheckTest::brokenProfileIsNamed()
-{
-    QCOMPARE(virtualunit::loadProfile("broken"), std::string());
-    QCOMPARE(virtualunit::set("Firmware.duration", "1000"), std::string());
-    const auto found = findings(check(
-        everything() + withoutThreads() + QStringList{QStringLiteral(VORN_DEVICE_LIBRARY)}, 1));
-    const auto all = found.join(QLatin1Char('\n'));
-    // One that only reads, one that sets, one of each other kind.
-    for (const char *named : {"Versions_getFPGAVersion answered 14", "Buzzer_getVolume answered 27",
-             "Touch_getAdvancedSetting(0) answered 14", "Can_setBaudrate(1) refused 125 with 28",
-             "FrontLED_setNrOfPulses refused 3 with 14", "Touch_setMode refused",
-             "Settings_setString(\"VornsettingsGsmPort\") answered 28",
-             "DigIO_setDigIO(0) answered 27", "Backlight_startAutomaticBL answered 15"})
-        QVERIFY2(all.contains(QLatin1String(named)), named);
-}
-
-/** Answers 18 to everything. */
-void VorncheckTest::tinyUnitPasses()
-{
-    const QString library =
-        QStringLiteral(VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
-    const auto found =
-        findings(check(withoutThreads() + QStringList{QStringLiteral("--write"), library}, 0));
-    QCOMPARE(found, QStringList());
-}
-
-void VorncheckTest::tinyUnitIsFound_data()
-{
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("finding");
-    QTest::newRow("texts without an end") << "TINYUNIT_CODE"
-                                          << "0"
-                                          << "fail text-end: Hardware_getMainPcbSerial";
-    QTest::newRow("all bits of a flag") << "TINYUNIT_CODE"
-                                        << "0"
-                                        << "warn flags: Hardware_hasDisplay gave 255";
-    QTest::newRow("sensors without an end") << "TINYUNIT_CODE"
-                                            << "0"
-                                            << "fail sensors: ";
-    QTest::newRow("out values of failures") << "TINYUNIT_TRACES"
-                                            << "1"
-                                            << "fail out-untouched: Hardware_getMainPcbSerial";
-    QTest::newRow("20") << "TINYUNIT_CODE"
-                        << "20"
-                        << "fail code-20: Hardware_getMainPcbSerial";
-}
-
-void VorncheckTest::tinyUnitIsFound()
-{
-    QFETCH(QString, variable);
-    QFETCH(QString, value);
-    QFETCH(QString, finding);
-    environment.insert(variable, value);
-    const QString library =
-        QStringLiteral(VORN_TINYUNIT_DIR "/" VORN_LIBRARY_PREFIX "VornAux2" VORN_LIBRARY_SUFFIX);
-    const auto test = finding.section(QLatin1Char(' '), 1).section(QLatin1Char(':'), 0, 0);
-    const auto found = findings(check({QStringLiteral("--only"), test, library},
-        finding.startsWith(QLatin1String("fail")) ? 1 : 0));
-    QCOMPARE(found.size(), 1);
-    QVERIFY2(found.first().startsWith(finding), qPrintable(found.first()));
-}
-
-/** A parent may have told the system to forget how children end. */
-void VorncheckTest::hearsOfEndsThatItsParentIgnores()
-{
-#ifdef Q_OS_WIN
-    QSKIP("Windows has no signals");
-#else
-    QProcess tool;
-    tool.start(QStringLiteral("env"),
-        {QStringLiteral("--ignore-signal=CHLD"), QStringLiteral(VORN_BIN_DIR "/vorncheck"),
-            QStringLiteral("--only"), QStringLiteral("functions"),
-            brokenUnit(QStringLiteral("goodunit"))});
-    const auto outcome = ended(tool);
-    QCOMPARE(outcome.exitCode, 0);
-    QVERIFY2(outcome.out.startsWith(QLatin1String("PASS functions\n")), qPrintable(outcome.out));
-#endif
-}
-
-void VorncheckTest::putsBackWhenInterrupted()
-{
-#ifdef Q_OS_WIN
-    QSKIP("nobody can end a program on Windows in a way that it notices, but on its console");
-#else
-    const auto before = settings();
-    QCOMPARE(virtualunit::setDelay("Buzzer_setVolume", 300), std::string());
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        QProcess tool;
-        tool.setProcessEnvironment(environment);
-        tool.start(QStringLiteral(VORN_BIN_DIR "/vorncheck"),
-            {QStringLiteral("--write"), QStringLiteral("--only"), QStringLiteral("write-values"),
-                QStringLiteral(VORN_DEVICE_LIBRARY)});
-        QVERIFY(tool.waitForStarted(patience));
-        // Somewhere amid the volumes.
-        QTRY_VERIFY_WITH_TIMEOUT(
-            settings() != before && settings().at("Buzzer.volume") != before.at("Buzzer.volume"),
-            patience);
-        ::kill(static_cast<pid_t>(tool.processId()), signal);
-        QVERIFY(tool.waitForFinished(patience));
-        QCOMPARE(tool.exitStatus(), QProcess::CrashExit); // as the signal wants it
-        QVERIFY(settings() == before);
-    }
-#endif
-}
-
-/** The test's process is killed then, so another one puts things back. */
-void VorncheckTest::putsBackAfterAnEndlessCall()
-{
-    const auto before = settings();
-    // Reads pass, so that it begins; the third write of one test then never comes back in time.
-    QCOMPARE(virtualunit::setDelay("Buzzer_setTrigger", 5'000), std::string());
-    const auto found =
-        findings(check({QStringLiteral("--write"), QStringLiteral("--call-limit"),
-                           QStringLiteral("1"), QStringLiteral("--only"),
-                           QStringLiteral("write-values"), QStringLiteral(VORN_DEVICE_LIBRARY)},
-            1));
-    QCOMPARE(found.size(), 1);
-    QVERIFY2(found.first().contains(QLatin1String("no answer within 1 s from Buzzer_setTrigger")),
-        qPrintable(found.first()));
-    QVERIFY(settings() == before);
-}
-
-void VorncheckTest::skeletonKeepsTheContract_data()
-{
-    QTest::addColumn<QString>("compiler");
-    QTest::addColumn<bool>("runs");
-    QTest::newRow("gcc, C99") << "gcc -std=c99 -Wmissing-prototypes -fPIC" << true;
-    QTest::newRow("gcc, C++17") << "g++ -std=c++17 -x c++ -fPIC" << true;
-    QTest::newRow("clang, C99") << "clang -std=c99 -fPIC" << false;
-    QTest::newRow("clang, C++17") << "clang++ -std=c++17 -x c++ -fPIC" << false;
-    QTest::newRow("MinGW, C99") << "x86_64-w64-mingw32-gcc -std=c99" << false;
-    QTest::newRow("MinGW, C++17") << "x86_64-w64-mingw32-g++ -std=c++17 -x c++" << false;
-}
-
-/** Compiles without a warning, passes, and the program makes its report on it. */
-void VorncheckTest::skeletonKeepsTheContract()
-{
-#ifdef Q_OS_WIN
-    QSKIP("no compiler to be found on Windows");
-#else
-    QFETCH(QString, compiler);
-    QFETCH(bool, runs);
-    auto words = compiler.split(QLatin1Char(' '));
-    const auto name = words.takeFirst();
-    if (QStandardPaths::findExecutable(name).isEmpty())
-        QSKIP("this compiler is not installed");
-    QProcess tool;
-    const auto source = folder->filePath(QStringLiteral("unit.c"));
-    tool.setStandardOutputFile(source);
-    tool.start(QStringLiteral(VORN_BIN_DIR "/vornunit"), {QStringLiteral("skeleton")});
-    QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
-    const auto library = folder->filePath(QStringLiteral("libVornAux2.so"));
-    QProcess build;
-    build.start(
-        name, words + QStringList{QStringLiteral("-Wall"), QStringLiteral("-Wextra"),
-                          QStringLiteral("-Wpedantic"), QStringLiteral("-Wconversion"),
-                          QStringLiteral("-Wshadow"), QStringLiteral("-Werror"),
-                          QStringLiteral("-shared"), QStringLiteral("-I" VORN_SOURCE_DIR "/frame"),
-                          QStringLiteral("-o"), library, source});
-    QVERIFY(build.waitForFinished(patience));
-    QCOMPARE(QString::fromUtf8(build.readAllStandardError()), QString());
-    QCOMPARE(build.exitCode(), 0);
-    if (!runs)
-        return;
-    const auto tests =
-        words.contains(QStringLiteral("-std=c99")) ? QStringList() : withoutThreads();
-    QCOMPARE(
-        findings(check(tests + QStringList{QStringLiteral("--write"), library}, 0)), QStringList());
-
-    QProcess program;
-    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), folder->path());
-    program.setProcessEnvironment(environment);
-    const auto report = folder->filePath(QStringLiteral("report.txt"));
-    program.start(
-        QStringLiteral(VORN_BIN_DIR "/VornSettings"), {QStringLiteral("--systemreport"), report});
-    QVERIFY(program.waitForFinished(patience) && program.exitCode() == 0);
-    QFile file(report);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("Not supported by this unit or its firmware"));
-#endif
-}
 
 QTEST_GUILESS_MAIN(VorncheckTest)
 #include "tst_vorncheck.moc"
