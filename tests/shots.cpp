@@ -155,6 +155,7 @@ int main(int argc, char *argv[])
         return EXIT_FAILURE;
     }
     setApplicationLook();
+    QApplication::setCursorFlashTime(0); // else it is a matter of luck whether a field shows one
     require(virtualunit::open(":memory:"));
     Camera camera(directory);
     takeAll(camera);

@@ -42,6 +42,9 @@ void walk(QAccessibleInterface *from, const std::function<void(QAccessibleInterf
         QAccessibleInterface *child = from->child(i);
         if (!child || child->state().invisible)
             continue;
+        const auto *widget = qobject_cast<const QWidget *>(child->object());
+        if (widget && !widget->isVisible()) // to Qt 5 a closed list is there
+            continue;
         visit(child);
         walk(child, visit);
     }

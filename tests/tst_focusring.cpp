@@ -234,7 +234,9 @@ private slots:
         QMessageBox box(QMessageBox::Question, "Title"_s, "Text"_s,
             QMessageBox::Yes | QMessageBox::No, &window);
         dialogs.plan([&box](QDialog *) {
+            box.activateWindow();
             QVERIFY(QTest::qWaitForWindowActive(&box));
+            QTRY_COMPARE(QApplication::activeWindow(), &box);
             QAbstractButton *yes = box.button(QMessageBox::Yes);
             QAbstractButton *no = box.button(QMessageBox::No);
             QCOMPARE(faultOf(yes, no), QString());

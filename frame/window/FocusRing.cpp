@@ -1,8 +1,9 @@
 #include "frame/window/FocusRing.h"
 
 #include <QAbstractItemView>
+#include <QAbstractSpinBox>
 #include <QApplication>
-#include <QLineEdit>
+#include <QComboBox>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPushButton>
@@ -39,11 +40,21 @@ QRect ringedPlace(const QWidget *focus, const QWidget *part)
     return part->rect();
 }
 
+/** Whether the style sheet rounds its corners. */
+bool isRound(const QWidget *focus)
+{
+    return qobject_cast<const QAbstractButton *>(focus) || qobject_cast<const QComboBox *>(focus) ||
+           qobject_cast<const QAbstractSpinBox *>(focus) ||
+           qobject_cast<const QAbstractSlider *>(focus) ||
+           (qobject_cast<const QAbstractScrollArea *>(focus) &&
+               !qobject_cast<const QAbstractItemView *>(focus));
+}
+
 double cornerOf(const QWidget *focus)
 {
     if (qobject_cast<const QTabBar *>(focus))
         return tabCorner;
-    if (qobject_cast<const QLineEdit *>(focus) || qobject_cast<const QAbstractItemView *>(focus))
+    if (!isRound(focus))
         return 0;
     const auto *button = qobject_cast<const QPushButton *>(focus);
     const bool picture =
