@@ -106,8 +106,16 @@ void Tone::setFrequency(std::uint16_t hertz)
     const auto device = find();
     if (hertz < lowest || hertz > highest)
         throw Failure{ValueOutOfRange, {}};
+    bool sounds = false;
+    try {
+        sounds = isSounding();
+    } catch (const Failure &failure) {
+        // Whoever can't be asked doesn't sound by us; the next tone has the new frequency.
+        if (failure.kind != NotAvailable)
+            throw;
+    }
     Store().setNumber(keptFrequency, hertz);
-    if (isSounding())
+    if (sounds)
         sendTone(device.node, hertz);
 }
 
