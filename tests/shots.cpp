@@ -1,18 +1,25 @@
-/* Pictures of the real window on the virtual unit, for the documents and for whoever changes the
- * look: vornshots DIR. Each run gives the same pictures, on any desktop and without one. */
+/* Pictures of the real window on the virtual unit, for the documents, for whoever changes the look,
+ * and for tests. Each run gives the same pictures, on any desktop and without one. */
 
+#include "frame/WaitNotice.h"
 #include "frame/tabDlg.h"
 #include "frame/window/TabIndex.h"
 #include "frame/window/VornSettings.h"
 #include "frame/window/graphicalMode.h"
+#include "frame/window/startOnDisplay.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/pages.h"
 #include "virtualunit/VirtualUnit.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QPainter>
+#include <QScreen>
 #include <QSlider>
 #include <QTabWidget>
+#include <QTemporaryFile>
 
 #include <cstdio>
 
@@ -44,11 +51,24 @@ QString fileWord(const QString &caption)
     return caption.toLower().replace(others, QStringLiteral("-"));
 }
 
+/** What is taken. */
+struct Order {
+    QString folder;
+    QString page;  ///< name of its pictures, all pages if empty
+    QString state; ///< "focus", "list", "box", "busy", or empty
+    QSize screen;  ///< pictures of all of it, in pixels; of the window alone if empty
+    QString scale; ///< QT_SCALE_FACTOR, empty to leave it
+};
+
+constexpr char usage[] =
+    "usage: vornshots [--page NAME] [--state focus|list|box|busy] [--screen WxH] [--scale F] DIR\n";
+
 class Camera
 {
 public:
-    explicit Camera(const QString &directory)
-        : folder(directory)
+    explicit Camera(Order what)
+        : order(std::move(what))
+        , folder(order.folder)
     {}
 
     void take(const QPixmap &picture, const QString &name)
@@ -63,6 +83,8 @@ public:
     void takePage(VornSettings &window, int index)
     {
         const QString name = QLatin1String(support::pageAt(index).shot);
+        if (!order.page.isEmpty() && order.page != name)
+            return;
         window.showTab(index);
         auto *page = visiblePage(window);
         auto *tabs = page ? page->findChild<QTabWidget *>() : nullptr;
@@ -80,18 +102,11 @@ public:
     {
         require(virtualunit::setFault("Backlight_setIntensity", deviceFault));
         window.showTab(displayTab);
+        QTest::qWait(settleTime);
         auto *level = visiblePage(window)->findChild<QSlider *>();
         dialogs.plan([&](QDialog *box) {
-            QPixmap picture = window.grab();
-            QPainter painter(&picture);
-            const QPixmap front = box->grab();
-            QRect place = box->rect();
-            place.moveCenter(window.rect().center());
-            painter.drawPixmap(place.topLeft(), front);
-            painter.setPen(Qt::black);
-            painter.drawRect(place);
-            painter.end();
-            take(picture, QStringLiteral("error"));
+            box->move(window.geometry().center() - box->rect().center());
+            take(seen(window, box), QStringLiteral("error"));
             box->reject();
         });
         if (level)
@@ -111,32 +126,139 @@ private:
         return nullptr;
     }
 
+    /** The window, on its screen if one was asked for, and what stands in front of it. */
+    QPixmap seen(VornSettings &window, QWidget *front = nullptr) const
+    {
+        const QPixmap whole = window.grab();
+        QPixmap picture = whole;
+        QPoint origin = window.geometry().topLeft();
+        if (!order.screen.isEmpty()) {
+            const QRect screen = window.screen()->geometry();
+            picture = QPixmap(order.screen);
+            picture.setDevicePixelRatio(window.devicePixelRatio());
+            picture.fill(Qt::black);
+            origin = screen.topLeft();
+        }
+        QPainter painter(&picture);
+        painter.drawPixmap(window.geometry().topLeft() - origin, whole);
+        if (front) {
+            const QRect place(front->geometry().topLeft() - origin, front->size());
+            painter.drawPixmap(place.topLeft(), front->grab());
+            painter.setPen(Qt::black);
+            painter.drawRect(place);
+        }
+        return picture;
+    }
+
     void takeSettled(VornSettings &window, const QString &name)
     {
         QTest::qWait(settleTime);
-        take(window.grab(), name);
+        if (order.state.isEmpty())
+            take(seen(window), name);
+        else if (order.state == QLatin1String("focus"))
+            takeFocus(window, name + QStringLiteral("-focus"));
+        else if (order.state == QLatin1String("list"))
+            takeLists(window, name + QStringLiteral("-list"));
+        else if (order.state == QLatin1String("busy"))
+            takeBusy(window, name + QStringLiteral("-busy"));
     }
 
+    /** With the focus on each of the page's controls that a key reaches. */
+    void takeFocus(VornSettings &window, const QString &name)
+    {
+        const tabDlg *page = visiblePage(window);
+        window.activateWindow();
+        for (auto *control : page->findChildren<QWidget *>()) {
+            if (!(control->focusPolicy() & Qt::TabFocus) || !control->isVisible() ||
+                !control->isEnabled() || control->objectName().startsWith(QLatin1String("qt_")))
+                continue;
+            control->setFocus(Qt::TabFocusReason);
+            take(seen(window), name + QLatin1Char('-') + control->objectName());
+        }
+    }
+
+    /** Each drop-down list of the page, open. */
+    void takeLists(VornSettings &window, const QString &name)
+    {
+        for (auto *box : visiblePage(window)->findChildren<QComboBox *>()) {
+            if (!box->isVisible() || !box->isEnabled())
+                continue;
+            box->showPopup();
+            QTest::qWait(settleTime);
+            take(seen(window, box->view()->window()), name + QLatin1Char('-') + box->objectName());
+            box->hidePopup();
+        }
+    }
+
+    void takeBusy(VornSettings &window, const QString &name)
+    {
+        const WaitNotice notice(visiblePage(window), settleTime);
+        take(seen(window), name);
+    }
+
+    Order order;
     QDir folder;
 };
 
-void takeAll(Camera &camera)
+void takeAll(Camera &camera, const Order &order)
 {
     support::Dialogs dialogs;
     useProfile("full");
+    const bool all = order.page.isEmpty() && order.state.isEmpty() && order.screen.isEmpty();
     {
         VornSettings window;
-        window.show();
-        for (int index = menuTab; index < tabCount; ++index)
+        showOnScreen(window);
+        for (int index = menuTab; index < tabCount && order.state != QLatin1String("box"); ++index)
             camera.takePage(window, index);
-        camera.takeError(window, dialogs);
+        if (all || order.state == QLatin1String("box"))
+            camera.takeError(window, dialogs);
     }
+    if (!all)
+        return;
     for (const std::string &profile : virtualunit::profiles()) {
         useProfile(profile);
         VornSettings window;
-        window.show();
+        showOnScreen(window);
         camera.take(window.grab(), QStringLiteral("menu-") + QString::fromStdString(profile));
     }
+}
+
+/** Nothing if the arguments can't be understood. */
+std::optional<Order> orderOf(const QStringList &arguments)
+{
+    static const QStringList states{QString(), QStringLiteral("focus"), QStringLiteral("list"),
+        QStringLiteral("box"), QStringLiteral("busy")};
+    static const QRegularExpression size(QStringLiteral("^([1-9]\\d{2,3})x([1-9]\\d{2,3})$"));
+    QCommandLineParser parser;
+    for (const char *name : {"page", "state", "screen", "scale"})
+        parser.addOption({QString::fromLatin1(name), QString(), QString::fromLatin1(name)});
+    if (!parser.parse(arguments) || parser.positionalArguments().size() != 1)
+        return std::nullopt;
+    Order order{parser.positionalArguments().constFirst(), parser.value(QStringLiteral("page")),
+        parser.value(QStringLiteral("state")), {}, parser.value(QStringLiteral("scale"))};
+    const QString screen = parser.value(QStringLiteral("screen"));
+    const auto match = size.match(screen);
+    if (match.hasMatch())
+        order.screen = QSize(match.captured(1).toInt(), match.captured(2).toInt());
+    bool isNumber = order.scale.isEmpty();
+    if (!isNumber)
+        order.scale.toDouble(&isNumber);
+    if (!isNumber || match.hasMatch() == screen.isEmpty() || !states.contains(order.state))
+        return std::nullopt;
+    return order;
+}
+
+/** Writes what the offscreen platform reads about its screen; Qt 5 has one screen alone. */
+void makeScreen(QTemporaryFile &file, QSize size)
+{
+    const QString text = QStringLiteral("{\"screens\":[{\"name\":\"screen\",\"x\":0,\"y\":0,"
+                                        "\"width\":%1,\"height\":%2,\"logicalDpi\":96,"
+                                        "\"logicalBaseDpi\":96,\"dpr\":1}]}")
+                             .arg(size.width())
+                             .arg(size.height());
+    if (!file.open() || file.write(text.toUtf8()) < 0 || !file.flush())
+        require("cannot write what the screen is like");
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(file.fileName()));
 }
 
 } // namespace
@@ -144,20 +266,30 @@ void takeAll(Camera &camera)
 int main(int argc, char *argv[])
 {
     support::prepareEnvironment();
-    QApplication application(argc, argv);
-    if (argc != 2) {
-        std::fputs("usage: vornshots DIR\n", stderr);
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const auto order = orderOf(arguments);
+    if (!order) {
+        std::fputs(usage, stderr);
         return 2;
     }
-    const QString directory = QString::fromLocal8Bit(argv[1]);
-    if (!QDir().mkpath(directory)) {
-        std::fprintf(stderr, "vornshots: cannot make %s\n", argv[1]);
+    QTemporaryFile screen;
+    if (!order->screen.isEmpty())
+        makeScreen(screen, order->screen);
+    if (!order->scale.isEmpty())
+        qputenv("QT_SCALE_FACTOR", order->scale.toLatin1());
+    int count = 1;
+    std::optional<QApplication> application;
+    startOnDisplay(application, count, argv, VornSettings::wholeSize);
+    if (!QDir().mkpath(order->folder)) {
+        std::fprintf(stderr, "vornshots: cannot make %s\n", qPrintable(order->folder));
         return EXIT_FAILURE;
     }
     setApplicationLook();
     QApplication::setCursorFlashTime(0); // else it is a matter of luck whether a field shows one
     require(virtualunit::open(":memory:"));
-    Camera camera(directory);
-    takeAll(camera);
+    Camera camera(*order);
+    takeAll(camera, *order);
     return camera.failed ? EXIT_FAILURE : EXIT_SUCCESS;
 }

@@ -110,7 +110,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(isInTheMiddle(server), patience);
         click(server, exitButton);
         QTRY_VERIFY_WITH_TIMEOUT(session.hasEnded(), patience);
-        QCOMPARE(session.process.exitCode(), 0);
     }
 
     // Weston's window on an X server of that size stands for the screen.
@@ -134,7 +133,6 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(isInTheMiddle(server), patience);
         click(server, exitButton);
         QTRY_VERIFY_WITH_TIMEOUT(program.hasEnded(), patience);
-        QCOMPARE(program.process.exitCode(), 0);
     }
 };
 

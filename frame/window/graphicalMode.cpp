@@ -37,18 +37,6 @@ QPalette lightPalette()
     return palette;
 }
 
-/** In the middle of the screen, where the window system lets programs choose; smaller only on a
- *  screen that has no room for all of it. */
-void placeOnScreen(QWidget &window)
-{
-    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect place(QPoint(), VornSettings::wholeSize.boundedTo(room.size()));
-    place.moveCenter(room.center());
-    if (place.size() != window.size())
-        window.setFixedSize(place.size());
-    window.move(place.topLeft());
-}
-
 } // namespace
 
 void setApplicationLook()
@@ -58,6 +46,17 @@ void setApplicationLook()
     QFont font(QStringLiteral("Arial"));
     font.setPixelSize(textPixels);
     QApplication::setFont(font);
+}
+
+void showOnScreen(QWidget &window)
+{
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect place(QPoint(), VornSettings::wholeSize.boundedTo(room.size()));
+    place.moveCenter(room.center());
+    if (place.size() != window.size())
+        window.setFixedSize(place.size());
+    window.move(place.topLeft());
+    window.show();
 }
 
 int runGraphicalMode(int &argc, char **argv)
@@ -77,7 +76,6 @@ int runGraphicalMode(int &argc, char **argv)
         window.setWindowFlags(flags);
     else
         window.overrideWindowFlags(flags);
-    placeOnScreen(window);
-    window.show();
+    showOnScreen(window);
     return QApplication::exec();
 }
