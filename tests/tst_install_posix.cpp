@@ -123,7 +123,7 @@ private slots:
     void treeRunsWhereItLies()
     {
         const QTemporaryDir prefix;
-        QCOMPARE(installed(prefix, {}).size(), 19);
+        QVERIFY(installed(prefix, {}).contains("bin/VornSettings"_s));
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VORN_UNIT"_s, ":memory:"_s);
