@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <set>
+#include <unistd.h>
 
 using support::LinuxUnit;
 using support::MockBus;
@@ -94,6 +95,8 @@ private slots:
     void busDiesAndComesBack();
     void shutDown_data();
     void shutDown();
+    void suspendTime();
+    void brightnessWithoutRights();
     void firmwareIsInstalled();
     void firmwareRefused_data();
     void firmwareRefused();
@@ -294,6 +297,41 @@ void LinuxServicesTest::shutDown()
     QTEST(kindOf(answer), "kind");
     QTEST(unit->textOf(answer), "text");
     QTRY_VERIFY(bus->calls().contains("PowerOff False"));
+}
+
+void LinuxServicesTest::suspendTime()
+{
+    QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
+    const QByteArray logind =
+        "logind = service('org.freedesktop.login1', '/org/freedesktop/login1', "
+        "'org.freedesktop.login1.Manager')\n"
+        "logind.AddMethod('', 'CanSuspend', '', '";
+    bus->play(logind + "s', 'ret = \"challenge\"')");
+    QCOMPARE(call("Config_getSuspendMaxTime").numbers, std::vector<double>{0});
+    QCOMPARE(call("Config_setSuspendMaxTime", {0.0}).code, 0);
+    QCOMPARE(kindOf(call("Config_setSuspendMaxTime", {5.0})), 109);
+    bus->play(logind + "s', 'ret = \"na\"')");
+    QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
+    bus->play(logind + "i', 'ret = 1')");
+    QCOMPARE(kindOf(call("Config_getSuspendMaxTime")), 104);
+}
+
+void LinuxServicesTest::brightnessWithoutRights()
+{
+    if (::geteuid() == 0)
+        QSKIP("root may write anywhere");
+    const auto folder = "/sys/class/backlight/panel"_s;
+    unit->write(folder + "/max_brightness"_s, "255\n");
+    unit->write(folder + "/brightness"_s, "100\n");
+    QVERIFY(QFile::setPermissions(unit->path(folder + "/brightness"_s), QFile::ReadOwner));
+    const auto answer = call("Backlight_setIntensity", {10.0});
+    QCOMPARE(kindOf(answer), 101);
+    QVERIFY(unit->textOf(answer).contains("/sys/class/backlight/panel/brightness; "));
+    bus->play("session = service('org.freedesktop.login1', '/org/freedesktop/login1/session/auto', "
+              "'org.freedesktop.login1.Session')\n"
+              "session.AddMethod('', 'SetBrightness', 'ssu', '', '')");
+    QCOMPARE(call("Backlight_setIntensity", {10.0}).code, 0);
+    QTRY_VERIFY(bus->calls().contains("SetBrightness \"backlight\" \"panel\" 10"));
 }
 
 FirmwareUpgradeStatus LinuxServicesTest::firmwareStatus()

@@ -51,6 +51,7 @@ void endConnection()
     {
         const std::lock_guard lock(all.mutex);
         old = std::move(all.connection);
+        all.sources.clear();
     }
     // Its thread hands over what it has, which takes the mutex.
     old.reset();

@@ -29,26 +29,6 @@ std::string address()
     return given ? given : "unix:path=" + rooted("/run/dbus/system_bus_socket");
 }
 
-/** Services that have answered in this process: when they go they were there. */
-struct Known {
-    std::mutex mutex;
-    std::set<std::string> services;
-};
-
-/** Never destroyed: threads may still call while the process ends. */
-Known &known()
-{
-    static auto *const only = new Known;
-    return *only;
-}
-
-void remember(const std::string &service)
-{
-    auto &all = known();
-    const std::lock_guard lock(all.mutex);
-    all.services.insert(service);
-}
-
 bool isOneOf(const char *name, std::initializer_list<std::string_view> names)
 {
     return std::find(names.begin(), names.end(), name) != names.end();
@@ -263,9 +243,7 @@ void Connection::disconnect()
 /** What the machine hasn't got, or has no more. */
 Failure Connection::absent(const std::string &service) const
 {
-    auto &all = known();
-    const std::lock_guard lock(all.mutex);
-    return {all.services.contains(service) ? NotAvailable : NotSupported, {}};
+    return {known.contains(service) ? NotAvailable : NotSupported, {}};
 }
 
 void Connection::send(const std::shared_ptr<Pending> &pending)
@@ -308,14 +286,14 @@ int Connection::takeReply(sd_bus_message *message, void *given)
     auto &owner = *pending->owner;
     const auto *error = sd_bus_message_get_error(message);
     if (!error) {
-        remember(pending->call.service);
+        owner.known.insert(pending->call.service);
         owner.finish(pending, bodyOf(message), std::nullopt);
     } else if (meansAbsence(*error)) {
         owner.finish(pending, {}, owner.absent(pending->call.service));
     } else if (meansSilence(*error)) {
         owner.finish(pending, {}, Failure{NotAvailable, {}});
     } else {
-        remember(pending->call.service);
+        owner.known.insert(pending->call.service);
         owner.finish(pending, {}, refusal(pending->call, *error));
     }
     return 0;

@@ -67,6 +67,7 @@ private:
     sd_bus *bus = nullptr;
     std::set<std::shared_ptr<Pending>> pendings;
     std::set<std::shared_ptr<Watched>> watches;
+    std::set<std::string> known; ///< services that have answered: when they go they were there
 
     std::thread thread;
 };

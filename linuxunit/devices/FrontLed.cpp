@@ -1,7 +1,7 @@
 #include "linuxunit/devices/FrontLed.h"
 
 #include "linuxunit/calls/Failure.h"
-#include "linuxunit/kernel/brightness.h"
+#include "linuxunit/devices/brightness.h"
 #include "linuxunit/kernel/files.h"
 #include "linuxunit/machine/Machine.h"
 #include "linuxunit/store/Store.h"

@@ -2,7 +2,7 @@
 
 #include "linuxunit/calls/Failure.h"
 #include "linuxunit/kernel/Reading.h"
-#include "linuxunit/kernel/brightness.h"
+#include "linuxunit/devices/brightness.h"
 #include "linuxunit/machine/Machine.h"
 
 #include <algorithm>
