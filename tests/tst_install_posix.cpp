@@ -42,19 +42,12 @@ private slots:
         const QStringList program{"bin/VornSettings"_s};
         const QStringList unit{"bin/TouchCalibrator.exe"_s, "bin/vornunit"_s, "lib/libCgos.so"_s,
             "lib/libVornAux2.so"_s, "lib/libjida.so"_s};
-<<<<<<< HEAD
         const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vornskeleton"_s,
             "bin/vorntrace"_s, "lib/vorntrace/libvorntrace.so"_s};
         const QStringList devel{"include/VornAux2.h"_s, "lib/cmake/VornAux2/VornAux2Config.cmake"_s,
             "lib/cmake/VornAux2/VornAux2ConfigVersion.cmake"_s, "lib/pkgconfig/VornAux2.pc"_s};
-        const QStringList computer{"bin/vornaux-probe"_s, "lib/linuxunit/libVornAux2.so"_s,
-=======
-        const QStringList tools{"bin/vorncheck"_s, "bin/vornreport"_s, "bin/vorntrace"_s,
-            "lib/vorntrace/libvorntrace.so"_s};
-        const QStringList devel{"include/VornAux2.h"_s, "lib/pkgconfig/VornAux2.pc"_s};
         const QStringList computer{"bin/vornaux-counter"_s, "bin/vornaux-probe"_s,
             "lib/linuxunit/libVornAux2.so"_s, "lib/systemd/system/vornaux-counter.service"_s,
->>>>>>> c6906c1 (linuxunit: count run time, temperatures and power cycles by a service)
             "lib/udev/rules.d/70-vornaux.rules"_s, "share/vornaux/unit.schema.json"_s};
         QStringList all = program + unit + tools + devel + computer;
         all.sort();
