@@ -70,6 +70,15 @@ private:
         return server->screenPicture().pixelColor(2, screen.height() - 2).lightness() > 20;
     }
 
+    /** It draws its keys one after the other, and later on a busy machine. */
+    bool isKeyboardReady() const
+    {
+        const QRect keyboard(0, keyboardTop, screen.width(), screen.height() - keyboardTop);
+        const QImage before = server->screenPicture().copy(keyboard);
+        QTest::qWait(settleTime);
+        return server->screenPicture().copy(keyboard) == before;
+    }
+
     /** What can be seen above a keyboard. */
     QImage rest() const { return server->screenPicture().copy(0, 0, screen.width(), keyboardTop); }
 
@@ -85,7 +94,7 @@ private:
     {
         session->click(field);
         QTRY_VERIFY_WITH_TIMEOUT(isKeyboardUp(), patience);
-        QTest::qWait(settleTime); // the keyboard draws its keys one after the other
+        QTRY_VERIFY_WITH_TIMEOUT(isKeyboardReady(), patience);
         for (int i = 0; i < rubouts; ++i)
             tap(keys.rubout);
         for (; *text; ++text) {
