@@ -578,9 +578,12 @@ private:
     }
 
     /** While it is waited for, the next ones are checked on the other cores, and those that mostly
-     * wait. */
+     * wait; unless the command line names the libraries to be checked. */
     Outcome outcomeOf(const Broken &broken)
     {
+        start(broken);
+        if (!QCoreApplication::arguments().filter("brokenLibraryIsFound:"_s).isEmpty())
+            return ended(running.at(broken.library).tool);
         for (const auto &other : brokenLibraries) {
             if (other.waits)
                 start(other);
