@@ -11,7 +11,7 @@ class XSession
 {
 public:
     /** With a window manager on the server, that gives the keys to the program's windows. */
-    static constexpr int patience = 20'000; // milliseconds
+    static constexpr int patience = 60'000; // milliseconds, on a slow machine
 
     explicit XSession(const support::XServer &xServer, bool isManaged = false)
         : server(xServer)
