@@ -80,7 +80,9 @@ void VorntracePosixTest::exitCode_passesThrough()
 void VorntracePosixTest::signal_endsTheToolAsTheProgram()
 {
     // A sanitizer in the tracer would take the shell's SEGV for a finding.
-    tree->environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("handle_segv=0"));
+    const auto name = QStringLiteral("ASAN_OPTIONS");
+    tree->environment.insert(
+        name, tree->environment.value(name) + QStringLiteral(":handle_segv=0"));
     for (const char *signal : {"SEGV", "KILL", "TERM", "ABRT"}) {
         const auto script = QByteArray("kill -") + signal + " $$";
         const auto run =
