@@ -658,7 +658,8 @@ private slots:
     /** A second look at everything, which a new style sheet brings, finds nothing left to do. */
     void pagesShowTheirWholeLook()
     {
-        QApplication::setCursorFlashTime(0); // else it is a matter of luck whether a field shows one
+        QApplication::setCursorFlashTime(
+            0); // else it is a matter of luck whether a field shows one
         VornSettings window;
         window.show();
         QVERIFY(QTest::qWaitForWindowActive(&window));

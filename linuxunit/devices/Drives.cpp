@@ -163,7 +163,7 @@ std::string blockName(const json &objects, const Drive &drive)
         if (!interfaces.is_object() || !interfaces.contains(blockType) ||
             valueOf(interfaces[blockType], "Drive", std::string()) != drive.path)
             continue;
-        const auto name = path.substr(path.rfind('/') + 1);
+        auto name = path.substr(path.rfind('/') + 1);
         if (exists("/sys/block/" + name + "/device/life_time"))
             return name;
     }

@@ -1,8 +1,8 @@
 #include "linuxunit/devices/Panel.h"
 
 #include "linuxunit/calls/Failure.h"
-#include "linuxunit/kernel/Reading.h"
 #include "linuxunit/devices/brightness.h"
+#include "linuxunit/kernel/Reading.h"
 #include "linuxunit/machine/Machine.h"
 
 #include <algorithm>
