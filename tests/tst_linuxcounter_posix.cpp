@@ -117,7 +117,7 @@ void LinuxCounterTest::serviceRefuses()
     QCOMPARE(QProcess::execute(program, {"--interval"_s, "61"_s}), 2);
     unit->write("/var/lib/vornaux"_s, "no folder");
     QProcess service;
-    service.start(program, {});
+    service.start(program, QStringList());
     QVERIFY(service.waitForFinished());
     QCOMPARE(service.exitCode(), 1);
     QVERIFY2(service.readAllStandardError().contains("counters.db can't be used: "), "no reason");
