@@ -205,7 +205,7 @@ void VorntracePosixTest::replay_findsScriptsAndPaths()
         QStringLiteral("PATH"), QStringLiteral(VORN_TEST_PROGRAMS ":/usr/bin:/bin"));
     for (const auto &command : {QStringList{QStringLiteral("unitwriter"), QStringLiteral("count"),
                                     QStringLiteral("key"), QStringLiteral("1")},
-             shell("exec unitwriter count key 1").mid(1)}) {
+             QStringList(shell("exec unitwriter count key 1").mid(1))}) {
         const auto run =
             tree->runOther(tool, QStringList{QStringLiteral("replay"), QStringLiteral("--strict"),
                                      QStringLiteral("trace"), QStringLiteral("--")} +
