@@ -442,9 +442,9 @@ private slots:
         QScrollBar *bar = page.info->verticalScrollBar();
         QVERIFY2(bar->maximum() > 100'000, qPrintable(QString::number(bar->maximum())));
         bar->setValue(50'000);
-        QCOMPARE(bar->value(), 50'000);
+        QVERIFY(qAbs(bar->value() - 50'000) <= 1); // Qt 5 takes the next line
         bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
-        QVERIFY(bar->value() > 50'000 && bar->value() < 50'100);
+        QVERIFY(bar->value() > 50'001 && bar->value() < 50'100);
         bar->setValue(bar->maximum());
         const QPoint bottom = page.info->viewport()->rect().bottomLeft();
         const int left = page.info->document()->characterCount() -
