@@ -1,3 +1,4 @@
+#include "frame/qtVersions.h"
 #include "frame/window/VornSettings.h"
 #include "frame/window/graphicalMode.h"
 #include "frame/window/tabMenuDlg.h"
@@ -898,5 +899,12 @@ private:
     }
 };
 
-VORN_TEST_MAIN(TestMainWindow)
+int main(int argc, char *argv[])
+{
+    support::prepareEnvironment();
+    qtVersions::scaleWithScreen(); // as the program does
+    QApplication application(argc, argv);
+    TestMainWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_mainwindow.moc"
