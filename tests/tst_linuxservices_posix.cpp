@@ -113,8 +113,7 @@ private:
 
 void LinuxServicesTest::initTestCase()
 {
-    if (!MockBus::isPossible())
-        QSKIP("There is no dbus-daemon here, or no python3-dbusmock");
+    QVERIFY2(MockBus::isPossible(), "dbus-daemon or python3-dbusmock of packages.txt is missing");
 }
 
 void LinuxServicesTest::init()
@@ -318,13 +317,16 @@ void LinuxServicesTest::suspendTime()
 
 void LinuxServicesTest::brightnessWithoutRights()
 {
-    if (::geteuid() == 0)
-        QSKIP("root may write anywhere");
     const auto folder = "/sys/class/backlight/panel"_s;
     unit->write(folder + "/max_brightness"_s, "255\n");
     unit->write(folder + "/brightness"_s, "100\n");
     QVERIFY(QFile::setPermissions(unit->path(folder + "/brightness"_s), QFile::ReadOwner));
     const auto answer = call("Backlight_setIntensity", {10.0});
+    if (::geteuid() == 0) { // who may write anywhere, and asks nobody
+        QCOMPARE(answer.code, 0);
+        QVERIFY(!bus->calls().contains("SetBrightness"));
+        return;
+    }
     QCOMPARE(kindOf(answer), 101);
     QVERIFY(unit->textOf(answer).contains("/sys/class/backlight/panel/brightness; "));
     bus->play("session = service('org.freedesktop.login1', '/org/freedesktop/login1/session/auto', "

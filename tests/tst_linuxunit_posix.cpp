@@ -346,13 +346,16 @@ void LinuxUnitTest::spoiltBacklightIsNamed()
 
 void LinuxUnitTest::missingRightsAreNamed()
 {
-    if (::geteuid() == 0)
-        QSKIP("root may write anywhere");
     LinuxUnit unit;
     addPanel(unit, "255\n", "100\n");
     QFile file(unit.path(QLatin1String(panel) + "/brightness"_s));
     QVERIFY(file.setPermissions(QFile::ReadOwner));
     const auto answer = unit.call("Backlight_setIntensity", {3.0});
+    if (::geteuid() == 0) { // who may write anywhere
+        QCOMPARE(answer.code, 0);
+        QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{3});
+        return;
+    }
     QCOMPARE(kindOf(answer), 101);
     QVERIFY2(unit.textOf(answer).startsWith("No permission to write "
                                             "/sys/class/backlight/rpi_backlight/brightness; add "
