@@ -167,7 +167,11 @@ private:
     void takeFocus(VornSettings &window, const QString &name)
     {
         const tabDlg *page = visiblePage(window);
-        window.activateWindow();
+        window.activateWindow(); // which a box that was there has left to be done
+        if (!QTest::qWaitForWindowActive(&window)) {
+            std::fprintf(stderr, "vornshots: the window of %s isn't active\n", qPrintable(name));
+            failed = true;
+        }
         for (auto *control : page->findChildren<QWidget *>()) {
             if (!(control->focusPolicy() & Qt::TabFocus) || !control->isVisible() ||
                 !control->isEnabled() || control->objectName().startsWith(QLatin1String("qt_")))
