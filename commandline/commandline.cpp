@@ -1,7 +1,7 @@
 #include "commandline/commandline.h"
 
 #include "commandline/version.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <CLI/CLI.hpp>
 
@@ -144,12 +144,12 @@ bool matches(std::string_view name, std::string_view filter)
 
 int run(CLI::App &app, int argc, char **argv) noexcept
 {
-    return run(app, virtualunit::system::arguments(argc, argv));
+    return run(app, platform::arguments(argc, argv));
 }
 
 int run(CLI::App &app, std::vector<std::string> arguments) noexcept
 {
-    virtualunit::system::prepareProcess();
+    platform::prepareProcess();
     try {
         return parse(app, std::move(arguments));
     } catch (const Refusal &refusal) {

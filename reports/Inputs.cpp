@@ -1,6 +1,6 @@
 #include "reports/Inputs.h"
 
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <algorithm>
 #include <iostream>
@@ -10,8 +10,8 @@ namespace reports {
 
 namespace {
 
-using virtualunit::system::pathOf;
-using virtualunit::system::textOf;
+using platform::pathOf;
+using platform::textOf;
 namespace fs = std::filesystem;
 
 constexpr std::size_t largest = std::size_t{1} << 20; ///< bytes that are held at once

@@ -1,6 +1,6 @@
 #include "commandline/commandline.h"
 #include "devicetools/check/watch.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -148,7 +148,7 @@ try {
 
 int main(int argc, char **argv)
 {
-    const auto arguments = virtualunit::system::arguments(argc, argv);
+    const auto arguments = platform::arguments(argc, argv);
     if (check::isTestProcess(arguments))
         return check::runTestProcess(arguments);
 

@@ -1,7 +1,7 @@
 #include "devicetools/check/watch.h"
 
 #include "devicetools/check/settings.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <algorithm>
 #include <chrono>
@@ -158,7 +158,7 @@ Watch::Watch(Options given)
     : options(std::move(given))
 {
     // A library may move its process to another folder.
-    using virtualunit::system::pathOf, virtualunit::system::textOf;
+    using platform::pathOf, platform::textOf;
     options.library = textOf(std::filesystem::absolute(pathOf(options.library)));
     if (!options.firmware.empty())
         options.firmware = textOf(std::filesystem::absolute(pathOf(options.firmware)));

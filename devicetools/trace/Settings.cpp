@@ -1,7 +1,7 @@
 #include "devicetools/trace/Settings.h"
 
 #include "devicetools/contract.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <charconv>
 #include <stdexcept>
@@ -98,7 +98,7 @@ std::vector<std::pair<std::string, std::string>> Settings::variables() const
 
 Settings Settings::fromEnvironment()
 {
-    using virtualunit::system::environment;
+    using platform::environment;
     Settings settings;
     settings.replayed = environment("VORNTRACE_REPLAY");
     settings.output = environment("VORNTRACE_OUTPUT");

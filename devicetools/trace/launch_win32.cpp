@@ -1,6 +1,6 @@
 #include "devicetools/trace/launch.h"
 
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <array>
 #include <cstdlib>
@@ -15,8 +15,8 @@ namespace trace {
 
 namespace {
 
-using virtualunit::system::pathOf;
-using virtualunit::system::textOf;
+using platform::pathOf;
+using platform::textOf;
 
 // Of the same length, so that one takes the other's place.
 constexpr char deviceLibrary[] = "VornAux2.dll";

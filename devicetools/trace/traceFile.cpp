@@ -1,6 +1,6 @@
 #include "devicetools/trace/traceFile.h"
 
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <fstream>
 #include <iterator>
@@ -10,7 +10,7 @@ namespace trace {
 
 Trace readFile(const std::string &file)
 {
-    const auto path = virtualunit::system::pathOf(file);
+    const auto path = platform::pathOf(file);
     const auto beginning = "The trace \"" + file + "\"";
     std::error_code error;
     if (std::filesystem::is_directory(path, error))

@@ -5,7 +5,7 @@
 #include "devicetools/trace/format.h"
 #include "devicetools/trace/launch.h"
 #include "devicetools/trace/traceFile.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,10 +16,10 @@
 
 namespace {
 
+using platform::pathOf;
+using platform::textOf;
 using trace::Ending;
 using trace::Settings;
-using virtualunit::system::pathOf;
-using virtualunit::system::textOf;
 
 /** The exit code of --strict. */
 constexpr int notInTrace = 3;
@@ -201,7 +201,7 @@ int main(int argc, char **argv)
     addRecord(app, options);
     addReplay(app, options);
 
-    auto arguments = virtualunit::system::arguments(argc, argv);
+    auto arguments = platform::arguments(argc, argv);
     const auto mark = std::find(arguments.begin(), arguments.end(), "--");
     if (mark != arguments.end())
         options.command.assign(mark + 1, arguments.end());

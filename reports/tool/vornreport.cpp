@@ -1,10 +1,10 @@
 #include "commandline/commandline.h"
+#include "platform/system.h"
 #include "reports/check.h"
 #include "reports/diff.h"
 #include "reports/exchange.h"
 #include "reports/html.h"
 #include "reports/unit.h"
-#include "virtualunit/system/system.h"
 
 #include <CLI/CLI.hpp>
 
@@ -152,7 +152,7 @@ void addDiff(CLI::App &app, Options &options)
 
 std::string fileText(const std::string &name)
 {
-    std::ifstream file(virtualunit::system::pathOf(name), std::ios::binary);
+    std::ifstream file(platform::pathOf(name), std::ios::binary);
     std::ostringstream text;
     if (!file || !(text << file.rdbuf()))
         throw Trouble{name + ": can't be read"};

@@ -1,7 +1,7 @@
 #include "virtualunit/calls/Journal.h"
 
 #include "devicetools/notation.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <atomic>
 #include <cstdio>
@@ -32,7 +32,7 @@ private:
 
     std::atomic<State> state{State::Unknown};
     std::mutex mutex;
-    std::unique_ptr<system::AppendedFile> file;
+    std::unique_ptr<platform::AppendedFile> file;
 };
 
 bool JournalFile::opens()
@@ -42,10 +42,10 @@ bool JournalFile::opens()
     const std::lock_guard lock(mutex);
     if (state != State::Unknown)
         return state == State::Open;
-    const auto path = system::environment("VORN_JOURNAL");
+    const auto path = platform::environment("VORN_JOURNAL");
     std::string reason;
     if (!path.empty())
-        file = system::AppendedFile::open(system::pathOf(path), reason);
+        file = platform::AppendedFile::open(platform::pathOf(path), reason);
     if (!path.empty() && !file)
         std::fprintf(stderr, "The journal \"%s\" can't be written, calls go on without it: %s\n",
             path.c_str(), reason.c_str());

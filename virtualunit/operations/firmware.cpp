@@ -1,7 +1,7 @@
+#include "platform/system.h"
 #include "virtualunit/calls/Operation.h"
 #include "virtualunit/firmware/FirmwareJob.h"
 #include "virtualunit/state/latin1.h"
-#include "virtualunit/system/system.h"
 
 #include <chrono>
 
@@ -123,7 +123,7 @@ DeviceCode start(const char *operation, FirmwareHandle handle, const char *path,
         if (former && former->job.isRunning())
             return JobRunning;
         // Linux file names are UTF-8 by convention: an umlaut is found by its two bytes alone.
-        const auto file = system::pathOf(fromLatin1(path));
+        const auto file = platform::pathOf(fromLatin1(path));
         keep(familyOf<FirmwareDevice>(), handle,
             std::make_shared<Run>(Run{FirmwareJob(controller, kind, file, unit.now())}));
         return Ok;

@@ -1,10 +1,10 @@
 #include "virtualunit/state/Profile.h"
 
+#include "platform/system.h"
 #include "virtualunit/state/Assignment.h"
 #include "virtualunit/state/codes.h"
 #include "virtualunit/state/life.h"
 #include "virtualunit/state/operationNames.h"
-#include "virtualunit/system/system.h"
 
 #include <nlohmann/json.hpp>
 
@@ -34,7 +34,7 @@ std::string profileSource(const std::string &nameOrPath)
         if (nameOrPath == profile->name)
             return profile->text;
     }
-    const auto path = system::pathOf(nameOrPath);
+    const auto path = platform::pathOf(nameOrPath);
     std::error_code error;
     std::ifstream file(path, std::ios::binary);
     if (!file || std::filesystem::is_directory(path, error)) {

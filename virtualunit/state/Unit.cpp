@@ -1,7 +1,7 @@
 #include "virtualunit/state/Unit.h"
 
+#include "platform/system.h"
 #include "virtualunit/state/Profile.h"
-#include "virtualunit/system/system.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -13,18 +13,18 @@ namespace {
 
 std::string defaultPath()
 {
-    auto folder = system::userDataFolder();
+    auto folder = platform::userDataFolder();
     if (folder.empty())
         throw Failure{StateUnavailable, std::string("Neither VORN_UNIT nor ") +
-                                            system::userDataVariable +
+                                            platform::userDataVariable +
                                             " names a place for the unit."};
     folder /= "VornSettings";
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error)
         throw Failure{StateUnavailable,
-            "The folder " + system::textOf(folder) + " can't be made: " + error.message() + "."};
-    return system::textOf(folder / "unit.sqlite");
+            "The folder " + platform::textOf(folder) + " can't be made: " + error.message() + "."};
+    return platform::textOf(folder / "unit.sqlite");
 }
 
 } // namespace
@@ -63,7 +63,7 @@ Unit &Unit::instance()
 std::string Unit::path()
 {
     if (!chosenPath) {
-        const auto named = system::environment("VORN_UNIT");
+        const auto named = platform::environment("VORN_UNIT");
         chosenPath = named.empty() ? defaultPath() : named;
     }
     return *chosenPath;

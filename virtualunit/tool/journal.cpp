@@ -1,7 +1,7 @@
 #include "virtualunit/tool/journal.h"
 
 #include "commandline/commandline.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <chrono>
 #include <cstdint>
@@ -14,7 +14,7 @@
 namespace tool {
 
 using commandline::Refusal;
-using virtualunit::system::pathOf;
+using platform::pathOf;
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include "devicetools/trace/Trace.h"
 #include "devicetools/trace/format.h"
 #include "devicetools/trace/traceFile.h"
+#include "platform/system.h"
 #include "virtualunit/VirtualUnit.h"
-#include "virtualunit/system/system.h"
 #include "virtualunit/tool/lists.h"
 
 #include <algorithm>
@@ -322,7 +322,7 @@ private:
 
 bool isTrace(const std::string &file)
 {
-    const auto path = virtualunit::system::pathOf(file);
+    const auto path = platform::pathOf(file);
     std::error_code error;
     std::ifstream stream(path, std::ios::binary);
     if (!stream || std::filesystem::is_directory(path, error))

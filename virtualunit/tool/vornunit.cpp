@@ -1,8 +1,8 @@
 #include "commandline/commandline.h"
 #include "devicetools/skeleton.h"
+#include "platform/system.h"
 #include "virtualunit/VirtualUnit.h"
 #include "virtualunit/lines/serve.h"
-#include "virtualunit/system/system.h"
 #include "virtualunit/tool/journal.h"
 #include "virtualunit/tool/lists.h"
 #include "virtualunit/tool/unitOfTrace.h"
@@ -16,10 +16,10 @@
 
 namespace {
 
+using platform::environment;
+using platform::pathOf;
 using tool::Format;
 using tool::require;
-using virtualunit::system::environment;
-using virtualunit::system::pathOf;
 
 struct Options {
     std::string unit;

@@ -1,6 +1,6 @@
 #include "devicetools/trace/library/RealLibrary.h"
 
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <system_error>
 
@@ -12,8 +12,8 @@ RealLibrary::RealLibrary(const std::string &file)
 {
     // Without a folder the system searches as it does for the program: in its own folder first.
     const HMODULE found = file.empty() ? LoadLibraryW(L"VornAux2.dll")
-                                       : LoadLibraryExW(virtualunit::system::pathOf(file).c_str(),
-                                             nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+                                       : LoadLibraryExW(platform::pathOf(file).c_str(), nullptr,
+                                             LOAD_WITH_ALTERED_SEARCH_PATH);
     if (!found) {
         giveUp("The library \"" + (file.empty() ? std::string("VornAux2.dll") : file) +
                "\" can't be loaded: " + std::system_category().message(int(GetLastError())));

@@ -1,7 +1,7 @@
 #include "devicetools/trace/library/Recorder.h"
 
 #include "devicetools/trace/format.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <iostream>
 #include <stdexcept>
@@ -35,8 +35,7 @@ Recorder::Recorder(const Settings &settings)
     : library(settings.library)
     , times(settings.times)
     , start(std::chrono::nanoseconds(settings.start))
-    , tally(settings.tally.empty() ? nullptr
-                                   : Tally::open(virtualunit::system::pathOf(settings.tally)))
+    , tally(settings.tally.empty() ? nullptr : Tally::open(platform::pathOf(settings.tally)))
     , sink(Sink::open(settings.output, sinkError))
 {
     if (!sink && !settings.output.empty()) {

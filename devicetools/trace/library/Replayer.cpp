@@ -2,7 +2,7 @@
 
 #include "devicetools/trace/format.h"
 #include "devicetools/trace/traceFile.h"
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <algorithm>
 #include <chrono>
@@ -101,8 +101,7 @@ bool waits(const contract::Operation &operation, const contract::Value *values)
 
 Replayer::Replayer(const Settings &settings)
     : times(settings.times)
-    , tally(settings.tally.empty() ? nullptr
-                                   : Tally::open(virtualunit::system::pathOf(settings.tally)))
+    , tally(settings.tally.empty() ? nullptr : Tally::open(platform::pathOf(settings.tally)))
     , trace(readFile(settings.replayed))
 {
     for (const auto &call : trace.calls)

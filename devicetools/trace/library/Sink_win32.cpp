@@ -1,6 +1,6 @@
 #include "devicetools/trace/library/Sink.h"
 
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <system_error>
 
@@ -52,7 +52,7 @@ std::unique_ptr<Sink> Sink::open(const std::string &file, std::string &error)
             handle = INVALID_HANDLE_VALUE;
     } else {
         // With this right alone the system itself moves each write to the file's end.
-        handle = CreateFileW(virtualunit::system::pathOf(file).c_str(), FILE_APPEND_DATA,
+        handle = CreateFileW(platform::pathOf(file).c_str(), FILE_APPEND_DATA,
             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
             FILE_ATTRIBUTE_NORMAL, nullptr);
     }

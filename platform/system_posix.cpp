@@ -1,4 +1,4 @@
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <cerrno>
 #include <csignal>
@@ -9,7 +9,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace virtualunit::system {
+namespace platform {
 
 namespace {
 
@@ -95,4 +95,4 @@ void prepareProcess()
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-} // namespace virtualunit::system
+} // namespace platform

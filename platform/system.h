@@ -7,10 +7,10 @@
 #include <vector>
 
 /**
- * What the virtual unit and its tool want to know of the operating system; the system's own file is
- * chosen by CMake. All texts are UTF-8 on every system.
+ * What device libraries and tools without a window want to know of the operating system: no Qt in
+ * here. All texts are UTF-8 on every system.
  */
-namespace virtualunit::system {
+namespace platform {
 
 /** A variable of the environment; empty if it is not set. */
 std::string environment(const char *name);
@@ -53,4 +53,4 @@ std::vector<std::string> arguments(int argc, char **argv);
  * as they are, and what goes beyond the limit of file sizes is an error rather than the end. */
 void prepareProcess();
 
-} // namespace virtualunit::system
+} // namespace platform

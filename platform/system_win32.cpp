@@ -1,4 +1,4 @@
-#include "virtualunit/system/system.h"
+#include "platform/system.h"
 
 #include <cstdio>
 #include <system_error>
@@ -9,7 +9,7 @@
 
 #include <shellapi.h>
 
-namespace virtualunit::system {
+namespace platform {
 
 namespace {
 
@@ -96,4 +96,4 @@ void prepareProcess()
         _setmode(_fileno(stream), _O_BINARY);
 }
 
-} // namespace virtualunit::system
+} // namespace platform
