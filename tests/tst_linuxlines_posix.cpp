@@ -136,7 +136,12 @@ private slots:
     void digitalInputsAlone();
     void linesAreRefused();
     void loadsAreSwitched();
+    void regulatorsAreSwitched();
+    void spoiltRegulators_data();
+    void spoiltRegulators();
+    void backlightHasASwitch();
     void radios();
+    void radiosHavePowerSwitches();
     void radioIsHeldOff();
     void antenna();
     void portNames();
@@ -371,6 +376,82 @@ void LinuxLinesTest::loadsAreSwitched()
     QCOMPARE(unit->call("Power_setExtFanPowerStatus", {1.0}).code, 2);
 }
 
+void LinuxLinesTest::regulatorsAreSwitched()
+{
+    const auto consumers = "/sys/bus/platform/drivers/reg-userspace-consumer/"_s;
+    unit->write(consumers + "bind"_s, "");
+    unit->write(consumers + "regulator-output-1/name"_s, "vcc-can\n");
+    unit->write(consumers + "regulator-output-1/state"_s, "disabled\n");
+    unit->write(consumers + "regulator-output-2/state"_s, "enabled\n"); // it may have no name
+    unit->write("/sys/class/regulator/regulator.3/name"_s, "vcc-fan\n");
+    unit->write("/sys/class/regulator/regulator.3/state"_s, "enabled\n");
+    lines = {{"V2", {"V2", 1}}};
+    configure(R"({"power": {"can": {"regulator": "vcc-can"}, "extFan": {"regulator": "vcc-fan"},
+        "video": [{"regulator": "regulator-output-2"}, {"line": "V2"}]}})");
+    QCOMPARE(unit->call("Power_getCanPowerStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit->call("Power_setCanPowerStatus", {1.0}).code, 0);
+    QCOMPARE(unit->read(consumers + "regulator-output-1/state"_s), QByteArray("enabled"));
+    QCOMPARE(unit->call("Power_getCanPowerStatus").numbers, std::vector<double>{1});
+    QCOMPARE(unit->call("Power_getVideoPowerStatus").numbers, std::vector<double>{3});
+    QCOMPARE(unit->call("Power_setVideoPowerStatus", {2.0}).code, 0);
+    QCOMPARE(unit->read(consumers + "regulator-output-2/state"_s), QByteArray("disabled"));
+    QCOMPARE(unit->call("Power_getVideoPowerStatus").numbers, std::vector<double>{2});
+    // What drivers alone may switch can be read.
+    QCOMPARE(unit->call("Power_getExtFanPowerStatus").numbers, std::vector<double>{1});
+    const auto refused = unit->call("Power_setExtFanPowerStatus", {0.0});
+    QCOMPARE(kindOf(refused), 103);
+    QVERIFY2(unit->textOf(refused).startsWith("The regulator vcc-fan can't be switched from here"),
+        unit->textOf(refused).constData());
+    QCOMPARE(unit->read("/sys/class/regulator/regulator.3/state"_s), QByteArray("enabled\n"));
+}
+
+void LinuxLinesTest::spoiltRegulators_data()
+{
+    QTest::addColumn<QByteArray>("state");
+    QTest::addColumn<int>("kind");
+    QTest::newRow("unknown") << QByteArray("unknown\n") << 18;
+    QTest::newRow("of no bytes") << QByteArray() << 18;
+    QTest::newRow("nonsense") << QByteArray("maybe\n") << 104;
+}
+
+void LinuxLinesTest::spoiltRegulators()
+{
+    QFETCH(QByteArray, state);
+    const auto folder = "/sys/bus/platform/drivers/reg-userspace-consumer/can"_s;
+    configure(R"({"power": {"can": {"regulator": "can"}}})");
+    QCOMPARE(unit->call("Power_getCanPowerStatus").code, 18);
+    QCOMPARE(unit->call("Power_setCanPowerStatus", {1.0}).code, 18);
+    unit->write(folder + "/state"_s, state);
+    QTEST(kindOf(unit->call("Power_getCanPowerStatus")), "kind");
+    unit->remove(folder + "/state"_s);
+    unit->link(folder + "/state"_s, "/proc/self/mem"); // EIO
+    QCOMPARE(kindOf(unit->call("Power_getCanPowerStatus")), 102);
+    unit->remove(folder + "/state"_s);
+    unit->write(folder + "/state"_s, "enabled\n");
+    QVERIFY(QFile::setPermissions(unit->path(folder + "/state"_s), QFile::ReadOwner));
+    const auto answer = unit->call("Power_setCanPowerStatus", {0.0});
+    if (::geteuid() != 0) {
+        QCOMPARE(kindOf(answer), 101);
+        QVERIFY(unit->textOf(answer).contains("state; add yourself to group"));
+    }
+}
+
+void LinuxLinesTest::backlightHasASwitch()
+{
+    unit->write("/sys/class/backlight/panel/max_brightness"_s, "255\n");
+    unit->write("/sys/class/backlight/panel/brightness"_s, "100\n");
+    QCOMPARE(unit->call("Power_getBLPowerStatus").code, 2);
+    unit->write("/sys/class/backlight/panel/bl_power"_s, "0\n");
+    configure(R"({"power": false})");
+    QCOMPARE(unit->call("Power_getBLPowerStatus").numbers, std::vector<double>{1});
+    lines = {{"BL", {"BL", 0}}};
+    configure(R"({"power": {"backlight": {"line": "BL"}}})");
+    QCOMPARE(unit->call("Power_getBLPowerStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit->call("Power_setBLPowerStatus", {1.0}).code, 0);
+    QCOMPARE(lines["BL"].value, 1);
+    QCOMPARE(unit->read("/sys/class/backlight/panel/bl_power"_s), QByteArray("0\n"));
+}
+
 void LinuxLinesTest::radios()
 {
     QCOMPARE(unit->call("Telematics_getAvailable").code, 2);
@@ -393,6 +474,36 @@ void LinuxLinesTest::radios()
     configure(R"({"telematics": false})");
     QCOMPARE(unit->call("Telematics_getAvailable").code, 2);
     QCOMPARE(unit->call("Telematics_getWLANPowerStatus").code, 2);
+}
+
+/** A radio without power isn't there for the kernel. */
+void LinuxLinesTest::radiosHavePowerSwitches()
+{
+    unit->write("/sys/class/net/lo/type"_s, "772\n");
+    lines = {{"GSM", {"GSM", 0}}};
+    configure(R"({"telematics": {"gsm": {"line": "GSM"}, "gps": {"regulator": "gnss"}}})");
+    QCOMPARE(unit->call("Telematics_getAvailable").numbers, std::vector<double>{1});
+    QCOMPARE(unit->call("Hardware_hasGsm").numbers, std::vector<double>{1});
+    QCOMPARE(unit->call("Hardware_hasWlan").numbers, std::vector<double>{0});
+    QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit->call("Telematics_setGPRSPowerStatus", {1.0}).code, 0);
+    QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").numbers, std::vector<double>{1});
+    QCOMPARE(unit->call("Telematics_getGPSPowerStatus").code, 18);
+    // Now its own switch shows, which blocks it too.
+    const auto folder = "/sys/class/rfkill/rfkill0"_s;
+    unit->write(folder + "/type"_s, "wwan\n");
+    unit->write(folder + "/soft"_s, "1\n");
+    unit->write(folder + "/hard"_s, "0\n");
+    QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").numbers, std::vector<double>{0});
+    QCOMPARE(unit->call("Telematics_setGPRSPowerStatus", {1.0}).code, 0);
+    QCOMPARE(unit->read(folder + "/soft"_s), QByteArray("0"));
+    QCOMPARE(unit->call("Telematics_setGPRSPowerStatus", {0.0}).code, 0);
+    QCOMPARE(unit->read(folder + "/soft"_s), QByteArray("0"));
+    QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").numbers, std::vector<double>{0});
+    lines["GSM"].error = EACCES;
+    QCOMPARE(kindOf(unit->call("Telematics_setGPRSPowerStatus", {1.0})), 101);
+    configure(R"({"telematics": false})");
+    QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").code, 2);
 }
 
 void LinuxLinesTest::radioIsHeldOff()

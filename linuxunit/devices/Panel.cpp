@@ -1,6 +1,7 @@
 #include "linuxunit/devices/Panel.h"
 
 #include "linuxunit/calls/Failure.h"
+#include "linuxunit/devices/Load.h"
 #include "linuxunit/devices/brightness.h"
 #include "linuxunit/kernel/Reading.h"
 #include "linuxunit/machine/Machine.h"
@@ -134,6 +135,8 @@ void Panel::setIntensity(std::uint8_t intensity)
 
 bool Panel::isLit()
 {
+    if (const auto load = Load::configured("power", "backlight"))
+        return load->isOn();
     const auto path = folder() + "/bl_power";
     if (!exists(path))
         throw Failure{NotSupported, {}};
@@ -142,6 +145,8 @@ bool Panel::isLit()
 
 void Panel::setLit(bool lit)
 {
+    if (const auto load = Load::configured("power", "backlight"))
+        return load->switchTo(lit);
     const auto path = folder() + "/bl_power";
     if (!exists(path))
         throw Failure{NotSupported, {}};

@@ -2,7 +2,8 @@
 
 #include "linuxunit/bus/Bus.h"
 #include "linuxunit/calls/Failure.h"
-#include "linuxunit/devices/SwitchedLines.h"
+#include "linuxunit/devices/DigitalLines.h"
+#include "linuxunit/devices/Load.h"
 #include "linuxunit/kernel/files.h"
 #include "linuxunit/machine/Machine.h"
 
@@ -18,6 +19,22 @@ namespace {
 constexpr const char *allSwitches = "/sys/class/rfkill";
 constexpr const char *receivers = "/sys/class/gnss";
 
+/** A type of rfkill's, and what the configuration calls the radio's power. */
+struct Radio {
+    const char *type;
+    const char *key;
+};
+constexpr Radio allRadios[] = {
+    {"wwan", "gsm"}, {"wlan", "wlan"}, {"bluetooth", "bluetooth"}, {"gps", "gps"}};
+
+/** Of a board that cuts the radio's power. */
+std::optional<Load> loadOf(const std::string &type)
+{
+    const auto *const radio = std::find_if(std::begin(allRadios), std::end(allRadios),
+        [&](const Radio &one) { return one.type == type; });
+    return radio == std::end(allRadios) ? std::nullopt : Load::configured("telematics", radio->key);
+}
+
 std::vector<std::string> switchesOf(const std::string &type)
 {
     Machine::present()->section("telematics"); // throws 2 for false
@@ -27,8 +44,6 @@ std::vector<std::string> switchesOf(const std::string &type)
         if (textOf(folder + "/type") == type)
             folders.push_back(std::move(folder));
     }
-    if (folders.empty())
-        throw Failure{NotSupported, {}};
     return folders;
 }
 
@@ -73,23 +88,44 @@ void Radios::require() const
     const auto switches = namesIn(allSwitches);
     const bool isSwitched = std::any_of(switches.begin(), switches.end(), [](const auto &name) {
         const auto type = textOf(std::string(allSwitches) + "/" + name + "/type");
-        return type == "wwan" || type == "wlan" || type == "bluetooth" || type == "gps";
+        return std::any_of(std::begin(allRadios), std::end(allRadios),
+            [&](const Radio &radio) { return type == radio.type; });
     });
-    if (!isSwitched && namesIn(receivers).empty())
+    const bool isPowered = std::any_of(std::begin(allRadios), std::end(allRadios),
+        [](const Radio &radio) { return hasPowerSwitch(radio.type); });
+    if (!isSwitched && !isPowered && namesIn(receivers).empty())
         throw Failure{NotSupported, {}};
+}
+
+bool Radios::hasPowerSwitch(const std::string &type)
+{
+    return loadOf(type).has_value();
 }
 
 bool Radios::isOn(const std::string &type) const
 {
+    const auto load = loadOf(type);
     const auto folders = switchesOf(type);
-    return std::all_of(folders.begin(), folders.end(), [](const auto &folder) {
-        return readNumber(folder + "/soft") == 0 && readNumber(folder + "/hard") == 0;
-    });
+    if (!load && folders.empty())
+        throw Failure{NotSupported, {}};
+    return (!load || load->isOn()) &&
+           std::all_of(folders.begin(), folders.end(), [](const auto &folder) {
+               return readNumber(folder + "/soft") == 0 && readNumber(folder + "/hard") == 0;
+           });
 }
 
 void Radios::switchTo(const std::string &type, bool on) const
 {
-    for (const auto &folder : switchesOf(type)) {
+    const auto load = loadOf(type);
+    const auto folders = switchesOf(type);
+    if (!load && folders.empty())
+        throw Failure{NotSupported, {}};
+    if (load)
+        load->switchTo(on);
+    // Without power it is off whatever its switch says, and the switch goes with the radio.
+    if (load && !on)
+        return;
+    for (const auto &folder : folders) {
         writeText(folder + "/soft", on ? "0" : "1", rulesRemedy);
         if (on && readNumber(folder + "/hard") != 0)
             throw Failure{WriteFailed, textOf(folder + "/name").value_or(type) +

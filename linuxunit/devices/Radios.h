@@ -14,8 +14,10 @@ public:
     /** Whether there is any; throws 2 if not. */
     void require() const;
 
-    /** A radio is on if none of its switches blocks it. 2 without a switch of that type, which are
-     *  the kernel's: "wwan", "wlan", "bluetooth", "gps". */
+    /** Types are the kernel's: "wwan", "wlan", "bluetooth", "gps". Whether the section `telematics`
+     *  tells what switches the radio's power; it is fitted then, be it there or not. */
+    static bool hasPowerSwitch(const std::string &type);
+    /** A radio is on if it has power and none of its switches blocks it. 2 without either. */
     bool isOn(const std::string &type) const;
     /** WriteFailed for one that a switch on the machine holds off. */
     void switchTo(const std::string &type, bool on) const;

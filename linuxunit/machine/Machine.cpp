@@ -111,13 +111,19 @@ std::shared_ptr<const Machine> Machine::parse(const std::string &text, const std
     return machine;
 }
 
+bool Machine::denies(std::string_view name) const
+{
+    const auto found = whole->find(name);
+    return found != whole->end() && found->is_boolean();
+}
+
 const json &Machine::section(std::string_view name) const
 {
     static const json none;
     const auto found = whole->find(name);
     if (found == whole->end())
         return none;
-    if (found->is_boolean())
+    if (denies(name))
         throw Failure{NotSupported, {}};
     return *found;
 }

@@ -26,6 +26,8 @@ public:
     Machine();
     ~Machine();
 
+    /** Whether the section says that the machine hasn't got it. */
+    bool denies(std::string_view name) const;
     /** Throws 2 if the section says that the machine hasn't got it.
      *  @return the section, null (as JSON) if there is none */
     const nlohmann::json &section(std::string_view name) const;

@@ -180,10 +180,21 @@ private:
             if (schema.contains("const")) {
                 if (value == schema["const"])
                     return;
-            } else if (&choice == &choices.back() || isOfType(value, schema["type"])) {
+            } else if (&choice == &choices.back() || looksLike(value, schema)) {
                 return check(value, choice, path);
             }
         }
+    }
+
+    /** Whether it is meant to be one of these: what is wrong with it then is told by that choice.
+     */
+    static bool looksLike(const json &value, const json &schema)
+    {
+        static const json none = json::array();
+        const auto &required = schema.contains("required") ? schema["required"] : none;
+        return isOfType(value, schema["type"]) &&
+               std::all_of(required.begin(), required.end(),
+                   [&](const json &name) { return value.contains(name.get<std::string>()); });
     }
 
     static bool isOfType(const json &value, const std::string &type)

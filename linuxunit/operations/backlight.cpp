@@ -36,21 +36,6 @@ DeviceCode Backlight_getHealthStatus(BacklightHandle handle, DeviceBool *healthy
     return perform(handle, {healthy}, [&](Panel &panel) { *healthy = panel.isSound() ? 1 : 0; });
 }
 
-DeviceCode Power_getBLPowerStatus(PowerHandle handle, int32_t *status)
-{
-    return perform(
-        handle, {status}, [&](Panel &panel) { *status = panel.isLit() ? STATUS_ON : STATUS_OFF; });
-}
-
-DeviceCode Power_setBLPowerStatus(PowerHandle handle, int32_t status)
-{
-    return perform(handle, {}, [&](Panel &panel) {
-        if (status != STATUS_ON && status != STATUS_OFF)
-            throw Failure{ValueOutOfRange, {}};
-        panel.setLit(status == STATUS_ON);
-    });
-}
-
 DeviceCode Backlight_startAutomaticBL(BacklightHandle handle)
 {
     return perform(handle, {}, [](Lit &lit) {

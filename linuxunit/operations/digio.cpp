@@ -1,5 +1,5 @@
 #include "linuxunit/calls/perform.h"
-#include "linuxunit/devices/SwitchedLines.h"
+#include "linuxunit/devices/DigitalLines.h"
 
 using namespace linuxunit;
 

@@ -1,4 +1,5 @@
 #include "linuxunit/calls/perform.h"
+#include "linuxunit/devices/Radios.h"
 #include "linuxunit/devices/identity.h"
 #include "linuxunit/kernel/texts.h"
 #include "linuxunit/machine/Machine.h"
@@ -53,6 +54,15 @@ DeviceCode giveFlag(HardwareHandle handle, DeviceBool *present, bool (*found)())
     return perform(handle, {present}, [&](Parts &) {
         identity::requireDevices();
         *present = found() ? 1 : 0;
+    });
+}
+
+/** A radio whose power is off isn't seen by anybody, and is there all the same. */
+DeviceCode giveRadio(HardwareHandle handle, DeviceBool *present, bool (*found)(), const char *type)
+{
+    return perform(handle, {present}, [&](Parts &) {
+        identity::requireDevices();
+        *present = found() || Radios::hasPowerSwitch(type) ? 1 : 0;
     });
 }
 
@@ -170,20 +180,20 @@ DeviceCode Hardware_hasTouchscreen(HardwareHandle handle, DeviceBool *present)
 
 DeviceCode Hardware_hasWlan(HardwareHandle handle, DeviceBool *present)
 {
-    return giveFlag(handle, present, &identity::hasWlan);
+    return giveRadio(handle, present, &identity::hasWlan, "wlan");
 }
 
 DeviceCode Hardware_hasGps(HardwareHandle handle, DeviceBool *present)
 {
-    return giveFlag(handle, present, &identity::hasGnss);
+    return giveRadio(handle, present, &identity::hasGnss, "gps");
 }
 
 DeviceCode Hardware_hasGsm(HardwareHandle handle, DeviceBool *present)
 {
-    return giveFlag(handle, present, &identity::hasModem);
+    return giveRadio(handle, present, &identity::hasModem, "wwan");
 }
 
 DeviceCode Hardware_hasBluetooth(HardwareHandle handle, DeviceBool *present)
 {
-    return giveFlag(handle, present, &identity::hasBluetooth);
+    return giveRadio(handle, present, &identity::hasBluetooth, "bluetooth");
 }
