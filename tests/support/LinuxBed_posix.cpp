@@ -9,11 +9,33 @@
 #include <QStandardPaths>
 #include <QtGlobal>
 
+#include <link.h>
+#include <string>
+#include <string_view>
+
 namespace support {
 
 namespace {
 
 constexpr int patience = 120'000; // milliseconds
+
+/** What is loaded before all else: what plays the machine, and before that a sanitizer that is in
+ *  this process, and so in what runs in the bed; it looks for what throws when it is loaded, which
+ *  not every program has by itself. */
+QString preloaded()
+{
+    std::string sanitizer;
+    ::dl_iterate_phdr(
+        [](dl_phdr_info *object, std::size_t, void *found) {
+            const std::string_view file = object->dlpi_name;
+            if (file.find("/libasan.so") == file.npos && file.find("/libtsan.so") == file.npos)
+                return 0;
+            *static_cast<std::string *>(found) = std::string(file) + " libstdc++.so.6 ";
+            return 1;
+        },
+        &sanitizer);
+    return QString::fromStdString(sanitizer) + "libumockdev-preload.so.0"_s;
+}
 
 /** Copies all files below a folder to those of the same names below another. */
 void copyTree(const QString &from, const QString &to)
@@ -65,7 +87,7 @@ LinuxBed::LinuxBed(const QString &machine)
     const auto set = [this](const char *name, const QString &value) {
         environment.insert(QLatin1String(name), value);
     };
-    set("LD_PRELOAD", "libumockdev-preload.so.0"_s);
+    set("LD_PRELOAD", preloaded());
     set("UMOCKDEV_DIR", root);
     set("VORNAUX_ROOT", root);
     set("LD_LIBRARY_PATH", QFileInfo(QStringLiteral(VORN_LINUXUNIT_LIBRARY)).path());
@@ -97,7 +119,10 @@ LinuxBed::Run LinuxBed::run(const QString &program, const QStringList &arguments
     process.start(program, arguments);
     if (!process.waitForFinished(patience) || process.exitStatus() != QProcess::NormalExit)
         qFatal("%s %s", qPrintable(program), qPrintable(process.errorString()));
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    Run left{process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    if (left.errors.contains("Sanitizer") || left.errors.contains("runtime error:"))
+        qFatal("%s", left.errors.constData());
+    return left;
 }
 
 QByteArray LinuxBed::report() const
