@@ -26,8 +26,5 @@ protected slots:
     void init();
 
 private:
-    void pressEverything(QWidget *page);
-    static void answer(QDialog *dialog);
-
     std::unique_ptr<support::BiosData> bios;
 };
