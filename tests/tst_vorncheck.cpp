@@ -1,31 +1,16 @@
-#include "tests/support/literals.h"
+#include "tests/support/CheckTest.h"
+#include "tests/support/system.h"
 #include "virtualunit/VirtualUnit.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
 #include <map>
-#include <memory>
 #include <vector>
 
 using namespace support;
 
 namespace {
-
-constexpr int patience = 120'000; // milliseconds
-
-struct Outcome {
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
 
 /** A library that breaks a rule, and what finds it. */
 struct Broken {
@@ -33,6 +18,7 @@ struct Broken {
     const char *finding; ///< result and test
     const char *words;   ///< in what the test says
     bool waits = false;  ///< finding it takes many seconds in which nothing is computed
+    bool posix = false;  ///< what it breaks is a process's own on POSIX alone
 };
 
 const Broken brokenLibraries[] = {
@@ -98,11 +84,9 @@ const Broken brokenLibraries[] = {
     {"firmware_state", "fail firmware-missing", "ended in state 6"},
     {"firmware_code", "fail firmware-missing", "Firmware_getUpgradeStatus answered 16"},
     {"firmware_back", "fail firmware-file", "went back from state 5, 50 percent"},
-#ifndef Q_OS_WIN
-    {"locale", "fail locale", "the locale was"},
-    {"umask", "fail umask", "the mask for new files was"},
-    {"signals", "fail signals", "SIGUSR1 ignored"},
-#endif
+    {"locale", "fail locale", "the locale was", false, true},
+    {"umask", "fail umask", "the mask for new files was", false, true},
+    {"signals", "fail signals", "SIGUSR1 ignored", false, true},
     {"endless", "fail answers", "no answer within 10 s from Battery_getTimes", true},
     {"slow", "warn time", "Battery_getTimes took 1", true},
     {"too_slow", "fail time", "Battery_getTimes took 5", true},
@@ -115,89 +99,21 @@ QString brokenUnit(const QString &name)
     return VORN_BROKENUNIT_DIR "/"_s + name + QStringLiteral(VORN_LIBRARY_SUFFIX);
 }
 
-/** All of the unit's values that can be set, as the check must leave them. */
-std::map<std::string, std::string> settings()
-{
-    std::vector<virtualunit::Value> properties;
-    if (!virtualunit::list(properties).empty())
-        qFatal("the unit can't be read");
-    std::map<std::string, std::string> values;
-    for (const auto &property : properties) {
-        const auto family = QString::fromStdString(property.name).section(QLatin1Char('.'), 0, 0);
-        const QStringList settable{"Backlight"_s, "Buzzer"_s, "Can"_s, "Config"_s, "DigIO"_s,
-            "FrontLED"_s, "Power"_s, "Telematics"_s, "Touch"_s};
-        if (settable.contains(family))
-            values[property.name] = property.value;
-    }
-    return values;
-}
-
-Outcome ended(QProcess &tool)
-{
-    if (!tool.waitForFinished(patience) || tool.exitStatus() != QProcess::NormalExit)
-        qFatal("vorncheck %s", qPrintable(tool.errorString()));
-    return {tool.exitCode(), QString::fromUtf8(tool.readAllStandardOutput()),
-        QString::fromUtf8(tool.readAllStandardError())};
-}
-
-QJsonObject reportIn(const Outcome &outcome, int exitCode)
-{
-    if (outcome.exitCode != exitCode || !outcome.err.isEmpty())
-        qWarning("exit code %d, %s%s", outcome.exitCode, qPrintable(outcome.err),
-            qPrintable(outcome.out));
-    return QJsonDocument::fromJson(outcome.out.toUtf8()).object();
-}
-
-/** What isn't passed or skipped: "fail answers: what it says". */
-QStringList findings(const QJsonObject &report)
-{
-    QStringList found;
-    const auto tests = report["tests"_s].toArray();
-    for (const auto &value : tests) {
-        const auto test = value.toObject();
-        const auto result = test["result"_s].toString();
-        if (result == "pass"_s || result == "skip"_s)
-            continue;
-        QStringList sentences;
-        const auto told = test["findings"_s].toArray();
-        for (const auto &sentence : told)
-            sentences << sentence.toString();
-        found << result + QLatin1Char(' ') + test["name"_s].toString() + ": "_s +
-                     sentences.join("; "_s);
-    }
-    return found;
-}
-
 } // namespace
 
 /** The compliance test, against libraries that keep the contract and libraries that don't. */
-class VorncheckTest : public QObject
+class VorncheckTest : public CheckTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase()
     {
+        CheckTest::initTestCase();
         image = files.filePath("image.hex"_s);
         QFile file(image);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY(file.write(":0401000001020304F1\n:00000001FF\n") > 0);
-        environment = QProcessEnvironment::systemEnvironment();
-        const auto list = run({"--list"_s}).out.trimmed().split(QLatin1Char('\n'));
-        for (const auto &line : list)
-            names << line.section(QLatin1Char(' '), 0, 0);
-    }
-
-    void init()
-    {
-        folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(folder->isValid());
-        const QString unit = folder->filePath("unit.sqlite"_s);
-        environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VORN_UNIT"_s, unit);
-        environment.insert("BROKENUNIT_STORE"_s, folder->path());
-        environment.remove("VORN_JOURNAL"_s);
-        QCOMPARE(virtualunit::open(unit.toStdString()), std::string());
     }
 
     void helps()
@@ -259,8 +175,10 @@ private slots:
     {
         QTest::addColumn<QString>("finding");
         QTest::addColumn<QString>("sentence");
-        for (const auto &broken : brokenLibraries)
-            QTest::newRow(broken.library) << broken.finding << broken.words;
+        for (const auto &broken : brokenLibraries) {
+            if (!broken.posix || isPosix())
+                QTest::newRow(broken.library) << broken.finding << broken.words;
+        }
     }
 
     /** By its test, by name, and by no other. */
@@ -289,10 +207,6 @@ private slots:
             if (std::none_of(std::begin(brokenLibraries), std::end(brokenLibraries), proves))
                 unproved << name;
         }
-#ifdef Q_OS_WIN
-        for (const char *other : {"locale", "umask", "signals"})
-            unproved.removeAll(QLatin1String(other));
-#endif
         QCOMPARE(unproved, QStringList());
     }
 
@@ -416,46 +330,6 @@ private slots:
         QVERIFY2(found.first().startsWith(finding), qPrintable(found.first()));
     }
 
-    /** A parent may have told the system to forget how children end. */
-    void hearsOfEndsThatItsParentIgnores()
-    {
-#ifdef Q_OS_WIN
-        QSKIP("Windows has no signals");
-#else
-        QProcess tool;
-        tool.start("env"_s, {"--ignore-signal=CHLD"_s, VORN_BIN_DIR "/vorncheck"_s, "--only"_s,
-                                "functions"_s, brokenUnit("goodunit"_s)});
-        const auto outcome = ended(tool);
-        QCOMPARE(outcome.exitCode, 0);
-        QVERIFY2(outcome.out.startsWith("PASS functions\n"_s), qPrintable(outcome.out));
-#endif
-    }
-
-    void putsBackWhenInterrupted()
-    {
-#ifdef Q_OS_WIN
-        QSKIP("nobody can end a program on Windows in a way that it notices, but on its console");
-#else
-        const auto before = settings();
-        QCOMPARE(virtualunit::setDelay("Buzzer_setVolume", 300), std::string());
-        for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-            QProcess tool;
-            tool.setProcessEnvironment(environment);
-            tool.start(VORN_BIN_DIR "/vorncheck"_s,
-                {"--write"_s, "--only"_s, "write-values"_s, QStringLiteral(VORN_DEVICE_LIBRARY)});
-            QVERIFY(tool.waitForStarted(patience));
-            // Somewhere amid the volumes.
-            QTRY_VERIFY_WITH_TIMEOUT(settings() != before && settings().at("Buzzer.volume") !=
-                                                                 before.at("Buzzer.volume"),
-                patience);
-            ::kill(static_cast<pid_t>(tool.processId()), signal);
-            QVERIFY(tool.waitForFinished(patience));
-            QCOMPARE(tool.exitStatus(), QProcess::CrashExit); // as the signal wants it
-            QVERIFY(settings() == before);
-        }
-#endif
-    }
-
     /** The test's process is killed then, so another one puts things back. */
     void putsBackAfterAnEndlessCall()
     {
@@ -472,60 +346,6 @@ private slots:
         QVERIFY(settings() == before);
     }
 
-    void skeletonKeepsTheContract_data()
-    {
-        QTest::addColumn<QString>("compiler");
-        QTest::addColumn<bool>("runs");
-        QTest::newRow("gcc, C99") << "gcc -std=c99 -Wmissing-prototypes -fPIC" << true;
-        QTest::newRow("gcc, C++17") << "g++ -std=c++17 -x c++ -fPIC" << true;
-        QTest::newRow("clang, C99") << "clang -std=c99 -fPIC" << false;
-        QTest::newRow("clang, C++17") << "clang++ -std=c++17 -x c++ -fPIC" << false;
-        QTest::newRow("MinGW, C99") << "x86_64-w64-mingw32-gcc -std=c99" << false;
-        QTest::newRow("MinGW, C++17") << "x86_64-w64-mingw32-g++ -std=c++17 -x c++" << false;
-    }
-
-    /** Compiles without a warning, passes, and the program makes its report on it. */
-    void skeletonKeepsTheContract()
-    {
-#ifdef Q_OS_WIN
-        QSKIP("no compiler to be found on Windows");
-#else
-        QFETCH(QString, compiler);
-        QFETCH(bool, runs);
-        auto words = compiler.split(QLatin1Char(' '));
-        const auto name = words.takeFirst();
-        if (QStandardPaths::findExecutable(name).isEmpty())
-            QSKIP("this compiler is not installed");
-        QProcess tool;
-        const auto source = folder->filePath("unit.c"_s);
-        tool.setStandardOutputFile(source);
-        tool.start(VORN_BIN_DIR "/vornunit"_s, {"skeleton"_s});
-        QVERIFY(tool.waitForFinished(patience) && tool.exitCode() == 0);
-        const auto library = folder->filePath("libVornAux2.so"_s);
-        QProcess build;
-        build.start(name, words + QStringList{"-Wall"_s, "-Wextra"_s, "-Wpedantic"_s,
-                                      "-Wconversion"_s, "-Wshadow"_s, "-Werror"_s, "-shared"_s,
-                                      "-I" VORN_SOURCE_DIR "/frame"_s, "-o"_s, library, source});
-        QVERIFY(build.waitForFinished(patience));
-        QCOMPARE(QString::fromUtf8(build.readAllStandardError()), QString());
-        QCOMPARE(build.exitCode(), 0);
-        if (!runs)
-            return;
-        const auto tests = words.contains("-std=c99"_s) ? QStringList() : withoutThreads();
-        QCOMPARE(findings(check(tests + QStringList{"--write"_s, library}, 0)), QStringList());
-
-        QProcess program;
-        environment.insert("LD_LIBRARY_PATH"_s, folder->path());
-        program.setProcessEnvironment(environment);
-        const auto report = folder->filePath("report.txt"_s);
-        program.start(VORN_BIN_DIR "/VornSettings"_s, {"--systemreport"_s, report});
-        QVERIFY(program.waitForFinished(patience) && program.exitCode() == 0);
-        QFile file(report);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(file.readAll().contains("Not supported by this unit or its firmware"));
-#endif
-    }
-
 private:
     /** The check of a broken library. */
     struct Running {
@@ -533,34 +353,7 @@ private:
         QProcess tool;
     };
 
-    Outcome run(const QStringList &arguments) const
-    {
-        QProcess tool;
-        tool.setProcessEnvironment(environment);
-        tool.start(VORN_BIN_DIR "/vorncheck"_s, arguments);
-        return ended(tool);
-    }
-
-    QJsonObject check(const QStringList &arguments, int exitCode) const
-    {
-        return reportIn(run(QStringList{"--json"_s} + arguments), exitCode);
-    }
-
-    QStringList everything() const
-    {
-        return {"--write"_s, "--power"_s, "--firmware"_s, image};
-    }
-
-    /** The two threads take seconds, so only who is about them gets them. */
-    QStringList withoutThreads() const
-    {
-        QStringList tests;
-        for (const auto &name : names) {
-            if (name != "threads"_s)
-                tests << "--only"_s << name;
-        }
-        return tests;
-    }
+    QStringList everything() const { return {"--write"_s, "--power"_s, "--firmware"_s, image}; }
 
     void start(const Broken &broken)
     {
@@ -579,7 +372,7 @@ private:
 
     /** While it is waited for, the next ones are checked on the other cores, and those that mostly
      * wait; unless the command line names the libraries to be checked. */
-    Outcome outcomeOf(const Broken &broken)
+    CheckOutcome outcomeOf(const Broken &broken)
     {
         start(broken);
         if (!QCoreApplication::arguments().filter("brokenLibraryIsFound:"_s).isEmpty())
@@ -597,9 +390,6 @@ private:
 
     QTemporaryDir files;
     QString image;
-    QStringList names; ///< of all tests
-    std::unique_ptr<QTemporaryDir> folder;
-    QProcessEnvironment environment;
     std::map<std::string, Running> running; ///< by the library's name, from its start on
 };
 

@@ -9,6 +9,9 @@
 /** What tests want to know of the operating system. */
 namespace support {
 
+/** Whether processes have signals, a mask for new files, and a locale that libraries can change. */
+bool isPosix();
+
 /** File of a program of that name. */
 QString programFile(const QString &name);
 

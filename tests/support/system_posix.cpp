@@ -27,6 +27,11 @@ qint64 statusLine(const char *name)
 
 } // namespace
 
+bool isPosix()
+{
+    return true;
+}
+
 QString programFile(const QString &name)
 {
     return name;

@@ -105,6 +105,11 @@ BOOL CALLBACK findBox(HWND window, LPARAM out)
 
 } // namespace
 
+bool isPosix()
+{
+    return false;
+}
+
 QString programFile(const QString &name)
 {
     return name + QLatin1String(".exe");
