@@ -124,6 +124,10 @@ private slots:
     void versionsAreTold();
     void batteryIsTold();
     void ledShowsColorsAndBlinks();
+    void ledOfOthersIsSwitchedOff();
+    void ledTrains_data();
+    void ledTrains();
+    void ledTrainsAreRefused();
     void multicolorLedKeepsItsOrder();
 };
 
@@ -701,9 +705,117 @@ void LinuxUnitTest::ledShowsColorsAndBlinks()
     QCOMPARE(unit.call("FrontLED_setSignal", {2.0, 101.0}).code, 5);
     QCOMPARE(unit.call("FrontLED_setOff").code, 0);
     QCOMPARE(read("red:indicator/brightness"), QByteArray("0"));
-    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 0, 0}));
+    // Off is a signal without light; colour and frequency stay for the next one.
+    QCOMPARE(unit.call("FrontLED_getSignal").numbers, (std::vector<double>{2, 0}));
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{7, 0, 0}));
+    QCOMPARE(unit.call("FrontLED_setSignal", {2.0, 100.0}).code, 0);
+    QCOMPARE(read("red:indicator/brightness"), QByteArray("119"));
+    QCOMPARE(unit.call("FrontLED_getNrOfPulses").code, 2);
+    QCOMPARE(unit.call("FrontLED_setIdleTime", {3.0}).code, 2);
     unit.remove("/sys/class/leds/green:indicator"_s);
     QCOMPARE(unit.call("FrontLED_getColor").code, 18);
+}
+
+void LinuxUnitTest::ledOfOthersIsSwitchedOff()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/class/leds/status"_s;
+    unit.write(folder + "/max_brightness"_s, "255\n");
+    unit.write(folder + "/brightness"_s, "255\n");
+    unit.write(folder + "/trigger"_s, "none [heartbeat] pattern\n");
+    unit.write(folder + "/pattern"_s, "");
+    unit.write("/etc/vornaux/unit.json"_s, R"({"frontLed": {"green": "status"}})");
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 15, 0}));
+    QCOMPARE(unit.call("FrontLED_setOff").code, 0);
+    QCOMPARE(unit.read(folder + "/brightness"_s), QByteArray("0"));
+    QCOMPARE(unit.read(folder + "/trigger"_s), QByteArray("none"));
+    unit.write(folder + "/trigger"_s, "[none] heartbeat pattern\n");
+    QCOMPARE(unit.call("FrontLED_setSignal", {1.0, 50.0}).code, 0); // without a timer
+    QCOMPARE(unit.read(folder + "/trigger"_s), QByteArray("pattern"));
+    QCOMPARE(unit.read(folder + "/pattern"_s), QByteArray("255 500 255 0 0 500 0 0 "));
+}
+
+void LinuxUnitTest::ledTrains_data()
+{
+    QTest::addColumn<double>("duty");
+    QTest::addColumn<double>("pulses");
+    QTest::addColumn<double>("idle");
+    QTest::addColumn<QByteArray>("trigger");
+    QTest::addColumn<QByteArray>("pattern");
+    QTest::newRow("three") << 25.0 << 3.0 << 10.0 << QByteArray("pattern")
+                           << QByteArray("255 125 255 0 0 375 0 0 255 125 255 0 0 375 0 0 "
+                                         "255 125 255 0 0 1375 0 0 ");
+    QTest::newRow("one") << 25.0 << 1.0 << 1.0 << QByteArray("pattern")
+                         << QByteArray("255 125 255 0 0 475 0 0 ");
+    QTest::newRow("in one") << 100.0 << 4.0 << 2.0 << QByteArray("pattern")
+                            << QByteArray("255 2000 255 0 0 200 0 0 ");
+    QTest::newRow("without pulses") << 25.0 << 0.0 << 10.0 << QByteArray("timer") << QByteArray();
+    QTest::newRow("without idle time") << 25.0 << 3.0 << 0.0 << QByteArray("timer") << QByteArray();
+    QTest::newRow("off") << 0.0 << 3.0 << 10.0 << QByteArray("none") << QByteArray();
+}
+
+void LinuxUnitTest::ledTrains()
+{
+    QFETCH(double, duty);
+    QFETCH(double, pulses);
+    QFETCH(double, idle);
+    LinuxUnit unit;
+    const auto folder = "/sys/class/leds/rgb:status"_s;
+    const auto addFiles = [&] {
+        unit.write(folder + "/trigger"_s, "[none] timer pattern\n");
+        for (const auto &name : {"/pattern"_s, "/delay_on"_s, "/delay_off"_s})
+            unit.write(folder + name, "");
+    };
+    unit.write(folder + "/max_brightness"_s, "255\n");
+    unit.write(folder + "/brightness"_s, "0\n");
+    unit.write(folder + "/multi_index"_s, "red green blue\n");
+    unit.write(folder + "/multi_intensity"_s, "0 0 0\n");
+    addFiles();
+    unit.write("/etc/vornaux/unit.json"_s, R"({"frontLed": {"multicolor": "rgb:status"}})");
+    QCOMPARE(unit.call("FrontLED_getNrOfPulses").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("FrontLED_getIdleTime").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("FrontLED_setColor", {15.0, 7.0, 0.0}).code, 0);
+    addFiles();
+    QCOMPARE(unit.call("FrontLED_setIdleTime", {idle}).code, 0);
+    addFiles();
+    QCOMPARE(unit.call("FrontLED_setNrOfPulses", {pulses}).code, 0);
+    addFiles();
+    QCOMPARE(unit.call("FrontLED_setSignal", {2.0, duty}).code, 0);
+    QTEST(unit.read(folder + "/trigger"_s), "trigger");
+    QTEST(unit.read(folder + "/pattern"_s), "pattern");
+    QCOMPARE(
+        unit.read(folder + "/multi_intensity"_s), QByteArray(duty > 0 ? "255 119 0" : "0 0 0"));
+    addFiles();
+    QCOMPARE(unit.call("FrontLED_getNrOfPulses").numbers, std::vector<double>{pulses});
+    QCOMPARE(unit.call("FrontLED_getIdleTime").numbers, std::vector<double>{idle});
+    QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{15, 7, 0}));
+}
+
+void LinuxUnitTest::ledTrainsAreRefused()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/class/leds/status"_s;
+    unit.write(folder + "/max_brightness"_s, "65535\n");
+    unit.write(folder + "/brightness"_s, "0\n");
+    unit.write(folder + "/trigger"_s, "[none] pattern\n");
+    unit.write(folder + "/pattern"_s, "");
+    unit.write("/etc/vornaux/unit.json"_s, R"({"frontLed": {"green": "status"}})");
+    QCOMPARE(unit.call("FrontLED_setSignal", {2.0, 25.0}).code, 0);
+    unit.write(folder + "/trigger"_s, "[none] pattern\n");
+    QCOMPARE(unit.call("FrontLED_setColor", {0.0, 15.0, 0.0}).code, 0);
+    unit.write(folder + "/trigger"_s, "[none] pattern\n");
+    QCOMPARE(unit.call("FrontLED_setIdleTime", {1.0}).code, 0);
+    unit.write(folder + "/trigger"_s, "[none] pattern\n");
+    // A page of the kernel's is full before.
+    QCOMPARE(unit.call("FrontLED_setNrOfPulses", {255.0}).code, 5);
+    QCOMPARE(unit.call("FrontLED_getNrOfPulses").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("FrontLED_setNrOfPulses", {99.0}).code, 0);
+    unit.write(folder + "/trigger"_s, "none [pattern]\n");
+    unit.remove(folder + "/pattern"_s); // the driver has gone
+    QCOMPARE(unit.call("FrontLED_setNrOfPulses", {2.0}).code, 18);
+    QCOMPARE(unit.call("FrontLED_getNrOfPulses").numbers, std::vector<double>{99});
+    unit.link(folder + "/pattern"_s, "/proc/self/mem");
+    QCOMPARE(kindOf(unit.call("FrontLED_setNrOfPulses", {2.0})), 103);
 }
 
 void LinuxUnitTest::multicolorLedKeepsItsOrder()

@@ -7,9 +7,11 @@
 #include "linuxunit/store/Store.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
 
 namespace linuxunit {
 
@@ -23,7 +25,10 @@ constexpr FrontLed::Color standardColors[] = {{topOfColor, 0, 0}, {0, topOfColor
 
 constexpr double slowest = 0.01; ///< hertz
 constexpr double fastest = 100;
-constexpr std::uint8_t always = 100; ///< percent
+constexpr std::uint8_t always = 100;         ///< percent
+constexpr double second = 1000;              ///< milliseconds
+constexpr long idleStep = 100;               ///< likewise
+constexpr std::size_t longestPattern = 4095; ///< bytes that the kernel takes at once
 
 std::string folderOf(const std::string &name)
 {
@@ -40,6 +45,12 @@ std::int64_t highest(const std::string &name)
     return top;
 }
 
+/** Raw level of a component. */
+std::int64_t levelOf(const FrontLed::Color &color, unsigned component, std::int64_t top)
+{
+    return component < color.size() ? (color[component] * top + topOfColor / 2) / topOfColor : 0;
+}
+
 std::vector<std::string> wordsOf(const std::string &text)
 {
     std::istringstream stream(text);
@@ -49,15 +60,26 @@ std::vector<std::string> wordsOf(const std::string &text)
     return words;
 }
 
-/** Whether the LED has the trigger. Without brackets around the active one it isn't the kernel's
- * list of them, and nobody knows. */
+/** Whether the LED has the trigger, in the kernel's list with brackets around the active one. */
 bool hasTrigger(const std::string &name, const std::string &trigger)
 {
     const auto text = textOf(folderOf(name) + "/trigger").value_or("");
     const auto words = wordsOf(text);
-    return text.find('[') == text.npos ||
-           std::find(words.begin(), words.end(), trigger) != words.end() ||
+    return std::find(words.begin(), words.end(), trigger) != words.end() ||
            std::find(words.begin(), words.end(), "[" + trigger + "]") != words.end();
+}
+
+/** The timer comes with every LED that has triggers, if the kernel has it; a bed's file, where the
+ *  list was written over, says as much. */
+bool hasTimer(const std::string &name)
+{
+    const auto text = textOf(folderOf(name) + "/trigger").value_or("");
+    return hasTrigger(name, "timer") || (!text.empty() && text.find('[') == text.npos);
+}
+
+bool hasPattern(const std::string &name)
+{
+    return hasTrigger(name, "pattern");
 }
 
 const char *keyOf(unsigned component)
@@ -77,6 +99,115 @@ FrontLed::Color keptColor(Store &store)
 bool isDark(const FrontLed::Color &color)
 {
     return color == FrontLed::Color{};
+}
+
+FrontLed::Signal keptSignal(Store &store)
+{
+    const auto hertz = std::clamp(store.number("FrontLED.hertz", 1), slowest, fastest);
+    const auto duty = std::clamp<double>(store.number("FrontLED.dutyCycle", always), 0, always);
+    return {hertz, std::uint8_t(duty)};
+}
+
+FrontLed::Train keptTrain(Store &store)
+{
+    const auto byte = [&](const char *key) {
+        return std::uint8_t(std::clamp<double>(store.number(key, 0), 0, UINT8_MAX));
+    };
+    return {byte("FrontLED.pulses"), byte("FrontLED.idleTime")};
+}
+
+bool isEndless(const FrontLed::Train &train)
+{
+    return train.pulses == 0 || train.idleTime == 0;
+}
+
+/** Milliseconds. */
+struct Times {
+    long on;
+    long off;
+};
+
+Times timesOf(const FrontLed::Signal &signal)
+{
+    const double period = second / signal.hertz;
+    const auto on = std::lround(period * signal.dutyCycle / always);
+    return {on, std::lround(period) - on};
+}
+
+/** As the pattern trigger takes it, pairs of level and milliseconds: the level goes to that of the
+ *  next pair in that time, at once where it is 0. */
+std::string patternOf(
+    std::int64_t level, const FrontLed::Signal &signal, const FrontLed::Train &train)
+{
+    const auto [on, off] = timesOf(signal);
+    const int pulses = isEndless(train) ? 1 : train.pulses;
+    const long idle = isEndless(train) ? 0 : train.idleTime * idleStep;
+    const auto step = [](std::int64_t height, long time) {
+        const auto text = std::to_string(height);
+        return text + " " + std::to_string(time) + " " + text + " 0 ";
+    };
+    if (off == 0) // the pulses are one
+        return step(level, on * pulses) + step(0, idle);
+    std::string pattern;
+    for (int pulse = 1; pulse <= pulses; ++pulse)
+        pattern += step(level, on) + step(0, pulse < pulses ? off : off + idle);
+    return pattern;
+}
+
+/** The files of a trigger appear with it, and the rules give them to the group a moment later. */
+void writeOfTrigger(const std::string &path, const std::string &text)
+{
+    constexpr std::chrono::milliseconds longest{50};
+    const auto until = std::chrono::steady_clock::now() + longest;
+    for (;;) {
+        try {
+            return writeText(path, text, rulesRemedy);
+        } catch (const Failure &failure) {
+            if (failure.kind != NoPermission || std::chrono::steady_clock::now() >= until)
+                throw;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+/** What makes an LED blink so; empty for a steady one, 2 for one that can't. */
+std::string triggerFor(
+    const std::string &name, const FrontLed::Signal &signal, const FrontLed::Train &train)
+{
+    const bool isTrain = !isEndless(train);
+    if (signal.dutyCycle == 0 || (signal.dutyCycle == always && !isTrain))
+        return {};
+    if (!isTrain && hasTimer(name))
+        return "timer";
+    if (hasPattern(name))
+        return "pattern";
+    throw Failure{NotSupported, {}};
+}
+
+void keep(Store &store, const FrontLed::Color &color)
+{
+    for (unsigned i = 0; i < color.size(); ++i)
+        store.setNumber(keyOf(i), color[i]);
+}
+
+/** Where it blinks, an LED of several colours has them in another file. */
+std::int64_t blinkLevel(
+    const FrontLed::Color &color, const std::vector<unsigned> &components, std::int64_t top)
+{
+    if (components.size() == 1)
+        return levelOf(color, components.front(), top);
+    return isDark(color) ? 0 : top;
+}
+
+void startTrigger(const std::string &folder, const std::string &trigger, std::int64_t level,
+    const FrontLed::Signal &signal, const FrontLed::Train &train)
+{
+    writeText(folder + "/trigger", trigger, rulesRemedy);
+    if (trigger == "pattern")
+        return writeOfTrigger(folder + "/pattern", patternOf(level, signal, train));
+    const auto [on, off] = timesOf(signal);
+    writeOfTrigger(folder + "/delay_on", std::to_string(on));
+    writeOfTrigger(folder + "/delay_off", std::to_string(off));
 }
 
 } // namespace
@@ -136,53 +267,60 @@ FrontLed::Color FrontLed::color()
         if (level == 0)
             shown = {};
     }
-    // In the dark phase of its blinking, or coarser than the contract's steps.
-    const bool isOurs = store.number("FrontLED.lit", 0) != 0;
-    return isOurs && !isDark(kept) ? kept : shown;
+    // In the dark phase of its blinking, off, or coarser than the contract's steps.
+    return isDark(kept) ? shown : kept;
 }
 
 void FrontLed::show(const std::vector<Lamp> &lamps, const Color &color)
 {
     for (const auto &lamp : lamps) {
         const auto top = highest(lamp.name);
-        const auto level = [&](unsigned component) {
-            return component < color.size() ? (color[component] * top + topOfColor / 2) / topOfColor
-                                            : std::int64_t(0);
-        };
         if (lamp.components.size() == 1) {
-            writeBrightness("leds", lamp.name, level(lamp.components.front()));
+            writeBrightness("leds", lamp.name, levelOf(color, lamp.components.front(), top));
             continue;
         }
         std::string parts;
         for (const auto component : lamp.components)
-            parts += (parts.empty() ? "" : " ") + std::to_string(level(component));
+            parts += (parts.empty() ? "" : " ") + std::to_string(levelOf(color, component, top));
         writeText(folderOf(lamp.name) + "/multi_intensity", parts, rulesRemedy);
         writeBrightness("leds", lamp.name, isDark(color) ? 0 : top);
     }
 }
 
-void FrontLed::blink(const std::vector<Lamp> &lamps, const Signal &signal)
+void FrontLed::blink(
+    const std::vector<Lamp> &lamps, const Color &color, const Signal &signal, const Train &train)
 {
-    const bool isSteady = signal.dutyCycle == 0 || signal.dutyCycle == always;
     for (const auto &lamp : lamps) {
         const auto folder = folderOf(lamp.name);
         if (!exists(folder + "/trigger"))
             continue;
-        const bool canBlink = hasTrigger(lamp.name, "timer");
-        if (!isSteady && !canBlink)
-            throw Failure{NotSupported, {}};
-        const bool isDarkOne = readNumber(folder + "/brightness") == 0;
-        if (isSteady || isDarkOne) {
-            if (canBlink)
-                writeText(folder + "/trigger", "none", rulesRemedy);
-            continue;
-        }
-        const double period = 1000 / signal.hertz; // milliseconds
-        const auto on = std::lround(period * signal.dutyCycle / always);
-        writeText(folder + "/trigger", "timer", rulesRemedy);
-        writeText(folder + "/delay_on", std::to_string(on), rulesRemedy);
-        writeText(folder + "/delay_off", std::to_string(std::lround(period) - on), rulesRemedy);
+        const auto level = blinkLevel(color, lamp.components, highest(lamp.name));
+        const auto trigger = triggerFor(lamp.name, signal, train);
+        if (!trigger.empty() && level > 0)
+            startTrigger(folder, trigger, level, signal, train);
+        else if (hasTimer(lamp.name) || hasPattern(lamp.name))
+            writeText(folder + "/trigger", "none", rulesRemedy);
     }
+}
+
+bool FrontLed::canTrain(const std::vector<Lamp> &lamps)
+{
+    return std::all_of(
+        lamps.begin(), lamps.end(), [](const Lamp &lamp) { return hasPattern(lamp.name); });
+}
+
+void FrontLed::set(
+    const std::vector<Lamp> &lamps, const Color &color, const Signal &signal, const Train &train)
+{
+    // All of them can do it, or none is touched.
+    for (const auto &lamp : lamps) {
+        if (exists(folderOf(lamp.name) + "/trigger") &&
+            triggerFor(lamp.name, signal, train) == "pattern" &&
+            patternOf(highest(lamp.name), signal, train).size() > longestPattern)
+            throw Failure{ValueOutOfRange, {}};
+    }
+    show(lamps, signal.dutyCycle > 0 ? color : Color{});
+    blink(lamps, color, signal, train);
 }
 
 void FrontLed::setColor(const Color &color)
@@ -190,14 +328,11 @@ void FrontLed::setColor(const Color &color)
     const auto lamps = find();
     if (std::any_of(color.begin(), color.end(), [](auto part) { return part > topOfColor; }))
         throw Failure{ValueOutOfRange, {}};
-    const auto present = signal();
-    if (present.dutyCycle > 0)
-        show(lamps, color);
     Store store;
-    for (unsigned i = 0; i < color.size(); ++i)
-        store.setNumber(keyOf(i), color[i]);
-    store.setNumber("FrontLED.lit", 1);
-    blink(lamps, present);
+    const auto signal = keptSignal(store);
+    if (signal.dutyCycle > 0)
+        set(lamps, color, signal, canTrain(lamps) ? keptTrain(store) : Train{});
+    keep(store, color);
 }
 
 std::int32_t FrontLed::standardColor()
@@ -221,9 +356,7 @@ FrontLed::Signal FrontLed::signal()
 {
     find();
     Store store;
-    const auto hertz = std::clamp(store.number("FrontLED.hertz", 1), slowest, fastest);
-    const auto duty = std::clamp<double>(store.number("FrontLED.dutyCycle", always), 0, always);
-    return {hertz, std::uint8_t(duty)};
+    return keptSignal(store);
 }
 
 void FrontLed::setSignal(const Signal &signal)
@@ -232,20 +365,37 @@ void FrontLed::setSignal(const Signal &signal)
     if (!(signal.hertz >= slowest && signal.hertz <= fastest) || signal.dutyCycle > always)
         throw Failure{ValueOutOfRange, {}};
     Store store;
-    if (signal.dutyCycle > 0 && store.number("FrontLED.lit", 0) != 0)
-        show(lamps, keptColor(store));
-    blink(lamps, signal);
-    if (signal.dutyCycle == 0)
-        show(lamps, {});
+    const auto present = color();
+    if (isDark(keptColor(store)))
+        keep(store, present); // or it would be lost with the light
+    set(lamps, present, signal, canTrain(lamps) ? keptTrain(store) : Train{});
     store.setNumber("FrontLED.hertz", signal.hertz);
     store.setNumber("FrontLED.dutyCycle", signal.dutyCycle);
 }
 
 void FrontLed::setOff()
 {
+    setSignal({signal().hertz, 0});
+}
+
+FrontLed::Train FrontLed::train()
+{
     const auto lamps = find();
-    show(lamps, {}); // takes the trigger away, too
-    Store().setNumber("FrontLED.lit", 0);
+    if (!canTrain(lamps))
+        throw Failure{NotSupported, {}};
+    Store store;
+    return keptTrain(store);
+}
+
+void FrontLed::setTrain(const Train &train)
+{
+    const auto lamps = find();
+    if (!canTrain(lamps))
+        throw Failure{NotSupported, {}};
+    Store store;
+    set(lamps, color(), keptSignal(store), train);
+    store.setNumber("FrontLED.pulses", train.pulses);
+    store.setNumber("FrontLED.idleTime", train.idleTime);
 }
 
 } // namespace linuxunit
