@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <optional>
+#include <sqlite3.h>
 
 using linuxunit::Counters;
 using linuxunit::Moment;
@@ -24,6 +25,9 @@ private slots:
     void withoutServiceThereIsNone();
     void startsAndClasses();
     void gapsHaveNoTemperature();
+    void batteriesAreCounted();
+    void olderFileHasNoBattery();
+    void serviceCountsTheBattery();
     void brokenFileIsTold();
     void serviceSurvivesKill();
     void serviceRefuses();
@@ -36,8 +40,8 @@ private:
 
 void LinuxCounterTest::withoutServiceThereIsNone()
 {
-    for (const char *operation :
-        {"Diagnostics_getTimers", "Diagnostics_getMinMaxTemp", "Diagnostics_getPowerCycles"})
+    for (const char *operation : {"Diagnostics_getTimers", "Diagnostics_getMinMaxTemp",
+             "Diagnostics_getPowerCycles", "Battery_getTimes", "Battery_getMinMaxTemp"})
         QCOMPARE(unit->call(operation).code, 2);
     const Counters made;
     QCOMPARE(unit->call("Diagnostics_getTimers").code, 18);
@@ -70,6 +74,65 @@ void LinuxCounterTest::gapsHaveNoTemperature()
     QCOMPARE(times(), (std::vector<double>{600, 0, 0, 0, 0, 0, 0}));
     counters.add({"first", 36060, 0, 50.0});
     QCOMPARE(times(), (std::vector<double>{601, 0, 0, 1, 0, 0, 0}));
+}
+
+void LinuxCounterTest::batteriesAreCounted()
+{
+    Counters counters;
+    counters.add({"first", 60, 0, 25.0});
+    QCOMPARE(unit->call("Battery_getTimes").code, 2);
+    double now = 60;
+    for (const double celsius : {-20.1, -20.0, 0.0, 40.0, 60.0, 70.0, 80.0, 80.1})
+        counters.add({"first", now += 60, 0, 25.0, linuxunit::BatteryMoment{false, celsius}});
+    counters.add({"first", now += 60, 0, 25.0, linuxunit::BatteryMoment{true, std::nullopt}});
+    counters.add({"first", now += 60, 0, 25.0, linuxunit::BatteryMoment{std::nullopt, 20.0}});
+    counters.add({"first", now += 60, 0, 25.0}); // taken out
+    counters.add({"first", now += 3600, 0, 25.0, linuxunit::BatteryMoment{true, 20.0}});
+    QCOMPARE(
+        unit->call("Battery_getTimes").numbers, (std::vector<double>{8, 1, 1, 1, 2, 1, 1, 2, 1}));
+    QCOMPARE(unit->call("Battery_getMinMaxTemp").numbers, (std::vector<double>{-20, 80}));
+}
+
+void LinuxCounterTest::olderFileHasNoBattery()
+{
+    {
+        Counters counters;
+        counters.add({"first", 60, 0, 25.0, linuxunit::BatteryMoment{true, std::nullopt}});
+    }
+    QCOMPARE(unit->call("Battery_getTimes").code, 0);
+    QCOMPARE(unit->call("Battery_getMinMaxTemp").code, 2); // it measures none
+    sqlite3 *open = nullptr;
+    QCOMPARE(sqlite3_open(Counters::path().c_str(), &open), SQLITE_OK);
+    QCOMPARE(sqlite3_exec(open, "DROP TABLE battery", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(open);
+    QCOMPARE(unit->call("Battery_getTimes").code, 2);
+    QCOMPARE(unit->call("Diagnostics_getPowerCycles").code, 0);
+    Counters counters;
+    counters.add({"first", 120, 0, 25.0, linuxunit::BatteryMoment{true, 21.0}});
+    QCOMPARE(unit->call("Battery_getMinMaxTemp").numbers, (std::vector<double>{21, 21}));
+}
+
+void LinuxCounterTest::serviceCountsTheBattery()
+{
+    unit->write("/proc/sys/kernel/random/boot_id"_s, "f00\n");
+    const auto folder = "/sys/class/power_supply/BAT0"_s;
+    unit->write(folder + "/type"_s, "Battery\n");
+    unit->write(folder + "/status"_s, "Discharging\n");
+    unit->write(folder + "/temp"_s, "-56\n");
+    QProcess service;
+    service.setProcessChannelMode(QProcess::ForwardedChannels);
+    service.start(QStringLiteral(VORN_BIN_DIR "/vornaux-counter"),
+        {QStringLiteral("--interval"), QStringLiteral("1")});
+    QVERIFY(service.waitForStarted());
+    QTRY_COMPARE_WITH_TIMEOUT(
+        unit->call("Battery_getMinMaxTemp").numbers, (std::vector<double>{-6, -6}), 30000);
+    // This start may be older than what a count is sure of.
+    QTRY_VERIFY_WITH_TIMEOUT(Counters::readBattery().onBattery > 0, 30000);
+    QVERIFY(Counters::readBattery().atMinus20To0 > 0);
+    QCOMPARE(Counters::readBattery().onMainPower, 0.0);
+    service.terminate();
+    QVERIFY(service.waitForFinished());
+    QCOMPARE(service.exitCode(), 0);
 }
 
 void LinuxCounterTest::brokenFileIsTold()

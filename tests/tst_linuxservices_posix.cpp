@@ -70,6 +70,28 @@ def tell(status, percent, self=self, time=time):
            "\n\"\"\")\n";
 }
 
+/** UPower with one battery of these properties, beside that of a mouse. */
+QByteArray upower(const QByteArray &properties, const QByteArray &daemon = "'OnBattery': False")
+{
+    return R"py(
+UP = 'org.freedesktop.UPower'
+manager = service(UP, '/org/freedesktop/UPower', UP, properties={)py" +
+           daemon + R"py(})
+def device(name, properties):
+    path = '/org/freedesktop/UPower/devices/' + name
+    manager.AddObject(path, UP + '.Device', {'Type': dbus.UInt32(2), 'IsPresent': True,
+        'PowerSupply': True, **properties}, [])
+    return dbus.ObjectPath(path)
+found = [device('mouse', {'PowerSupply': False, 'Percentage': 11.0}), device('own', {)py" +
+           properties + R"py(})]
+manager.AddMethod(UP, 'EnumerateDevices', '', 'ao', 'ret = ' + repr(found))
+)py";
+}
+
+const QByteArray ups = "'Type': dbus.UInt32(3), 'NativePath': '/sys/devices/usb1/hiddev0', "
+                       "'Percentage': 87.4, 'State': dbus.UInt32(2), 'Serial': 'B4711', "
+                       "'Model': 'Back-UPS', 'BatteryLevel': dbus.UInt32(1), 'Temperature': 0.0";
+
 const char *const used = "ret = {'percent_used': dbus.Byte(3), 'avail_spare': dbus.Byte(100)}";
 
 } // namespace
@@ -95,6 +117,11 @@ private slots:
     void busDiesAndComesBack();
     void shutDown_data();
     void shutDown();
+    void batteryOfTheServiceAlone();
+    void serviceCompletesTheBattery();
+    void batteryServiceLies_data();
+    void batteryServiceLies();
+    void batteryServiceIsLateAndDies();
     void suspendTime();
     void brightnessWithoutRights();
     void firmwareIsInstalled();
@@ -296,6 +323,108 @@ void LinuxServicesTest::shutDown()
     QTEST(kindOf(answer), "kind");
     QTEST(unit->textOf(answer), "text");
     QTRY_VERIFY(bus->calls().contains("PowerOff False"));
+}
+
+void LinuxServicesTest::batteryOfTheServiceAlone()
+{
+    unit->write("/sys/class/net/lo/type"_s, "772\n");
+    QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getVoltageLevel").code, 2);
+    bus->play(upower(ups));
+    QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{1});
+    QCOMPARE(call("Battery_getVoltageLevel").numbers, std::vector<double>{87});
+    QCOMPARE(call("Battery_getChargingStatus").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getPowerSource").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getSerialNumber").text, QByteArray("B4711"));
+    QCOMPARE(call("Battery_getHwVersion").text, QByteArray("Back-UPS"));
+    QCOMPARE(call("Battery_getTemperature").code, 2);
+    QCOMPARE(call("Battery_getHwErrorStatus").code, 2);
+    // The machine is asked where the battery doesn't say.
+    bus->play(upower("'Type': dbus.UInt32(3), 'NativePath': '/sys/devices/usb1/hiddev0', "
+                     "'State': dbus.UInt32(6), 'Temperature': 31.6",
+        "'OnBattery': True"));
+    QCOMPARE(call("Battery_getPowerSource").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getVoltageLevel").code, 2);
+    QCOMPARE(call("Battery_getTemperature").numbers, std::vector<double>{32});
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s, R"({"battery": {"device": "hiddev0"}})");
+    QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{1});
+    unit->write("/unit.json"_s, R"({"battery": {"device": "hiddev1"}})");
+    QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getVoltageLevel").code, 18);
+    unit->write("/unit.json"_s, R"({"battery": false})");
+    QCOMPARE(call("Battery_isAvailable").code, 2);
+}
+
+void LinuxServicesTest::serviceCompletesTheBattery()
+{
+    const auto folder = "/sys/class/power_supply/BAT0"_s;
+    unit->write(folder + "/type"_s, "Battery\n");
+    unit->write(folder + "/status"_s, "Charging\n");
+    unit->write(folder + "/serial_number"_s, "\n");
+    const auto service = upower("'NativePath': 'BAT0', 'Percentage': 55.0, 'Temperature': 28.4, "
+                                "'State': dbus.UInt32(2), 'Serial': '0815'");
+    bus->play(service);
+    // The kernel's word goes first.
+    QCOMPARE(call("Battery_getChargingStatus").numbers, std::vector<double>{1});
+    QCOMPARE(call("Battery_getVoltageLevel").numbers, std::vector<double>{55});
+    QCOMPARE(call("Battery_getTemperature").numbers, std::vector<double>{28});
+    QCOMPARE(call("Battery_getSerialNumber").text, QByteArray("0815"));
+    QCOMPARE(call("Battery_getHwVersion").code, 2);
+    unit->write(folder + "/capacity"_s, "54\n");
+    QCOMPARE(call("Battery_getVoltageLevel").numbers, std::vector<double>{54});
+    // What the kernel hasn't got any more has gone, whatever the service remembers.
+    unit->remove(folder);
+    QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{0});
+    QCOMPARE(call("Battery_getVoltageLevel").code, 18);
+}
+
+void LinuxServicesTest::batteryServiceLies_data()
+{
+    QTest::addColumn<QByteArray>("properties");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QByteArray>("text");
+    const auto row = [](const char *name, const QByteArray &lie, int kind, const char *text) {
+        QTest::newRow(name) << QByteArray("'NativePath': '/sys/devices/usb1/hiddev0', ") + lie
+                            << kind << QByteArray(text);
+    };
+    row("too much", "'Percentage': 250.0", 104, "UPower tells of 250% of charge");
+    row("negative", "'Percentage': -1.0", 104, "UPower tells of -1% of charge");
+    row("no number", "'Percentage': float('nan')", 104, "UPower tells of no number% of charge");
+    row("a text", "'Percentage': '80'", 104, "UPower tells of no number% of charge");
+    row("nothing", "'Energy': 3.0", 2, "Not supported by this machine");
+    row("a level of its own", "'Percentage': 55.0, 'BatteryLevel': dbus.UInt32(6)", 2,
+        "Not supported by this machine");
+    row("no type", "'Type': 'battery'", 2, "Not supported by this machine");
+    row("an empty slot", "'IsPresent': False", 2, "Not supported by this machine");
+}
+
+void LinuxServicesTest::batteryServiceLies()
+{
+    QFETCH(QByteArray, properties);
+    bus->play(upower(properties));
+    const auto answer = call("Battery_getVoltageLevel");
+    QTEST(kindOf(answer), "kind");
+    QTEST(unit->textOf(answer), "text");
+    bus->play("UP = 'org.freedesktop.UPower'\n"
+              "manager = service(UP, '/org/freedesktop/UPower', UP)\n"
+              "manager.AddMethod(UP, 'EnumerateDevices', '', 's', 'ret = \"none\"')");
+    QCOMPARE(kindOf(call("Battery_getVoltageLevel")), 104);
+}
+
+void LinuxServicesTest::batteryServiceIsLateAndDies()
+{
+    unit->write("/sys/class/net/lo/type"_s, "772\n");
+    bus->play(upower(ups).replace("'ret = '", "'import time; time.sleep(0.3); ret = '"));
+    QCOMPARE(call("Battery_isAvailable").code, 18); // neither yes nor no
+    QTRY_COMPARE_WITH_TIMEOUT(
+        call("Battery_getVoltageLevel").numbers, std::vector<double>{87}, 5000);
+    bus->play(upower(ups));
+    QTRY_COMPARE(call("Battery_getVoltageLevel").code, 0);
+    bus->killServices();
+    QTRY_COMPARE(call("Battery_getVoltageLevel").code, 18);
+    bus->play(upower(ups));
+    QTRY_COMPARE(call("Battery_getVoltageLevel").numbers, std::vector<double>{87});
 }
 
 void LinuxServicesTest::suspendTime()

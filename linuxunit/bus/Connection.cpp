@@ -98,6 +98,15 @@ struct Connection::Watched {
     ~Watched() { sd_bus_slot_unref(slot); }
 };
 
+bool Connection::isPossible()
+{
+    constexpr std::string_view socket = "unix:path=";
+    const auto where = address();
+    // Sockets of other kinds, and lists of them, have no place where one could look.
+    return !where.starts_with(socket) || where.find_first_of(",;%") != where.npos ||
+           ::access(where.substr(socket.size()).c_str(), F_OK) == 0;
+}
+
 Connection::Connection()
     : wake(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {

@@ -28,6 +28,9 @@ public:
 
     static constexpr std::chrono::seconds noLimit{0};
 
+    /** Whether this machine has a bus to connect to. Without waiting. */
+    static bool isPossible();
+
     Connection();
     ~Connection();
     Connection(const Connection &) = delete;

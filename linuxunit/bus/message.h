@@ -29,4 +29,19 @@ int appendArguments(sd_bus_message *message, const std::vector<BusArgument> &arg
  *  body that can't be read. */
 nlohmann::json bodyOf(sd_bus_message *message);
 
+/** What an object has of that name and type; the other one if it hasn't. */
+template <typename T>
+T valueOf(const nlohmann::json &object, const std::string &name, T otherwise)
+{
+    const auto found = object.is_object() ? object.find(name) : object.end();
+    if (!object.is_object() || found == object.end())
+        return otherwise;
+    if constexpr (std::is_same_v<T, std::string>)
+        return found->is_string() ? found->get<std::string>() : otherwise;
+    else if constexpr (std::is_same_v<T, bool>)
+        return found->is_boolean() ? found->get<bool>() : otherwise;
+    else
+        return found->is_number() ? found->get<T>() : otherwise;
+}
+
 } // namespace linuxunit

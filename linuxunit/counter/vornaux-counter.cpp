@@ -1,5 +1,6 @@
 #include "commandline/commandline.h"
 #include "linuxunit/calls/Failure.h"
+#include "linuxunit/devices/Accumulator.h"
 #include "linuxunit/devices/Sensors.h"
 #include "linuxunit/kernel/files.h"
 #include "linuxunit/store/Counters.h"
@@ -25,27 +26,43 @@ double secondsOf(clockid_t clock)
     return double(now.tv_sec) + double(now.tv_nsec) / 1e9;
 }
 
-/** Of the main board, or else of the first sensor there is. */
-std::optional<double> celsius()
+/** What a reading gives, nothing if it isn't to be had. */
+template <typename Reading>
+auto readingOf(const Reading &read) -> std::optional<decltype(read())>
 {
-    Thermometers thermometers;
     try {
-        return thermometers.board();
-    } catch (const Failure &) {
-        // Not measured, or not now.
-    }
-    try {
-        return thermometers.processor(0).celsius;
+        return read();
     } catch (const Failure &) {
         return std::nullopt;
     }
+}
+
+/** Of the main board, or else of the first sensor there is. */
+std::optional<std::int16_t> celsius()
+{
+    Thermometers thermometers;
+    const auto board = readingOf([&] { return thermometers.board(); });
+    return board ? board : readingOf([&] { return thermometers.processor(0).celsius; });
+}
+
+std::optional<BatteryMoment> batteryNow()
+{
+    Accumulator battery;
+    if (!readingOf([&] { return battery.isAvailable(); }).value_or(false))
+        return std::nullopt;
+    BatteryMoment moment;
+    if (const auto source = readingOf([&] { return battery.powerSource(); }))
+        moment.isFeeding = *source == POWER_BATTERY;
+    if (const auto celsius = readingOf([&] { return battery.celsius(); }))
+        moment.celsius = *celsius;
+    return moment;
 }
 
 Moment present()
 {
     const double running = secondsOf(CLOCK_MONOTONIC);
     return {readText("/proc/sys/kernel/random/boot_id"), running,
-        std::max(secondsOf(CLOCK_BOOTTIME) - running, 0.0), celsius()};
+        std::max(secondsOf(CLOCK_BOOTTIME) - running, 0.0), celsius(), batteryNow()};
 }
 
 /** False when the process is asked to end. */

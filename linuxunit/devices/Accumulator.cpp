@@ -1,6 +1,7 @@
 #include "linuxunit/devices/Accumulator.h"
 
 #include "linuxunit/calls/Failure.h"
+#include "linuxunit/devices/PowerDaemon.h"
 #include "linuxunit/kernel/Reading.h"
 #include "linuxunit/kernel/texts.h"
 #include "linuxunit/machine/Machine.h"
@@ -9,6 +10,8 @@
 #include <cmath>
 
 namespace linuxunit {
+
+using nlohmann::json;
 
 namespace {
 
@@ -38,10 +41,62 @@ std::optional<bool> isFed()
     return fed;
 }
 
-std::int64_t percentOf(const std::string &folder)
+/** What was told in place of a value that can be. */
+Failure impossible(const std::string &source, double value, const char *what)
+{
+    const auto told = std::isfinite(value) ? std::to_string(std::lround(value)) : "no number";
+    return {UnexpectedContent, latin1(source + " tells of " + told + what)};
+}
+
+std::uint8_t checkedPercent(double percent, const std::string &source)
+{
+    constexpr double overfull = 110; // gauges that have to learn the battery tell of such
+    if (!(percent >= 0 && percent <= overfull))
+        throw impossible(source, percent, "% of charge");
+    return std::uint8_t(std::min(std::lround(percent), 100L));
+}
+
+std::int16_t checkedCelsius(double celsius, const std::string &source)
+{
+    constexpr double coldest = -100;
+    constexpr double hottest = 200;
+    if (!(celsius >= coldest && celsius <= hottest))
+        throw impossible(source, celsius, " degrees C");
+    return std::int16_t(std::lround(celsius));
+}
+
+constexpr const char *daemonName = "UPower";
+
+/** As UPower counts. */
+enum DaemonState { Charging = 1, Discharging = 2, Empty = 3, Full = 4, PendingCharge = 5 };
+
+std::int32_t chargingStatusOf(int state)
+{
+    if (state == Charging)
+        return CHARGING_ACTIVE;
+    if (state == Full)
+        return CHARGING_FULL;
+    return state >= Discharging && state <= PendingCharge + 1 ? CHARGING_IDLE : CHARGING_UNKNOWN;
+}
+
+/** Of a battery that UPower alone knows, a UPS say. */
+std::int32_t powerSourceOf(int state)
+{
+    if (state == Discharging || state == Empty)
+        return POWER_BATTERY;
+    if (state == Charging || state == Full || state == PendingCharge)
+        return POWER_EXTERNAL;
+    const auto onBattery = upower::isOnBattery();
+    if (!onBattery)
+        throw Failure{NotAvailable, {}};
+    return *onBattery ? POWER_BATTERY : POWER_EXTERNAL;
+}
+
+/** Nothing if the kernel doesn't tell. */
+std::optional<double> percentOf(const std::string &folder)
 {
     if (exists(folder + "/capacity"))
-        return readSlowNumber(folder + "/capacity");
+        return double(readSlowNumber(folder + "/capacity"));
     for (const char *kind : {"/charge_", "/energy_"}) {
         const auto file = folder + kind;
         if (!exists(file + "now") || !exists(file + "full"))
@@ -49,9 +104,9 @@ std::int64_t percentOf(const std::string &folder)
         const double full = readSlowReal(file + "full");
         if (full <= 0)
             throw Failure{NotAvailable, {}};
-        return std::lround(readSlowReal(file + "now") / full * 100);
+        return readSlowReal(file + "now") / full * 100;
     }
-    throw Failure{NotSupported, {}};
+    return std::nullopt;
 }
 
 } // namespace
@@ -68,51 +123,77 @@ std::optional<std::string> Accumulator::find()
     return std::nullopt;
 }
 
+/** Empty if the kernel hasn't got it. */
 std::string Accumulator::folder()
 {
     const auto found = find();
     wasThere = wasThere || found || !Machine::present()->text("battery", "device").empty();
-    if (!found)
-        throw Failure{wasThere ? NotAvailable : NotSupported, {}};
     // A slot without a battery.
-    if (numberOf(*found + "/present") == 0)
+    if (found && numberOf(*found + "/present") == 0)
         throw Failure{NotAvailable, {}};
-    return *found;
+    return found.value_or("");
 }
 
+/** Empty if the kernel doesn't tell it, of this battery or of any. */
 std::string Accumulator::fileOf(const char *name)
 {
-    auto file = std::string(folder()).append("/").append(name);
-    if (!exists(file))
-        throw Failure{NotSupported, {}};
-    return file;
+    const auto place = folder();
+    if (place.empty())
+        return {};
+    auto file = place + "/" + name;
+    return exists(file) ? file : std::string();
+}
+
+/** What UPower says of the battery. */
+json Accumulator::known()
+{
+    const auto place = folder();
+    if (!place.empty()) {
+        const auto battery = upower::batteryOfKernel(place.substr(place.rfind('/') + 1));
+        return battery ? *battery : throw Failure{NotSupported, {}};
+    }
+    const auto battery = upower::otherBattery(Machine::present()->text("battery", "device"));
+    if (!battery)
+        throw Failure{wasThere ? NotAvailable : NotSupported, {}};
+    wasThere = true;
+    return *battery;
 }
 
 bool Accumulator::isAvailable()
 {
     if (!exists("/sys/class"))
         throw Failure{NotSupported, {}};
-    const auto found = find();
-    wasThere = wasThere || found;
-    return found && numberOf(*found + "/present").value_or(1) != 0;
+    if (const auto found = find()) {
+        wasThere = true;
+        return numberOf(*found + "/present").value_or(1) != 0;
+    }
+    const bool isKnown =
+        upower::otherBattery(Machine::present()->text("battery", "device")).has_value();
+    wasThere = wasThere || isKnown;
+    return isKnown;
 }
 
 std::uint8_t Accumulator::percent()
 {
-    const auto place = folder();
-    const auto percent = percentOf(place);
-    constexpr std::int64_t overfull = 110; // gauges that have to learn the battery tell of such
-    if (percent < 0 || percent > overfull)
-        throw Failure{
-            UnexpectedContent, place + " tells of a charge of " + std::to_string(percent) + "%"};
-    return std::uint8_t(std::min<std::int64_t>(percent, 100));
+    if (const auto place = folder(); !place.empty()) {
+        if (const auto percent = percentOf(place))
+            return checkedPercent(*percent, place);
+    }
+    const auto battery = known();
+    // With a level of its own, "low" say, UPower makes up a percentage.
+    constexpr int noLevel = 1;
+    if (!battery.contains("Percentage") || valueOf(battery, "BatteryLevel", noLevel) != noLevel)
+        throw Failure{NotSupported, {}};
+    return checkedPercent(valueOf(battery, "Percentage", std::nan("")), daemonName);
 }
 
 std::int32_t Accumulator::chargingStatus()
 {
-    const auto place = folder();
-    const auto status = readSlowText(place + "/status");
-    const auto health = textOf(place + "/health").value_or("");
+    const auto file = fileOf("status");
+    if (file.empty())
+        return chargingStatusOf(valueOf(known(), "State", 0));
+    const auto status = readSlowText(file);
+    const auto health = textOf(fileOf("health")).value_or("");
     if (status == "Charging")
         return CHARGING_ACTIVE;
     if (status == "Full")
@@ -129,31 +210,37 @@ std::int32_t Accumulator::chargingStatus()
 std::int32_t Accumulator::powerSource()
 {
     const auto place = folder();
+    if (place.empty())
+        return powerSourceOf(valueOf(known(), "State", 0));
     if (const auto fed = isFed())
         return *fed ? POWER_EXTERNAL : POWER_BATTERY;
-    const auto status = readSlowText(place + "/status");
+    const auto file = fileOf("status");
+    const auto status = file.empty() ? std::string() : readSlowText(file);
     if (status == "Discharging")
         return POWER_BATTERY;
     if (status == "Charging" || status == "Full" || status == "Not charging")
         return POWER_EXTERNAL;
-    throw Failure{NotAvailable, {}};
+    return powerSourceOf(0);
 }
 
 std::int16_t Accumulator::celsius()
 {
-    const auto file = fileOf("temp");
-    const double celsius = readSlowReal(file) / 10;
-    constexpr double coldest = -100;
-    constexpr double hottest = 200;
-    if (!(celsius >= coldest && celsius <= hottest))
-        throw Failure{UnexpectedContent,
-            file + " tells of " + std::to_string(std::lround(celsius)) + " degrees C"};
-    return std::int16_t(std::lround(celsius));
+    if (const auto file = fileOf("temp"); !file.empty())
+        return checkedCelsius(readSlowReal(file) / 10, file);
+    const auto celsius = valueOf(known(), "Temperature", 0.0);
+    if (celsius == 0) // as UPower says that there is none
+        throw Failure{NotSupported, {}};
+    return checkedCelsius(celsius, daemonName);
 }
 
 std::int32_t Accumulator::errorStatus()
 {
     const auto file = fileOf("health");
+    if (file.empty()) {
+        if (folder().empty())
+            known();
+        throw Failure{NotSupported, {}}; // nor does UPower say
+    }
     const auto health = readSlowText(file);
     for (const char *sound : {"Good", "Warm", "Cool", "Hot", "Cold", "Overheat"}) {
         if (health == sound)
@@ -173,15 +260,28 @@ std::int32_t Accumulator::errorStatus()
 std::string Accumulator::name()
 {
     const auto place = folder();
-    return place.substr(place.rfind('/') + 1);
+    return place.empty() ? upower::nameOf(known()) : place.substr(place.rfind('/') + 1);
 }
 
-std::string Accumulator::text(const char *name)
+std::string Accumulator::text(const char *file, const char *property)
 {
-    const auto text = readText(fileOf(name));
+    const auto path = fileOf(file);
+    auto text = path.empty() ? std::string() : readText(path);
+    if (isPlaceholder(text))
+        text = valueOf(known(), property, std::string());
     if (isPlaceholder(text))
         throw Failure{NotSupported, {}};
     return latin1(text);
+}
+
+std::string Accumulator::serial()
+{
+    return text("serial_number", "Serial");
+}
+
+std::string Accumulator::model()
+{
+    return text("model_name", "Model");
 }
 
 } // namespace linuxunit

@@ -1,16 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
 namespace linuxunit {
 
 /**
- * The machine's battery, as the kernel's power supplies tell it: the one that the configuration
- * names, or the first that isn't that of a mouse or the like. Every call looks at what is there
- * now. Without a battery all but isAvailable() throw 2, or 18 when there was one or its slot is
- * empty. One thread at a time.
+ * The machine's battery: the one that the configuration names, or the first of the kernel's power
+ * supplies that isn't that of a mouse or the like; else the first one that UPower knows, a UPS say.
+ * What the kernel doesn't tell of its battery UPower is asked for. Every call looks at what is
+ * there now. Without a battery all but isAvailable() throw 2, or 18 when there was one or its slot
+ * is empty. One thread at a time.
  */
 class Accumulator
 {
@@ -21,15 +23,17 @@ public:
     std::int32_t powerSource();    ///< BatteryPowerSource
     std::int16_t celsius();
     std::int32_t errorStatus(); ///< BatteryErrorStatus
-    /** A text of the battery: "serial_number", "model_name". */
-    std::string text(const char *name);
-    /** Name below /sys/class/power_supply. */
+    std::string serial();
+    std::string model();
+    /** Name below /sys/class/power_supply, or the last part of what UPower calls its NativePath. */
     std::string name();
 
 private:
     std::optional<std::string> find();
     std::string folder();
     std::string fileOf(const char *name);
+    nlohmann::json known();
+    std::string text(const char *file, const char *property);
 
     bool wasThere = false;
 };

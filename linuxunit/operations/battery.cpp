@@ -1,5 +1,6 @@
 #include "linuxunit/calls/perform.h"
 #include "linuxunit/devices/Accumulator.h"
+#include "linuxunit/store/Counters.h"
 
 using namespace linuxunit;
 
@@ -31,6 +32,31 @@ DeviceCode Battery_getTemperature(BatteryHandle handle, int16_t *celsius)
     return perform(handle, {celsius}, [&](Accumulator &battery) { *celsius = battery.celsius(); });
 }
 
+DeviceCode Battery_getMinMaxTemp(BatteryHandle handle, int16_t *minimum, int16_t *maximum)
+{
+    return perform(handle, {minimum, maximum}, [&](Accumulator & /*unused*/) {
+        const auto counted = Counters::readBattery();
+        if (!counted.coldest || !counted.hottest)
+            throw Failure{NotSupported, {}}; // a battery that measures none
+        const auto coldest = wholeDegrees(*counted.coldest);
+        const auto hottest = wholeDegrees(*counted.hottest);
+        *minimum = coldest;
+        *maximum = hottest;
+    });
+}
+
+DeviceCode Battery_getTimes(BatteryHandle handle, BatteryTimes *times)
+{
+    return perform(handle, {times}, [&](Accumulator & /*unused*/) {
+        const auto counted = Counters::readBattery();
+        *times = {wholeMinutes(counted.onMainPower), wholeMinutes(counted.onBattery),
+            wholeMinutes(counted.belowMinus20), wholeMinutes(counted.atMinus20To0),
+            wholeMinutes(counted.at0To40), wholeMinutes(counted.at40To60),
+            wholeMinutes(counted.at60To70), wholeMinutes(counted.at70To80),
+            wholeMinutes(counted.above80)};
+    });
+}
+
 DeviceCode Battery_getHwErrorStatus(BatteryHandle handle, int32_t *status)
 {
     return perform(
@@ -39,12 +65,10 @@ DeviceCode Battery_getHwErrorStatus(BatteryHandle handle, int32_t *status)
 
 DeviceCode Battery_getHwVersion(BatteryHandle handle, char *buffer, uint32_t size)
 {
-    return performText(
-        handle, buffer, size, [](Accumulator &battery) { return battery.text("model_name"); });
+    return performText(handle, buffer, size, [](Accumulator &battery) { return battery.model(); });
 }
 
 DeviceCode Battery_getSerialNumber(BatteryHandle handle, char *buffer, uint32_t size)
 {
-    return performText(
-        handle, buffer, size, [](Accumulator &battery) { return battery.text("serial_number"); });
+    return performText(handle, buffer, size, [](Accumulator &battery) { return battery.serial(); });
 }

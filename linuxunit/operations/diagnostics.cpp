@@ -3,26 +3,8 @@
 #include "linuxunit/store/Counters.h"
 
 #include <algorithm>
-#include <cmath>
 
 using namespace linuxunit;
-
-namespace {
-
-std::uint32_t minutes(double seconds)
-{
-    constexpr double secondsOfMinute = 60;
-    return std::uint32_t(std::clamp(seconds / secondsOfMinute, 0.0, double(UINT32_MAX)));
-}
-
-std::int16_t degrees(const std::optional<double> &celsius)
-{
-    if (!celsius)
-        throw Failure{NotAvailable, {}};
-    return std::int16_t(std::clamp<long>(std::lround(*celsius), INT16_MIN, INT16_MAX));
-}
-
-} // namespace
 
 DeviceCode Diagnostics_getSSTemp(DiagnosticsHandle handle, int16_t *celsius)
 {
@@ -49,9 +31,9 @@ DeviceCode Diagnostics_getTimers(DiagnosticsHandle handle, DiagnosticTimes *time
     return perform(handle, {times}, [&](Thermometers & /*unused*/) {
         const auto counted = Counters::read();
         constexpr std::uint32_t withoutHeater = 0;
-        *times = {minutes(counted.running), minutes(counted.suspended), withoutHeater,
-            minutes(counted.at40To60), minutes(counted.at60To70), minutes(counted.at70To80),
-            minutes(counted.above80)};
+        *times = {wholeMinutes(counted.running), wholeMinutes(counted.suspended), withoutHeater,
+            wholeMinutes(counted.at40To60), wholeMinutes(counted.at60To70),
+            wholeMinutes(counted.at70To80), wholeMinutes(counted.above80)};
     });
 }
 
@@ -59,8 +41,10 @@ DeviceCode Diagnostics_getMinMaxTemp(DiagnosticsHandle handle, int16_t *minimum,
 {
     return perform(handle, {minimum, maximum}, [&](Thermometers & /*unused*/) {
         const auto counted = Counters::read();
-        const auto coldest = degrees(counted.coldest);
-        const auto hottest = degrees(counted.hottest);
+        if (!counted.coldest || !counted.hottest)
+            throw Failure{NotAvailable, {}};
+        const auto coldest = wholeDegrees(*counted.coldest);
+        const auto hottest = wholeDegrees(*counted.hottest);
         *minimum = coldest;
         *maximum = hottest;
     });

@@ -4,6 +4,7 @@
 #include "linuxunit/kernel/files.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <sqlite3.h>
@@ -80,6 +81,49 @@ std::optional<Row> rowOf(sqlite3 *database)
     return row;
 }
 
+constexpr const char *makeBattery =
+    "CREATE TABLE IF NOT EXISTS battery(id INTEGER PRIMARY KEY CHECK(id = 1), onMainPower REAL, "
+    "onBattery REAL, belowMinus20 REAL, atMinus20To0 REAL, at0To40 REAL, at40To60 REAL, at60To70 "
+    "REAL, at70To80 REAL, above80 REAL, coldest REAL, hottest REAL)";
+
+/** The times in the order of their columns. */
+std::array<double *, 9> timesOf(BatteryCounted &counted)
+{
+    return {&counted.onMainPower, &counted.onBattery, &counted.belowMinus20, &counted.atMinus20To0,
+        &counted.at0To40, &counted.at40To60, &counted.at60To70, &counted.at70To80,
+        &counted.above80};
+}
+
+bool hasTable(sqlite3 *database, const char *name)
+{
+    const auto statement =
+        prepare(database, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1");
+    sqlite3_bind_text(statement.get(), 1, name, -1, SQLITE_STATIC);
+    const int code = sqlite3_step(statement.get());
+    if (code != SQLITE_ROW && code != SQLITE_DONE)
+        fail(database);
+    return code == SQLITE_ROW;
+}
+
+std::optional<BatteryCounted> batteryOf(sqlite3 *database)
+{
+    const auto statement = prepare(database,
+        "SELECT onMainPower, onBattery, belowMinus20, atMinus20To0, at0To40, at40To60, at60To70, "
+        "at70To80, above80, coldest, hottest FROM battery");
+    const int code = sqlite3_step(statement.get());
+    if (code == SQLITE_DONE)
+        return std::nullopt;
+    if (code != SQLITE_ROW)
+        fail(database);
+    BatteryCounted counted;
+    int column = 0;
+    for (double *value : timesOf(counted))
+        *value = std::max(sqlite3_column_double(statement.get(), column++), 0.0);
+    counted.coldest = measuredAt(statement, column++);
+    counted.hottest = measuredAt(statement, column);
+    return counted;
+}
+
 void bind(const Statement &statement, int place, const std::optional<double> &value)
 {
     if (value)
@@ -107,6 +151,21 @@ void write(sqlite3 *database, const Row &row)
         fail(database);
 }
 
+void write(sqlite3 *database, BatteryCounted &counted)
+{
+    const auto statement = prepare(database,
+        "INSERT OR REPLACE INTO battery(id, onMainPower, onBattery, belowMinus20, atMinus20To0, "
+        "at0To40, at40To60, at60To70, at70To80, above80, coldest, hottest) "
+        "VALUES(1, ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)");
+    int place = 1;
+    for (const double *value : timesOf(counted))
+        sqlite3_bind_double(statement.get(), place++, *value);
+    bind(statement, place++, counted.coldest);
+    bind(statement, place, counted.hottest);
+    if (sqlite3_step(statement.get()) != SQLITE_DONE)
+        fail(database);
+}
+
 double *classOf(Counted &counted, double celsius)
 {
     constexpr double warm = 40;
@@ -122,7 +181,44 @@ double *classOf(Counted &counted, double celsius)
     return celsius <= hottest ? &counted.at70To80 : &counted.above80;
 }
 
-void count(Row &row, const Moment &moment)
+double &classOf(BatteryCounted &counted, double celsius)
+{
+    constexpr double icy = -20;
+    constexpr double cold = 0;
+    constexpr double warm = 40;
+    constexpr double hot = 60;
+    constexpr double hotter = 70;
+    constexpr double hottest = 80;
+    if (celsius < cold)
+        return celsius < icy ? counted.belowMinus20 : counted.atMinus20To0;
+    if (celsius < hot)
+        return celsius < warm ? counted.at0To40 : counted.at40To60;
+    if (celsius < hotter)
+        return counted.at60To70;
+    return celsius <= hottest ? counted.at70To80 : counted.above80;
+}
+
+void widen(std::optional<double> &coldest, std::optional<double> &hottest, double celsius)
+{
+    coldest = std::min(coldest.value_or(celsius), celsius);
+    hottest = std::max(hottest.value_or(celsius), celsius);
+}
+
+/** @param passed seconds */
+void count(BatteryCounted &counted, const BatteryMoment &moment, double passed)
+{
+    const bool isSure = passed <= longestMeasured;
+    if (isSure && moment.isFeeding)
+        (*moment.isFeeding ? counted.onBattery : counted.onMainPower) += passed;
+    if (!moment.celsius || !std::isfinite(*moment.celsius))
+        return;
+    widen(counted.coldest, counted.hottest, *moment.celsius);
+    if (isSure)
+        classOf(counted, *moment.celsius) += passed;
+}
+
+/** @return seconds that this start ran since the last count */
+double count(Row &row, const Moment &moment)
 {
     if (moment.boot != row.boot) {
         row.boot = moment.boot;
@@ -136,15 +232,42 @@ void count(Row &row, const Moment &moment)
     row.running = std::max(moment.running, row.running);
     row.suspended = std::max(moment.suspended, row.suspended);
     if (!moment.celsius || !std::isfinite(*moment.celsius))
-        return;
-    const double celsius = *moment.celsius;
-    row.counted.coldest = std::min(row.counted.coldest.value_or(celsius), celsius);
-    row.counted.hottest = std::max(row.counted.hottest.value_or(celsius), celsius);
-    if (auto *time = classOf(row.counted, celsius); time && passed <= longestMeasured)
+        return passed;
+    widen(row.counted.coldest, row.counted.hottest, *moment.celsius);
+    if (auto *time = classOf(row.counted, *moment.celsius); time && passed <= longestMeasured)
         *time += passed;
+    return passed;
+}
+
+using Database = std::unique_ptr<sqlite3, int (*)(sqlite3 *)>;
+
+/** To be read; throws 2 if nobody ever counted. */
+Database openFile()
+{
+    if (::access(Counters::path().c_str(), F_OK) != 0)
+        throw Failure{NotSupported, {}};
+    sqlite3 *open = nullptr;
+    const int code =
+        sqlite3_open_v2(Counters::path().c_str(), &open, SQLITE_OPEN_READONLY, nullptr);
+    Database database(open, &sqlite3_close);
+    if (code != SQLITE_OK)
+        fail(open);
+    sqlite3_busy_timeout(open, longestWait);
+    return database;
 }
 
 } // namespace
+
+std::uint32_t wholeMinutes(double seconds)
+{
+    constexpr double secondsOfMinute = 60;
+    return std::uint32_t(std::clamp(seconds / secondsOfMinute, 0.0, double(UINT32_MAX)));
+}
+
+std::int16_t wholeDegrees(double celsius)
+{
+    return std::int16_t(std::lround(std::clamp<double>(celsius, INT16_MIN, INT16_MAX)));
+}
 
 void Counters::Closer::operator()(sqlite3 *open) const
 {
@@ -158,18 +281,21 @@ std::string Counters::path()
 
 Counted Counters::read()
 {
-    if (::access(path().c_str(), F_OK) != 0)
-        throw Failure{NotSupported, {}};
-    sqlite3 *open = nullptr;
-    const int code = sqlite3_open_v2(path().c_str(), &open, SQLITE_OPEN_READONLY, nullptr);
-    const std::unique_ptr<sqlite3, Closer> database(open);
-    if (code != SQLITE_OK)
-        fail(open);
-    sqlite3_busy_timeout(open, longestWait);
-    const auto row = rowOf(open);
+    const auto row = rowOf(openFile().get());
     if (!row)
         throw Failure{NotAvailable, {}};
     return row->counted;
+}
+
+BatteryCounted Counters::readBattery()
+{
+    const auto database = openFile();
+    // A service from before it counted for batteries has made the file.
+    const auto counted =
+        hasTable(database.get(), "battery") ? batteryOf(database.get()) : std::nullopt;
+    if (!counted)
+        throw Failure{NotSupported, {}};
+    return *counted;
 }
 
 Counters::Counters()
@@ -192,6 +318,7 @@ Counters::Counters()
         "REAL, totalSuspended REAL, at40To60 REAL, at60To70 REAL, at70To80 REAL, above80 REAL, "
         "powerCycles INTEGER, coldest REAL, hottest REAL, running REAL, suspended REAL, boot "
         "TEXT)");
+    execute(open, makeBattery);
 }
 
 Counters::~Counters() = default;
@@ -201,8 +328,13 @@ void Counters::add(const Moment &moment)
     execute(database.get(), "BEGIN IMMEDIATE");
     try {
         auto row = rowOf(database.get()).value_or(Row{});
-        count(row, moment);
+        const double passed = count(row, moment);
         write(database.get(), row);
+        if (moment.battery) {
+            auto counted = batteryOf(database.get()).value_or(BatteryCounted{});
+            count(counted, *moment.battery, passed);
+            write(database.get(), counted);
+        }
         execute(database.get(), "COMMIT");
     } catch (const Failure &) {
         sqlite3_exec(database.get(), "ROLLBACK", nullptr, nullptr, nullptr);
