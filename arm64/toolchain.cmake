@@ -1,0 +1,27 @@
+# Cross-compiles for 64-bit ARM with Debian's compiler. Headers and libraries of the other side lie where
+# arm64/sysroot puts them.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+
+if(NOT VORN_ARM64_SYSROOT)
+    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/sysroot --path
+        OUTPUT_VARIABLE VORN_ARM64_SYSROOT OUTPUT_STRIP_TRAILING_WHITESPACE
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VORN_ARM64_SYSROOT)
+
+set(CMAKE_SYSROOT ${VORN_ARM64_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH ${VORN_ARM64_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${VORN_ARM64_SYSROOT})
+set(ENV{PKG_CONFIG_LIBDIR}
+    ${VORN_ARM64_SYSROOT}/usr/lib/aarch64-linux-gnu/pkgconfig:${VORN_ARM64_SYSROOT}/usr/share/pkgconfig)
+
+# moc, uic and rcc run here.
+set(QT_HOST_PATH /usr)
+set(QT_HOST_PATH_CMAKE_DIR /usr/lib/${CMAKE_HOST_SYSTEM_PROCESSOR}-linux-gnu/cmake)
