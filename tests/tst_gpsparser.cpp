@@ -142,96 +142,18 @@ private slots:
     {
         QTest::addColumn<QByteArray>("line");
         QTest::addColumn<QByteArray>("shown");
-        const QByteArray speed = "newSpeed \"022.4 knots, Heading: 084.4 degrees\"\n";
-        QTest::newRow("position")
-            << QByteArray("$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230324,003.1,W*6A\r")
-            << "newTime \"2024-03-23 - 12:35:19\"\n"
-               "newPos \"4807.038N 01131.000E \"\n" +
-                   speed;
-        QTest::newRow("invalid position")
-            << QByteArray("$GPRMC,123519.000,V,4807.038,N,01131.000,E,0.0,0.0,230394,,,N")
-            << QByteArray("newTime \"2094-03-23 - 12:35:19\"\n"
-                          "newPos \"4807.038N 01131.000E - INVALID\"\n"
-                          "newSpeed \"0.0 knots, Heading: 0.0 degrees\"\n");
-        QTest::newRow("status of two letters")
-            << QByteArray("$GPRMC,123519,AA,48.0,N,11.0,E,,,,")
-            << QByteArray(
-                   "newPos \"48.0N 11.0E - INVALID\"\nnewSpeed \" knots, Heading:  degrees\"\n");
-        QTest::newRow("no position")
-            << QByteArray("$GPRMC,123519,V,,,,,,,230324,,*00")
-            << QByteArray(
-                   "newTime \"2024-03-23 - 12:35:19\"\nnewSpeed \" knots, Heading:  degrees\"\n");
-        QTest::newRow("latitude without a point")
-            << QByteArray("$GPRMC,123519,A,4807,N,01131.0,E,,,,")
-            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n");
-        QTest::newRow("longitude without a point")
-            << QByteArray("$GPRMC,123519,A,4807.0,N,01131,E,,,,")
-            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n");
-        QTest::newRow("date of 5 characters")
-            << QByteArray("$GPRMC,123519,A,,,,,1,2,23032,")
-            << QByteArray("newSpeed \"1 knots, Heading: 2 degrees\"\n");
-        QTest::newRow("date of 7 characters")
-            << QByteArray("$GPRMC,123519,A,,,,,1,2,2303249,")
-            << QByteArray(
-                   "newTime \"2024-03-23 - 12:35:19\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
-        QTest::newRow("name in the middle")
-            << QByteArray("noise$GPRMC,123519,A,,,,,1,2,,")
-            << QByteArray("newSpeed \"1 knots, Heading: 2 degrees\"\n");
-        QTest::newRow("a comma in front of the name")
-            << QByteArray("x,123519,$GPRMC,1.0,N,2.0,E,1,2,,")
-            << QByteArray(
-                   "newPos \"1.0N 2.0E - INVALID\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
-        QTest::newRow("time of 4 characters")
-            << QByteArray("$GPRMC,1235,A,,,,,1,2,230324,")
-            << QByteArray(
-                   "newTime \"2024-03-23 - 12:35:\"\nnewSpeed \"1 knots, Heading: 2 degrees\"\n");
-        QTest::newRow("time of 3 characters")
-            << QByteArray("$GPRMC,123,A,4.0,N,1.0,E,1,2,230324,") << QByteArray();
-        QTest::newRow("no time") << QByteArray("$GPRMC,,A,4.0,N,1.0,E,1,2,230324,") << QByteArray();
-        QTest::newRow("short time silences the whole line")
-            << QByteArray("$GPRMC,12,A,$GPGGA,$PFST,FOM,1*00") << QByteArray();
-
-        QTest::newRow("altitude and satellites")
-            << QByteArray("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47")
-            << QByteArray("newAlt \"545.4 meters\"\nnewSat \"08\"\n");
-        QTest::newRow("no fix") << QByteArray("$GPGGA,123519,,,,,0,00,,,M,,M,,*66")
-                                << QByteArray("newSat \"00\"\n");
-        QTest::newRow("altitude of 6 characters without a point")
-            << QByteArray("$GPGGA,,,,,,,8,,123456,") << QByteArray("newSat \"8\"\n");
-        QTest::newRow("altitude of 6 characters with a point")
-            << QByteArray("$GPGGA,,,,,,,8,,1234.5,")
-            << QByteArray("newAlt \"1234.5 meters\"\nnewSat \"8\"\n");
-        QTest::newRow("altitude of 5 characters")
-            << QByteArray("$GPGGA,,,,,,,8,,12345,")
-            << QByteArray("newAlt \"12345 meters\"\nnewSat \"8\"\n");
-        QTest::newRow("satellites with a point")
-            << QByteArray("$GPGGA,,,,,,,0.9,,1,") << QByteArray("newAlt \"1 meters\"\n");
-        QTest::newRow("no satellites")
-            << QByteArray("$GPGGA,,,,,,,,,,") << QByteArray("newSat \"\"\n");
-
-        QTest::newRow("accuracy") << QByteArray("$PFST,FOM,12.5*53\r")
-                                  << QByteArray("newAcc \"12.5 meters\"\n");
-        QTest::newRow("accuracy without a checksum")
-            << QByteArray("$PFST,FOM,12.5\r") << QByteArray("newAcc \"12.5\r meters\"\n");
-        QTest::newRow("empty accuracy")
-            << QByteArray("$PFST,FOM,*53") << QByteArray("newAcc \" meters\"\n");
-        QTest::newRow("nothing behind the name")
-            << QByteArray("$PFST,FOM,") << QByteArray("newAcc \" meters\"\n");
-        QTest::newRow("asterisk in front of the value")
-            << QByteArray("12*45$PFST,FOM,7*00") << QByteArray("newAcc \",FOM,7*00 meters\"\n");
-        QTest::newRow("asterisk at the value's start")
-            << QByteArray("$PFST,FOM,*12*") << QByteArray("newAcc \" meters\"\n");
-
-        QTest::newRow("all in one line")
-            << QByteArray("$GPRMC,101500,$GPGGA,$PFST,FOM,5,6.5,*")
-            << QByteArray("newSpeed \" knots, Heading:  degrees\"\n"
-                          "newSat \"\"\nnewAcc \"500,$GPGGA,$PFST,FOM,5,6.5, meters\"\n");
-        QTest::newRow("other sentences")
-            << QByteArray("$GPGSV,1,1,01,01,40,083,46*7F") << QByteArray();
-        QTest::newRow("other talkers")
-            << QByteArray("$GNRMC,123519,A,1.0,N,1.0,E,1,2,230324,") << QByteArray();
-        QTest::newRow("name without its comma") << QByteArray("$GPRMC\r") << QByteArray();
-        QTest::newRow("empty line") << QByteArray() << QByteArray();
+        // A name, the sentence, and what it shows; "\\r" is a carriage return.
+        QByteArray all =
+            contents(QStringLiteral(VORN_SOURCE_DIR "/tests/expected/gpssentences.txt"));
+        QList<QByteArray> rows = all.replace("\n  ", "\t").replace("\\r", "\r").split('\n');
+        QVERIFY(rows.takeLast().isEmpty());
+        for (const QByteArray &row : qAsConst(rows)) {
+            const QList<QByteArray> cells = row.split('\t');
+            QByteArray shown;
+            for (const QByteArray &line : cells.mid(2))
+                shown += line + '\n';
+            QTest::newRow(cells[0].constData()) << cells.value(1) << shown;
+        }
     }
     void sentences()
     {
