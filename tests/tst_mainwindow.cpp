@@ -2,21 +2,6 @@
 #include "frame/window/VornSettings.h"
 #include "frame/window/graphicalMode.h"
 #include "frame/window/tabMenuDlg.h"
-#include "pages/tabAdvancedDlg.h"
-#include "pages/tabBacklightDlg.h"
-#include "pages/tabBuzzerDlg.h"
-#include "pages/tabCanDlg.h"
-#include "pages/tabDigIODlg.h"
-#include "pages/tabLEDDlg.h"
-#include "pages/tabLightSensorDlg.h"
-#include "pages/tabOnOffDlg.h"
-#include "pages/tabPowerDlg.h"
-#include "pages/tabSysConfDlg.h"
-#include "pages/tabTempDlg.h"
-#include "pages/tabTouchDlg.h"
-#include "pages/tabVersionDlg.h"
-#include "report/tabAboutDlg.h"
-#include "telematics/tabTelematicsDlg.h"
 #include "tests/support/DeviceTest.h"
 #include "tests/support/SkippedPauses.h"
 #include "tests/support/pages.h"
@@ -35,10 +20,7 @@
 
 #include <memory>
 
-using support::child;
-using support::pageAt;
-using support::PageRow;
-using support::pageRows;
+using namespace support;
 
 namespace {
 
@@ -61,11 +43,6 @@ constexpr EntryRow entryRows[] = {
     {15, "telematics", "GlobeGrey.png", "Telematics module is not available"},
 };
 
-QString latin1(const char *text)
-{
-    return QLatin1String(text);
-}
-
 QImage picture(const QIcon &icon)
 {
     return icon.pixmap(QSize(60, 60)).toImage();
@@ -73,7 +50,7 @@ QImage picture(const QIcon &icon)
 
 QImage resourcePicture(const char *name)
 {
-    return picture(QIcon(latin1(":/VornSettings/Resources/") + latin1(name)));
+    return picture(QIcon(":/VornSettings/Resources/"_s + latin1(name)));
 }
 
 tabMenuDlg *menuOf(const VornSettings &window)
@@ -118,36 +95,17 @@ enum class Feature { Present, Absent, Failing };
 
 Q_DECLARE_METATYPE(Feature)
 
-class TestMainWindow : public DeviceTest
+class MainWindowTest : public DeviceTest
 {
     Q_OBJECT
 
 private:
     support::SkippedPauses pauses;
 
-    using MakePage = std::function<tabDlg *()>;
-
-    template <typename Page>
-    static MakePage maker()
-    {
-        return [] { return new Page; };
-    }
-
-    /** Makers of the pages in the order of pageRows. */
-    static QList<MakePage> makers()
-    {
-        return {maker<tabMenuDlg>(), maker<tabVersionDlg>(), maker<tabTempDlg>(),
-            maker<tabBacklightDlg>(), maker<tabPowerDlg>(), maker<tabSysConfDlg>(),
-            maker<tabAdvancedDlg>(), maker<tabLEDDlg>(), maker<tabBuzzerDlg>(),
-            maker<tabAboutDlg>(), maker<tabCanDlg>(), maker<tabDigIODlg>(),
-            maker<tabLightSensorDlg>(), maker<tabTouchDlg>(), maker<tabOnOffDlg>(),
-            maker<tabTelematicsDlg>()};
-    }
-
     void setFeature(const char *property, const char *operation, Feature feature)
     {
         if (feature == Feature::Absent)
-            setUnit(latin1(property), QStringLiteral("0"));
+            setUnit(latin1(property), "0"_s);
         if (feature == Feature::Failing)
             fault(latin1(operation), 5);
     }
@@ -155,7 +113,7 @@ private:
     void setHeater(Feature feature)
     {
         if (feature != Feature::Present)
-            fault(QStringLiteral("Config_getHeatingTempLimit"), feature == Feature::Absent ? 2 : 5);
+            fault("Config_getHeatingTempLimit"_s, feature == Feature::Absent ? 2 : 5);
     }
 
     /** One line for each entry that may be dimmed: what its button and its label look like. */
@@ -167,7 +125,7 @@ private:
             const auto *button = child<QPushButton>(menuOf(window), page.button);
             const auto *label = child<QLabel>(menuOf(window), page.label);
             const QImage icon = picture(button->icon());
-            QString shown = QStringLiteral("another picture");
+            QString shown = "another picture"_s;
             if (icon == resourcePicture(page.picture))
                 shown = latin1(page.picture);
             else if (row.greyPicture && icon == resourcePicture(row.greyPicture))
@@ -175,7 +133,7 @@ private:
             lines << entryLine(row, button->isEnabled(), shown, button->toolTip(), opacity(button),
                 opacity(label));
             if (button->iconSize() != QSize(60, 60))
-                lines << QStringLiteral("wrong icon size");
+                lines << "wrong icon size"_s;
         }
         return lines;
     }
@@ -203,9 +161,9 @@ private:
     static QString entryLine(const EntryRow &row, bool enabled, const QString &shown,
         const QString &toolTip, double button, double label)
     {
-        return QStringLiteral("%1: %2, %3, tool-tip '%4', opacity %5 and %6")
-            .arg(latin1(row.name), enabled ? QStringLiteral("enabled") : QStringLiteral("disabled"),
-                shown, toolTip, QString::number(button), QString::number(label));
+        return "%1: %2, %3, tool-tip '%4', opacity %5 and %6"_s.arg(latin1(row.name),
+            enabled ? "enabled"_s : "disabled"_s, shown, toolTip, QString::number(button),
+            QString::number(label));
     }
 
     /** Names of the visible widgets that show less than they hold. */
@@ -278,7 +236,7 @@ private slots:
     void init()
     {
         DeviceTest::init();
-        setUnit(QStringLiteral("Battery.available"), QStringLiteral("0"));
+        setUnit("Battery.available"_s, "0"_s);
     }
 
     // The form
@@ -288,18 +246,18 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QRect>("place");
-        QTest::newRow("centralWidget") << QStringLiteral("centralWidget")
-                                       << QStringLiteral("QWidget") << QRect(0, 0, 600, 435);
-        QTest::newRow("tabTitle") << QStringLiteral("tabTitle") << QStringLiteral("QLabel")
-                                  << QRect(0, 0, 600, 51);
-        QTest::newRow("tabWidget")
-            << QStringLiteral("tabWidget") << QStringLiteral("QWidget") << QRect(0, 51, 600, 330);
-        QTest::newRow("label") << QStringLiteral("label") << QStringLiteral("QLabel")
-                               << QRect(-3, 373, 286, 71);
-        QTest::newRow("buttonMenu") << QStringLiteral("buttonMenu") << QStringLiteral("QPushButton")
-                                    << QRect(340, 387, 111, 41);
-        QTest::newRow("buttonExit") << QStringLiteral("buttonExit") << QStringLiteral("QPushButton")
-                                    << QRect(470, 387, 111, 41);
+        QTest::newRow("centralWidget") << "centralWidget"_s
+                                       << "QWidget"_s << QRect(0, 0, 600, 435);
+        QTest::newRow("tabTitle") << "tabTitle"_s
+                                  << "QLabel"_s << QRect(0, 0, 600, 51);
+        QTest::newRow("tabWidget") << "tabWidget"_s
+                                   << "QWidget"_s << QRect(0, 51, 600, 330);
+        QTest::newRow("label") << "label"_s
+                               << "QLabel"_s << QRect(-3, 373, 286, 71);
+        QTest::newRow("buttonMenu") << "buttonMenu"_s
+                                    << "QPushButton"_s << QRect(340, 387, 111, 41);
+        QTest::newRow("buttonExit") << "buttonExit"_s
+                                    << "QPushButton"_s << QRect(470, 387, 111, 41);
     }
 
     void widgets()
@@ -321,23 +279,23 @@ private slots:
     void windowForm()
     {
         VornSettings window;
-        QCOMPARE(window.objectName(), QStringLiteral("VornSettingsClass"));
-        QCOMPARE(window.windowTitle(), QStringLiteral("Settings"));
+        QCOMPARE(window.objectName(), "VornSettingsClass"_s);
+        QCOMPARE(window.windowTitle(), "Settings"_s);
         QCOMPARE(picture(window.windowIcon()), resourcePicture("vorn.png"));
         QCOMPARE(window.windowModality(), Qt::NonModal);
         QVERIFY(window.autoFillBackground());
         QVERIFY(!window.parentWidget());
         QVERIFY(!window.isVisible());
-        QCOMPARE(child<QPushButton>(&window, "buttonMenu")->text(), QStringLiteral("Menu"));
-        QCOMPARE(child<QPushButton>(&window, "buttonExit")->text(), QStringLiteral("Exit"));
+        QCOMPARE(child<QPushButton>(&window, "buttonMenu")->text(), "Menu"_s);
+        QCOMPARE(child<QPushButton>(&window, "buttonExit")->text(), "Exit"_s);
         const auto *title = child<QLabel>(&window, "tabTitle");
         QCOMPARE(title->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
-        const auto *logo = window.centralWidget()->findChild<QLabel *>(
-            QStringLiteral("label"), Qt::FindDirectChildrenOnly);
+        const auto *logo =
+            window.centralWidget()->findChild<QLabel *>("label"_s, Qt::FindDirectChildrenOnly);
         QCOMPARE(logo->text(), QString());
         QVERIFY(logo->hasScaledContents());
         QCOMPARE(logo->pixmap(Qt::ReturnByValue).toImage(),
-            QImage(QStringLiteral(":/VornSettings/Resources/logo.png"))
+            QImage(":/VornSettings/Resources/logo.png"_s)
                 .convertToFormat(logo->pixmap(Qt::ReturnByValue).toImage().format()));
     }
 
@@ -347,11 +305,10 @@ private slots:
         if (qApp->devicePixelRatio() == 1) {
             QProcess fine;
             auto environment = QProcessEnvironment::systemEnvironment();
-            environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+            environment.insert("QT_SCALE_FACTOR"_s, "2"_s);
             fine.setProcessEnvironment(environment);
             fine.setProcessChannelMode(QProcess::ForwardedChannels);
-            fine.start(QCoreApplication::applicationFilePath(),
-                {QStringLiteral("logoIsSharpOnFineScreens")});
+            fine.start(QCoreApplication::applicationFilePath(), {"logoIsSharpOnFineScreens"_s});
             QVERIFY(fine.waitForFinished(60'000));
             QCOMPARE(fine.exitCode(), 0);
             return;
@@ -359,8 +316,8 @@ private slots:
         const VornSettings window;
         const auto logo =
             child<QLabel>(window.centralWidget(), "label")->pixmap(Qt::ReturnByValue).toImage();
-        auto fineOne = QImage(QStringLiteral(":/VornSettings/Resources/logo@2x.png"))
-                           .convertToFormat(logo.format());
+        auto fineOne =
+            QImage(":/VornSettings/Resources/logo@2x.png"_s).convertToFormat(logo.format());
         fineOne.setDevicePixelRatio(logo.devicePixelRatio()); // Qt 5 takes 2 from the name
         QCOMPARE(logo, fineOne);
     }
@@ -373,7 +330,7 @@ private slots:
         window.blockSignals(true);
         form.setupUi(&window);
         takeWarnings();
-        QCOMPARE(form.tabTitle->text(), QStringLiteral("TextLabel"));
+        QCOMPARE(form.tabTitle->text(), "TextLabel"_s);
     }
 
     void palette_data()
@@ -400,8 +357,7 @@ private slots:
         QStringList names;
         for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
             names << QString::fromLatin1(meta.method(i).methodSignature());
-        QCOMPARE(names, QStringList({QStringLiteral("exit()"), QStringLiteral("showTab(int)"),
-                            QStringLiteral("menuClicked()")}));
+        QCOMPARE(names, QStringList({"exit()"_s, "showTab(int)"_s, "menuClicked()"_s}));
     }
 
     void cannotBeResized()
@@ -478,7 +434,7 @@ private slots:
         fault(operation, code);
         VornSettings window;
         QCOMPARE(entries(window), expectedEntries({absent}));
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
     }
 
     // A query that fails says nothing, not even if its out value were left at "absent".
@@ -489,24 +445,24 @@ private slots:
                  "Config_getHeatingTempLimit", "Telematics_getAvailable"})
             fault(latin1(operation), 7);
         VornSettings window;
-        QCOMPARE(entries(window), expectedEntries({QStringLiteral("telematics")}));
+        QCOMPARE(entries(window), expectedEntries({"telematics"_s}));
     }
 
     void gsmDoesNotMatter()
     {
-        setUnit(QStringLiteral("Hardware.hasGsm"), QStringLiteral("0"));
+        setUnit("Hardware.hasGsm"_s, "0"_s);
         VornSettings window;
         QCOMPARE(entries(window), expectedEntries({}));
-        QCOMPARE(classAt(window, 15), QStringLiteral("tabTelematicsDlg"));
+        QCOMPARE(classAt(window, 15), "tabTelematicsDlg"_s);
     }
 
     void unknownTelematicsIsNone()
     {
         for (const auto *available : {"2", "255"}) {
-            setUnit(QStringLiteral("Telematics.available"), latin1(available));
+            setUnit("Telematics.available"_s, latin1(available));
             VornSettings window;
-            QCOMPARE(entries(window), expectedEntries({QStringLiteral("telematics")}));
-            QCOMPARE(classAt(window, 15), QStringLiteral("tabDlg"));
+            QCOMPARE(entries(window), expectedEntries({"telematics"_s}));
+            QCOMPARE(classAt(window, 15), "tabDlg"_s);
         }
     }
 
@@ -515,7 +471,7 @@ private slots:
     void pageAtIndex_data()
     {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(pageRows)); ++row)
+        for (int row = 0; row < pageCount; ++row)
             QTest::newRow(pageRows[row].className) << row;
     }
 
@@ -538,8 +494,8 @@ private slots:
         QCOMPARE(page->windowTitle(), latin1(expected.title));
         QCOMPARE(titleStrip(window), latin1(expected.title));
         QTest::mouseClick(child<QPushButton>(&window, "buttonMenu"), Qt::LeftButton);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
-        QCOMPARE(titleStrip(window), QStringLiteral("Menu"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
+        QCOMPARE(titleStrip(window), "Menu"_s);
         QCOMPARE(page->geometry(), QRect(0, 0, 600, 320));
         dialogs.take();
     }
@@ -549,7 +505,7 @@ private slots:
         VornSettings window;
         const QLayout *layout = child<QWidget>(&window, "tabWidget")->layout();
         QVERIFY(qobject_cast<const QVBoxLayout *>(layout));
-        QCOMPARE(layout->count(), int(std::size(pageRows)));
+        QCOMPARE(layout->count(), pageCount);
         for (int i = 0; i < layout->count(); ++i)
             QCOMPARE(latin1(layout->itemAt(i)->widget()->metaObject()->className()),
                 latin1(pageRows[i].className));
@@ -559,30 +515,24 @@ private slots:
     // queries and those calls, one page after the other, and its end gives all handles back.
     void startAndEnd()
     {
-        QStringList start;
-        QStringList end{QStringLiteral("Hardware_release()")};
+        QStringList end{"Hardware_release()"_s};
         QList<QStringList> built;
-        for (const MakePage &make : makers()) {
-            std::unique_ptr<tabDlg> page(make());
+        for (const PageRow &row : pageRows) {
+            std::unique_ptr<tabDlg> page = row.make();
             built << mainThreadCalls();
             page.reset();
             end << mainThreadCalls();
         }
-        start << QStringLiteral("Hardware_create()")
-              << QStringLiteral("Hardware_hasGsm() = 0 [true]")
-              << QStringLiteral("Hardware_getCanCount() = 0 [4]")
-              << QStringLiteral("Hardware_getDigitalInputCount() = 0 [4]")
-              << QStringLiteral("Hardware_hasDisplay() = 0 [true]")
-              << QStringLiteral("Hardware_hasTouchscreen() = 0 [true]")
-              << QStringLiteral("Config_create()")
-              << QStringLiteral("Config_getHeatingTempLimit() = 0 [-10]")
-              << QStringLiteral("Config_release()");
+        QStringList start{"Hardware_create()"_s, "Hardware_hasGsm() = 0 [true]"_s,
+            "Hardware_getCanCount() = 0 [4]"_s, "Hardware_getDigitalInputCount() = 0 [4]"_s,
+            "Hardware_hasDisplay() = 0 [true]"_s, "Hardware_hasTouchscreen() = 0 [true]"_s,
+            "Config_create()"_s, "Config_getHeatingTempLimit() = 0 [-10]"_s, "Config_release()"_s};
         const QStringList telematics = built.takeLast();
         for (const QStringList &page : built)
             start << page;
-        start << QStringLiteral("Telematics_create()")
-              << QStringLiteral("Telematics_getAvailable() = 0 [1]")
-              << QStringLiteral("Telematics_release()") << telematics;
+        start << "Telematics_create()"_s
+              << "Telematics_getAvailable() = 0 [1]"_s
+              << "Telematics_release()"_s << telematics;
 
         auto window = std::make_unique<VornSettings>();
         QCOMPARE(mainThreadCalls(), start);
@@ -594,32 +544,29 @@ private slots:
     {
         for (const auto *property : {"Hardware.hasDisplay", "Hardware.canCount",
                  "Hardware.digitalInputCount", "Telematics.available"})
-            setUnit(latin1(property), QStringLiteral("0"));
-        fault(QStringLiteral("Config_getHeatingTempLimit"), 2);
+            setUnit(latin1(property), "0"_s);
+        fault("Config_getHeatingTempLimit"_s, 2);
         VornSettings window;
         const QStringList calls = mainThreadCalls();
-        const QStringList start{QStringLiteral("Hardware_create()"),
-            QStringLiteral("Hardware_hasGsm() = 0 [true]"),
-            QStringLiteral("Hardware_getCanCount() = 0 [0]"),
-            QStringLiteral("Hardware_getDigitalInputCount() = 0 [0]"),
-            QStringLiteral("Hardware_hasDisplay() = 0 [false]"), QStringLiteral("Config_create()"),
-            QStringLiteral("Config_getHeatingTempLimit() = 2"), QStringLiteral("Config_release()")};
+        const QStringList start{"Hardware_create()"_s, "Hardware_hasGsm() = 0 [true]"_s,
+            "Hardware_getCanCount() = 0 [0]"_s, "Hardware_getDigitalInputCount() = 0 [0]"_s,
+            "Hardware_hasDisplay() = 0 [false]"_s, "Config_create()"_s,
+            "Config_getHeatingTempLimit() = 2"_s, "Config_release()"_s};
         QCOMPARE(calls.mid(0, start.size()), start);
-        QCOMPARE(
-            calls.mid(calls.size() - 3), QStringList({QStringLiteral("Telematics_create()"),
-                                             QStringLiteral("Telematics_getAvailable() = 0 [0]"),
-                                             QStringLiteral("Telematics_release()")}));
+        QCOMPARE(calls.mid(calls.size() - 3),
+            QStringList({"Telematics_create()"_s, "Telematics_getAvailable() = 0 [0]"_s,
+                "Telematics_release()"_s}));
     }
 
     void withoutDisplay()
     {
-        setUnit(QStringLiteral("Hardware.hasDisplay"), QStringLiteral("0"));
+        setUnit("Hardware.hasDisplay"_s, "0"_s);
         VornSettings window;
         // The buzzer's stand-in takes the place of the display's, which stays hidden in the layout.
-        QCOMPARE(classAt(window, 3), QStringLiteral("tabDlg"));
+        QCOMPARE(classAt(window, 3), "tabDlg"_s);
         QList<tabDlg *> plain;
         for (tabDlg *page : pagesOf(window)) {
-            if (latin1(page->metaObject()->className()) == QLatin1String("tabDlg"))
+            if (latin1(page->metaObject()->className()) == "tabDlg"_s)
                 plain << page;
         }
         QCOMPARE(plain.size(), 4);
@@ -631,8 +578,8 @@ private slots:
         QCOMPARE(visiblePage(window), plain.at(1));
         window.showTab(0);
         window.showTab(8);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
-        QCOMPARE(titleStrip(window), QStringLiteral("Menu"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
+        QCOMPARE(titleStrip(window), "Menu"_s);
     }
 
     // The look of a page is worked out when it shows, and is the same whether the window was drawn
@@ -683,12 +630,12 @@ private slots:
 
     void dimmedEntryLeadsNowhere()
     {
-        setUnit(QStringLiteral("Hardware.hasDisplay"), QStringLiteral("0"));
+        setUnit("Hardware.hasDisplay"_s, "0"_s);
         VornSettings window;
         window.show();
         for (const auto *name : {"pushButtonDisplay", "pushButtonBuzzer", "pushButton"}) {
             QTest::mouseClick(child<QPushButton>(&window, name), Qt::LeftButton);
-            QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+            QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
         }
     }
 
@@ -709,7 +656,7 @@ private slots:
         visiblePage(window)->installEventFilter(&watch);
         window.showTab(1);
         QCOMPARE(watch.seen, QList<QEvent::Type>({QEvent::Hide, QEvent::Show}));
-        QCOMPARE(visibleClass(window), QStringLiteral("tabVersionDlg"));
+        QCOMPARE(visibleClass(window), "tabVersionDlg"_s);
         window.menuClicked();
         QCOMPARE(watch.seen.constLast(), QEvent::Hide);
         dialogs.take();
@@ -722,14 +669,14 @@ private slots:
         const auto pages = pagesOf(window).size();
         auto *page = new tabDlg;
         page->setParent(child<QWidget>(&window, "tabWidget"));
-        page->setWindowTitle(QStringLiteral("Another"));
+        page->setWindowTitle("Another"_s);
         page->show();
         window.addTab(page, 1);
         QVERIFY(page->isHidden());
         QCOMPARE(pagesOf(window).size(), pages + 1);
         window.showTab(1);
         QCOMPARE(visiblePage(window), page);
-        QCOMPARE(titleStrip(window), QStringLiteral("Another"));
+        QCOMPARE(titleStrip(window), "Another"_s);
     }
 
     // With the font that stands for Arial here, every text fits its place, and every place its
@@ -763,11 +710,11 @@ private slots:
         window.show();
         window.showTab(14);
         QTest::keyClick(visiblePage(window), Qt::Key_Escape);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
         QVERIFY(window.isVisible());
         window.showTab(14);
         QTest::keyClick(&window, Qt::Key_Escape);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
         QVERIFY(window.isVisible());
         QTest::keyClick(&window, Qt::Key_Escape);
         QVERIFY(!window.isVisible());
@@ -821,8 +768,7 @@ private slots:
         event.setAccepted(!accepted);
         QCoreApplication::sendEvent(&window, &event);
         QCOMPARE(event.isAccepted(), accepted);
-        QCOMPARE(visibleClass(window),
-            accepted ? QStringLiteral("tabMenuDlg") : QStringLiteral("tabOnOffDlg"));
+        QCOMPARE(visibleClass(window), accepted ? "tabMenuDlg"_s : "tabOnOffDlg"_s);
         QVERIFY(window.isVisible());
         dialogs.take();
     }
@@ -838,9 +784,9 @@ private slots:
             QCoreApplication::sendEvent(&window, &event);
         };
         release(true);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabOnOffDlg"));
+        QCOMPARE(visibleClass(window), "tabOnOffDlg"_s);
         release(false);
-        QCOMPARE(visibleClass(window), QStringLiteral("tabMenuDlg"));
+        QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
         release(true);
         QVERIFY(window.isVisible());
         release(false);
@@ -868,8 +814,8 @@ private:
     void compareCombination(Feature display, Feature touch, Feature can, Feature digitalIO,
         Feature heater, Feature telematics)
     {
-        useProfile(QStringLiteral("full"));
-        setUnit(QStringLiteral("Battery.available"), QStringLiteral("0"));
+        useProfile("full"_s);
+        setUnit("Battery.available"_s, "0"_s);
         setFeature("Hardware.hasDisplay", "Hardware_hasDisplay", display);
         setFeature("Hardware.hasTouchscreen", "Hardware_hasTouchscreen", touch);
         setFeature("Hardware.canCount", "Hardware_getCanCount", can);
@@ -879,21 +825,22 @@ private:
         const bool hasDisplay = display != Feature::Absent;
         QStringList absent;
         if (!hasDisplay)
-            absent << QStringLiteral("display") << QStringLiteral("buzzer")
-                   << QStringLiteral("lightSensor");
+            absent << "display"_s
+                   << "buzzer"_s
+                   << "lightSensor"_s;
         if (!hasDisplay || touch == Feature::Absent)
-            absent << QStringLiteral("touch");
+            absent << "touch"_s;
         if (can == Feature::Absent)
-            absent << QStringLiteral("can");
+            absent << "can"_s;
         if (digitalIO == Feature::Absent)
-            absent << QStringLiteral("digitalIO");
+            absent << "digitalIO"_s;
         if (heater == Feature::Absent)
-            absent << QStringLiteral("heater");
+            absent << "heater"_s;
         if (telematics != Feature::Present)
-            absent << QStringLiteral("telematics");
+            absent << "telematics"_s;
         VornSettings window;
         // Without a display nobody asks for a touch screen; the queries are the first calls.
-        const QStringList queries = calls().mid(0, 6).filter(QStringLiteral("hasTouchscreen"));
+        const QStringList queries = calls().mid(0, 6).filter("hasTouchscreen"_s);
         QCOMPARE(queries.size(), hasDisplay ? 1 : 0);
         QCOMPARE(entries(window), expectedEntries(absent));
     }
@@ -904,7 +851,7 @@ int main(int argc, char *argv[])
     support::prepareEnvironment();
     qtVersions::scaleWithScreen(); // as the program does
     QApplication application(argc, argv);
-    TestMainWindow test;
+    MainWindowTest test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "tst_mainwindow.moc"

@@ -15,11 +15,6 @@ namespace {
 constexpr int columnX[] = {36, 148, 260, 372, 484};
 constexpr int labelY[] = {85, 190, 290};
 
-QString latin1(const char *text)
-{
-    return QLatin1String(text);
-}
-
 QImage picture(const QIcon &icon)
 {
     return icon.pixmap(QSize(60, 60)).toImage();
@@ -40,7 +35,7 @@ private:
     static void addEntries()
     {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(pageRows)); ++row) {
+        for (int row = 0; row < pageCount; ++row) {
             if (pageRows[row].button)
                 QTest::newRow(pageRows[row].caption) << row;
         }
@@ -114,7 +109,7 @@ private slots:
         QCOMPARE(button->text(), QString());
         QCOMPARE(button->iconSize(), QSize(60, 60));
         QCOMPARE(picture(button->icon()),
-            picture(QIcon(latin1(":/VornSettings/Resources/") + latin1(expected.picture))));
+            picture(QIcon(":/VornSettings/Resources/"_s + latin1(expected.picture))));
         QVERIFY(!picture(button->icon()).isNull());
         QCOMPARE(button->toolTip(), QString());
         const QRect place = placeOn(page, button);
