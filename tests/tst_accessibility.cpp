@@ -1,10 +1,4 @@
-#include "frame/tabDlg.h"
-#include "frame/window/VornSettings.h"
-#include "frame/window/graphicalMode.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/PseudoTerminal.h"
-#include "tests/support/SkippedPauses.h"
-#include "tests/support/views.h"
+#include "tests/support/ViewTest.h"
 
 #include <QAccessible>
 #include <QCheckBox>
@@ -150,29 +144,11 @@ QString fullName(QWidget *widget)
 } // namespace
 
 /** What a screen reader is told, by the window as it runs. */
-class AccessibilityTest : public DeviceTest
+class AccessibilityTest : public ViewTest
 {
     Q_OBJECT
 
 private:
-    SkippedPauses pauses;
-    std::unique_ptr<VornSettings> window;
-    tabDlg *page = nullptr;
-
-    void openRow()
-    {
-        QFETCH(int, index);
-        QFETCH(int, tab);
-        // Without a battery no thread outlives its window.
-        setUnit("Battery.available"_s, QString::number(index == powerTab));
-        window = std::make_unique<VornSettings>();
-        window->show();
-        page = openView(*window, {index, tab});
-        dialogs.take();
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    }
-
     /** What can be worked, and what shows a value. */
     QList<QWidget *> shownControls() const
     {
@@ -193,20 +169,6 @@ private:
     }
 
 private slots:
-    void initTestCase() { setApplicationLook(); }
-
-    void init()
-    {
-        DeviceTest::init();
-        useNoOtherLines();
-    }
-
-    void cleanup()
-    {
-        window.reset();
-        DeviceTest::cleanup();
-    }
-
     void names_data() { addViewRows(); }
 
     void names()

@@ -1,11 +1,5 @@
-#include "frame/tabDlg.h"
-#include "frame/window/VornSettings.h"
-#include "frame/window/graphicalMode.h"
-#include "tests/support/DeviceTest.h"
-#include "tests/support/PseudoTerminal.h"
-#include "tests/support/SkippedPauses.h"
+#include "tests/support/ViewTest.h"
 #include "tests/support/contrast.h"
-#include "tests/support/views.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -102,22 +96,11 @@ QString faultOf(QWidget *widget, QWidget *elsewhere)
 Q_DECLARE_METATYPE(Make)
 
 /** The focus can be seen, wherever it is. */
-class FocusRingTest : public DeviceTest
+class FocusRingTest : public ViewTest
 {
     Q_OBJECT
 
-private:
-    SkippedPauses pauses;
-
 private slots:
-    void initTestCase() { setApplicationLook(); }
-
-    void init()
-    {
-        DeviceTest::init();
-        useNoOtherLines();
-    }
-
     void measuresContrast()
     {
         QCOMPARE(qRound(contrast(Qt::black, Qt::white)), 21);
@@ -130,18 +113,9 @@ private slots:
     // Each control of each page, buttons in either state.
     void pages()
     {
-        QFETCH(int, index);
-        QFETCH(int, tab);
-        // Without a battery no thread outlives its window.
-        setUnit("Battery.available"_s, QString::number(index == powerTab));
-        VornSettings window;
-        window.show();
-        const tabDlg *page = openView(window, {index, tab});
-        dialogs.take();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        auto *menu = child<QPushButton>(&window, "buttonMenu");
-        auto *exit = child<QPushButton>(&window, "buttonExit");
+        openRow();
+        auto *menu = child<QPushButton>(window.get(), "buttonMenu");
+        auto *exit = child<QPushButton>(window.get(), "buttonExit");
         QStringList faults;
         for (QWidget *widget : readingOrder(page) + QList<QWidget *>{menu, exit}) {
             QWidget *elsewhere = widget == menu ? exit : menu;
@@ -174,14 +148,8 @@ private slots:
     void places()
     {
         QFETCH(Make, make);
-        setUnit("Battery.available"_s, "0"_s);
-        VornSettings window;
-        auto *page = new tabDlg;
-        window.addTab(page, versionTab);
-        window.show();
-        window.showTab(versionTab);
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        auto *menu = child<QPushButton>(&window, "buttonMenu");
+        openEmpty();
+        auto *menu = child<QPushButton>(window.get(), "buttonMenu");
         QWidget *widget = make();
         widget->setParent(page);
         widget->resize(120, 60);
@@ -197,14 +165,8 @@ private slots:
     // A list shows its current row, and itself as long as it has none.
     void lists()
     {
-        setUnit("Battery.available"_s, "0"_s);
-        VornSettings window;
-        auto *page = new tabDlg;
-        window.addTab(page, versionTab);
-        window.show();
-        window.showTab(versionTab);
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        auto *menu = child<QPushButton>(&window, "buttonMenu");
+        openEmpty();
+        auto *menu = child<QPushButton>(window.get(), "buttonMenu");
         auto *list = new QListWidget(page);
         list->setGeometry(10, 10, 200, 200);
         list->show();
@@ -229,10 +191,10 @@ private slots:
     void boxes()
     {
         setUnit("Battery.available"_s, "0"_s);
-        VornSettings window;
-        window.show();
+        window = std::make_unique<VornSettings>();
+        window->show();
         QMessageBox box(QMessageBox::Question, "Title"_s, "Text"_s,
-            QMessageBox::Yes | QMessageBox::No, &window);
+            QMessageBox::Yes | QMessageBox::No, window.get());
         dialogs.plan([&box](QDialog *) {
             box.activateWindow();
             QVERIFY(QTest::qWaitForWindowActive(&box));

@@ -1,12 +1,7 @@
-#include "frame/tabDlg.h"
-#include "frame/window/VornSettings.h"
-#include "frame/window/graphicalMode.h"
-#include "tests/support/DeviceTest.h"
 #include "tests/support/PageWalk.h"
 #include "tests/support/PseudoTerminal.h"
-#include "tests/support/SkippedPauses.h"
+#include "tests/support/ViewTest.h"
 #include "tests/support/hexFile.h"
-#include "tests/support/views.h"
 
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
@@ -78,44 +73,20 @@ bool takesText(const QWidget *widget)
 } // namespace
 
 /** The window with a keyboard alone. */
-class KeysTest : public DeviceTest
+class KeysTest : public ViewTest
 {
     Q_OBJECT
 
 private:
-    SkippedPauses pauses;
-    std::unique_ptr<VornSettings> window;
-    tabDlg *page = nullptr;
     int clicks = 0;
-
-    /** Opens the window with that page and tab. What comes of it isn't this test's subject. */
-    void open(int index, int tab)
-    {
-        // Without a battery no thread outlives its window.
-        setUnit("Battery.available"_s, QString::number(index == powerTab));
-        window = std::make_unique<VornSettings>();
-        window->show();
-        page = openView(*window, {index, tab});
-        dialogs.take();
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
-        calls();
-    }
 
     /** Starts with the menu and goes to the page by keys. */
     void openByKeys(int index)
     {
-        open(menuTab, 0);
+        open({menuTab, 0});
         type(window.get(), "Tab*%1 Return"_s.arg(pageAt(index).place));
         page = visiblePage(*window);
         calls();
-    }
-
-    void openRow()
-    {
-        QFETCH(int, index);
-        QFETCH(int, tab);
-        open(index, tab);
     }
 
     QList<QWidget *> allStops() const
@@ -137,20 +108,6 @@ private:
     }
 
 private slots:
-    void initTestCase() { setApplicationLook(); }
-
-    void init()
-    {
-        DeviceTest::init();
-        useNoOtherLines();
-    }
-
-    void cleanup()
-    {
-        window.reset();
-        DeviceTest::cleanup();
-    }
-
     // The menu is the first page, and opens as all do.
     void start()
     {
@@ -200,7 +157,7 @@ private slots:
     // What can't be worked at present is passed over.
     void disabledAndHiddenControls()
     {
-        open(displayTab, 0);
+        open({displayTab, 0});
         for (const char *name : {"checkBoxABLSoftTransitions", "sliderSensitivity"})
             child<QWidget>(page, name)->setEnabled(false);
         child<QWidget>(page, "sliderBacklightLevel")->hide();
@@ -420,7 +377,7 @@ private slots:
 
     void versionsAreRead()
     {
-        open(menuTab, 0);
+        open({menuTab, 0});
         calls();
         type(window.get(), "Return"_s);
         QVERIFY(calls().join(QLatin1Char(' ')).startsWith("Versions_getFPGAVersion()"_s));

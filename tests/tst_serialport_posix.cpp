@@ -1,5 +1,6 @@
 #include "telematics/serialPort_posix.h"
-#include "tests/support/SerialLine.h"
+#include "tests/support/SerialTest.h"
+#include "tests/support/literals.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -25,19 +26,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using support::configured;
-using support::opened;
-using support::Port;
-using support::PseudoTerminal;
-using support::read;
-using support::Reading;
-using support::write;
+using namespace support;
 
 namespace {
 
 // A loaded machine may be late, but never early.
 constexpr int early = 20;
-constexpr int late = 2000;
 
 /** What a reading leaves in its buffer: the text, and untouched zero bytes behind it. */
 QByteArray padded(const QByteArray &text, int count)
@@ -149,7 +143,7 @@ int testDrain(int handle)
     return drainInstead ? drainInstead() : systemDrain(handle);
 }
 
-class TestSerialPortPosix : public QObject
+class SerialPortPosixTest : public SerialTest
 {
     Q_OBJECT
 
@@ -189,7 +183,7 @@ private slots:
     void filesAreNoLines()
     {
         QTemporaryDir folder;
-        const QByteArray file = QFile::encodeName(folder.filePath(QStringLiteral("file")));
+        const QByteArray file = QFile::encodeName(folder.filePath("file"_s));
         QFile out(QFile::decodeName(file));
         QVERIFY(out.open(QIODevice::WriteOnly) && out.write("text") == 4);
         out.close();
@@ -301,19 +295,8 @@ private slots:
         ::close(other);
     }
 
-    void lineFormats_data()
-    {
-        QTest::addColumn<int>("baud");
-        QTest::addColumn<int>("speed");
-        QTest::newRow("1200") << 0 << int(B1200);
-        QTest::newRow("2400") << 2 << int(B2400);
-        QTest::newRow("4800") << 3 << int(B4800);
-        QTest::newRow("9600") << 4 << int(B9600);
-        QTest::newRow("19200") << 5 << int(B19200);
-        QTest::newRow("38400") << 6 << int(B38400);
-        QTest::newRow("57600") << 7 << int(B57600);
-        QTest::newRow("115200") << 8 << int(B115200);
-    }
+    void lineFormats_data() { addSpeeds(); }
+
     void lineFormats()
     {
         QFETCH(int, baud);
@@ -333,8 +316,7 @@ private slots:
                     QCOMPARE(asked.c_cflag & CSTOPB, stops[stop]);
                     // Character size and parity are nothing to a pseudo-terminal.
                     const termios there = stateOf(line);
-                    QCOMPARE(int(::cfgetospeed(&there)), speed);
-                    QCOMPARE(int(::cfgetispeed(&there)), speed);
+                    QCOMPARE(line.speed(), speed);
                     QCOMPARE(there.c_cflag & CSTOPB, stops[stop]);
                     QCOMPARE(int(port->configured), 1);
                     QCOMPARE(port->baudCode, baud);
@@ -346,25 +328,8 @@ private slots:
         }
     }
 
-    void refusedCodes_data()
-    {
-        QTest::addColumn<QList<int>>("codes");
-        QTest::addColumn<int>("result");
-        constexpr int most = std::numeric_limits<int>::max();
-        QTest::newRow("baud 1") << QList<int>{1, 3, 0, 0} << 3;
-        QTest::newRow("baud 9") << QList<int>{9, 3, 0, 0} << 3;
-        QTest::newRow("baud -1") << QList<int>{-1, 3, 0, 0} << 3;
-        QTest::newRow("baud, largest") << QList<int>{most, 3, 0, 0} << 3;
-        QTest::newRow("data bits 4") << QList<int>{4, 4, 0, 0} << 4;
-        QTest::newRow("data bits -1") << QList<int>{4, -1, 0, 0} << 4;
-        QTest::newRow("parity 3") << QList<int>{4, 3, 3, 0} << 5;
-        QTest::newRow("parity -1") << QList<int>{4, 3, -1, 0} << 5;
-        QTest::newRow("stop bits 2") << QList<int>{4, 3, 0, 2} << 6;
-        QTest::newRow("stop bits -1") << QList<int>{4, 3, 0, -1} << 6;
-        QTest::newRow("baud before all") << QList<int>{1, 9, 9, 9} << 3;
-        QTest::newRow("data bits before parity") << QList<int>{4, 9, 9, 9} << 4;
-        QTest::newRow("parity before stop bits") << QList<int>{4, 3, 9, 9} << 5;
-    }
+    void refusedCodes_data() { addRefusedCodes(); }
+
     void refusedCodes()
     {
         QFETCH(QList<int>, codes);
@@ -461,21 +426,6 @@ private slots:
         QVERIFY(sameState(stateOf(line), found));
     }
 
-    void unconfiguredIsNotTouched()
-    {
-        PseudoTerminal line;
-        const Port port = opened(line);
-        QVERIFY(line.send("waiting"));
-        QCOMPARE(write(port, "bytes"), 1);
-        const Reading reading = read(port, 4);
-        QCOMPARE(reading.result, 1);
-        QCOMPARE(reading.bytes, QByteArray(4, '\0'));
-        QVERIFY(reading.milliseconds < late);
-        QCOMPARE(serialWrite(port.get(), nullptr, 0), 1);
-        QCOMPARE(serialRead(port.get(), nullptr, 0), 1);
-        QCOMPARE(line.receive(1, 50), QByteArray());
-    }
-
     void noLineAtAll()
     {
         char byte = 'x';
@@ -496,34 +446,6 @@ private slots:
         QCOMPARE(serialRead(&invalid, &byte, 1), 1);
         serialPurge(&invalid);
         serialClose(&invalid);
-    }
-
-    void nothingToMove()
-    {
-        const PseudoTerminal line;
-        const Port port = configured(line);
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(serialRead(port.get(), nullptr, 0), 0);
-        QCOMPARE(serialWrite(port.get(), nullptr, 0), 0);
-        QVERIFY(timer.elapsed() < late);
-    }
-
-    void allBytesPass()
-    {
-        PseudoTerminal line;
-        QByteArray all;
-        for (int byte = 0; byte < 256; ++byte)
-            all += char(byte);
-        const Port port = configured(line);
-        QCOMPARE(write(port, all), 0);
-        QCOMPARE(line.receive(256), all);
-        QVERIFY(line.send(all));
-        const Reading reading = read(port, 256);
-        QCOMPARE(reading.result, 0);
-        QCOMPARE(reading.bytes, all);
-        QVERIFY(reading.milliseconds < late);
-        QCOMPARE(line.receive(1, 50), QByteArray()); // no echo
     }
 
     // Three lines at once, since each takes its seconds.
@@ -575,19 +497,6 @@ private slots:
         QCOMPARE(trickle.bytes, padded("ttt", 16));
         QVERIFY(trickle.milliseconds >= 6000 - early);
         QVERIFY(trickle.milliseconds < 6000 + late);
-    }
-
-    void fullAtOnce()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        QVERIFY(line.send("first, rest"));
-        Reading reading = read(port, 5);
-        QCOMPARE(reading.result, 0);
-        QCOMPARE(reading.bytes, QByteArray("first"));
-        QVERIFY(reading.milliseconds < late);
-        reading = read(port, 6);
-        QCOMPARE(reading.bytes, QByteArray(", rest"));
     }
 
     void signalsDontShortenTheSilence()
@@ -642,11 +551,11 @@ private slots:
             return 0;
         };
         drainInstead = [&] {
-            asked << QStringLiteral("drain");
+            asked << "drain"_s;
             return asked.size() == 5 ? failure(EINTR) : 0;
         };
         QCOMPARE(write(port, "bytes"), 0);
-        QCOMPARE(asked.join(QLatin1Char(' ')), QStringLiteral("30 20 10 0 drain drain"));
+        QCOMPARE(asked.join(QLatin1Char(' ')), "30 20 10 0 drain drain"_s);
         QCOMPARE(line.receive(5), QByteArray("bytes"));
         QCOMPARE(write(port, ""), 0);
         QCOMPARE(asked.size(), 6); // nothing to wait for
@@ -882,24 +791,6 @@ private slots:
         }
     }
 
-    void stoppedReadsTakeNothing()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        QVERIFY(line.send("kept"));
-        SerialStop stop;
-        QVERIFY(!stop.isRequested());
-        stop.request();
-        QVERIFY(stop.isRequested());
-        for (int time = 0; time < 2; ++time) {
-            const Reading reading = read(port, 4, &stop);
-            QCOMPARE(reading.result, 8);
-            QCOMPARE(reading.bytes, QByteArray(4, '\0'));
-        }
-        SerialStop another;
-        QCOMPARE(read(port, 4, &another).bytes, QByteArray("kept"));
-    }
-
     void stopWithoutADescriptorToSpare()
     {
         const PseudoTerminal line;
@@ -934,22 +825,7 @@ private slots:
         QCOMPARE(result, 1);
         QVERIFY(processorSeconds() - before < 0.2);
     }
-
-    void linesStandAlone()
-    {
-        PseudoTerminal one;
-        PseudoTerminal two;
-        const Port first = configured(one);
-        const Port second = configured(two);
-        QCOMPARE(serialConfigure(second.get(), 7, 3, 0, 0), 0);
-        const termios state = stateOf(one);
-        QCOMPARE(int(::cfgetospeed(&state)), int(B9600));
-        QVERIFY(one.send("1"));
-        QVERIFY(two.send("2"));
-        QCOMPARE(read(second, 1).bytes, QByteArray("2"));
-        QCOMPARE(read(first, 1).bytes, QByteArray("1"));
-    }
 };
 
-QTEST_APPLESS_MAIN(TestSerialPortPosix)
+QTEST_APPLESS_MAIN(SerialPortPosixTest)
 #include "tst_serialport_posix.moc"

@@ -1,5 +1,5 @@
 #include "telematics/serialPort_win32.h"
-#include "tests/support/SerialLine.h"
+#include "tests/support/SerialTest.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -9,19 +9,12 @@
 #include <memory>
 #include <thread>
 
-using support::configured;
-using support::opened;
-using support::Port;
-using support::PseudoTerminal;
-using support::read;
-using support::Reading;
-using support::write;
+using namespace support;
 
 namespace {
 
 // A loaded machine may be late, but never early by more than the system's clock ticks.
 constexpr int early = 40;
-constexpr int late = 2000;
 
 /**
  * Wine 8 as it is differs from Windows in four points: a read waits out the silence with bytes at
@@ -46,7 +39,7 @@ DCB stateOf(const Port &port)
 
 } // namespace
 
-class TestSerialPortWin32 : public QObject
+class SerialPortWin32Test : public SerialTest
 {
     Q_OBJECT
 
@@ -134,19 +127,8 @@ private slots:
         QVERIFY(opened(line));
     }
 
-    void lineFormats_data()
-    {
-        QTest::addColumn<int>("baud");
-        QTest::addColumn<int>("speed");
-        QTest::newRow("1200") << 0 << 1200;
-        QTest::newRow("2400") << 2 << 2400;
-        QTest::newRow("4800") << 3 << 4800;
-        QTest::newRow("9600") << 4 << 9600;
-        QTest::newRow("19200") << 5 << 19200;
-        QTest::newRow("38400") << 6 << 38400;
-        QTest::newRow("57600") << 7 << 57600;
-        QTest::newRow("115200") << 8 << 115200;
-    }
+    void lineFormats_data() { addSpeeds(); }
+
     void lineFormats()
     {
         QFETCH(int, baud);
@@ -182,25 +164,8 @@ private slots:
         }
     }
 
-    void refusedCodes_data()
-    {
-        QTest::addColumn<QList<int>>("codes");
-        QTest::addColumn<int>("result");
-        constexpr int most = std::numeric_limits<int>::max();
-        QTest::newRow("baud 1") << QList<int>{1, 3, 0, 0} << 3;
-        QTest::newRow("baud 9") << QList<int>{9, 3, 0, 0} << 3;
-        QTest::newRow("baud -1") << QList<int>{-1, 3, 0, 0} << 3;
-        QTest::newRow("baud, largest") << QList<int>{most, 3, 0, 0} << 3;
-        QTest::newRow("data bits 4") << QList<int>{4, 4, 0, 0} << 4;
-        QTest::newRow("data bits -1") << QList<int>{4, -1, 0, 0} << 4;
-        QTest::newRow("parity 3") << QList<int>{4, 3, 3, 0} << 5;
-        QTest::newRow("parity -1") << QList<int>{4, 3, -1, 0} << 5;
-        QTest::newRow("stop bits 2") << QList<int>{4, 3, 0, 2} << 6;
-        QTest::newRow("stop bits -1") << QList<int>{4, 3, 0, -1} << 6;
-        QTest::newRow("baud before all") << QList<int>{1, 9, 9, 9} << 3;
-        QTest::newRow("data bits before parity") << QList<int>{4, 9, 9, 9} << 4;
-        QTest::newRow("parity before stop bits") << QList<int>{4, 3, 9, 9} << 5;
-    }
+    void refusedCodes_data() { addRefusedCodes(); }
+
     void refusedCodes()
     {
         QFETCH(QList<int>, codes);
@@ -272,21 +237,6 @@ private slots:
         QCOMPARE(int(stateOf(port).Parity), NOPARITY);
     }
 
-    void unconfiguredIsNotTouched()
-    {
-        PseudoTerminal line;
-        const Port port = opened(line);
-        QVERIFY(line.send("waiting"));
-        QCOMPARE(write(port, "bytes"), 1);
-        const Reading reading = read(port, 4);
-        QCOMPARE(reading.result, 1);
-        QCOMPARE(reading.bytes, QByteArray(4, '\0'));
-        QVERIFY(reading.milliseconds < late);
-        QCOMPARE(serialWrite(port.get(), nullptr, 0), 1);
-        QCOMPARE(serialRead(port.get(), nullptr, 0), 1);
-        QCOMPARE(line.receive(1, 50), QByteArray());
-    }
-
     void noLineAtAll()
     {
         char one = 'x';
@@ -307,33 +257,6 @@ private slots:
         QCOMPARE(serialRead(&invalid, &one, 1), 1);
         serialPurge(&invalid);
         serialClose(&invalid);
-    }
-
-    void nothingToMove()
-    {
-        const PseudoTerminal line;
-        const Port port = configured(line);
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(serialRead(port.get(), nullptr, 0), 0);
-        QCOMPARE(serialWrite(port.get(), nullptr, 0), 0);
-        QVERIFY(timer.elapsed() < late);
-    }
-
-    void allBytesPass()
-    {
-        PseudoTerminal line;
-        QByteArray all;
-        for (int value = 0; value < 256; ++value)
-            all += char(value);
-        const Port port = configured(line);
-        QCOMPARE(write(port, all), 0);
-        QCOMPARE(line.receive(256), all);
-        QVERIFY(line.send(all));
-        const Reading reading = read(port, 256);
-        QCOMPARE(reading.result, 0);
-        QCOMPARE(reading.bytes, all);
-        QCOMPARE(line.receive(1, 50), QByteArray()); // no echo
     }
 
     void silence()
@@ -385,19 +308,6 @@ private slots:
         QVERIFY(reading.milliseconds < 4000 + serialSilence + late);
     }
 
-    void fullAtOnce()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        QVERIFY(line.send("first, rest"));
-        Reading reading = read(port, 5);
-        QCOMPARE(reading.result, 0);
-        QCOMPARE(reading.bytes, QByteArray("first"));
-        QVERIFY(reading.milliseconds < late);
-        reading = read(port, 6);
-        QCOMPARE(reading.bytes, QByteArray(", rest"));
-    }
-
     void receivedBytesSurvive()
     {
         if (!likeWindows())
@@ -409,21 +319,6 @@ private slots:
         QCOMPARE(serialConfigure(port.get(), 7, 3, 0, 0), 0);
         serialPurge(port.get());
         QCOMPARE(read(port, 14).bytes, QByteArray("before between"));
-    }
-
-    void linesStandAlone()
-    {
-        PseudoTerminal one;
-        PseudoTerminal two;
-        const Port first = configured(one);
-        const Port second = configured(two);
-        QCOMPARE(serialConfigure(second.get(), 7, 3, 0, 0), 0);
-        QCOMPARE(one.speed(), 9600);
-        QCOMPARE(two.speed(), 57600);
-        QVERIFY(one.send("1"));
-        QVERIFY(two.send("2"));
-        QCOMPARE(read(second, 1).bytes, QByteArray("2"));
-        QCOMPARE(read(first, 1).bytes, QByteArray("1"));
     }
 
     void vanishedLine()
@@ -459,22 +354,6 @@ private slots:
         QVERIFY(reading.milliseconds < 1500);
     }
 
-    void stoppedReadsTakeNothing()
-    {
-        PseudoTerminal line;
-        const Port port = configured(line);
-        QVERIFY(line.send("kept"));
-        SerialStop stop;
-        stop.request();
-        for (int time = 0; time < 2; ++time) {
-            const Reading reading = read(port, 4, &stop);
-            QCOMPARE(reading.result, 8);
-            QCOMPARE(reading.bytes, QByteArray(4, '\0'));
-        }
-        const SerialStop another;
-        QCOMPARE(read(port, 4, &another).bytes, QByteArray("kept"));
-    }
-
     void stopThatNobodyRequests()
     {
         PseudoTerminal line;
@@ -492,5 +371,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSerialPortWin32)
+QTEST_GUILESS_MAIN(SerialPortWin32Test)
 #include "tst_serialport_win32.moc"

@@ -11,6 +11,9 @@
 /** The serial layer's near end of a line, as its tests on every system use it. */
 namespace support {
 
+/** What a loaded machine may be late, in milliseconds. */
+inline constexpr int late = 2000;
+
 struct SerialCloser {
     void operator()(SerialPort *port) const { serialClose(port); }
 };
