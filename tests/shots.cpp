@@ -23,6 +23,8 @@
 
 #include <cstdio>
 
+using namespace support;
+
 namespace {
 
 constexpr std::int64_t unitTime = 1'773'000'000'000; // a Sunday evening in March 2026
@@ -47,8 +49,8 @@ void useProfile(const std::string &profile)
 /** "GSM/GPRS" gives "gsm-gprs". */
 QString fileWord(const QString &caption)
 {
-    static const QRegularExpression others(QStringLiteral("[^a-z0-9]+"));
-    return caption.toLower().replace(others, QStringLiteral("-"));
+    static const QRegularExpression others("[^a-z0-9]+"_s);
+    return caption.toLower().replace(others, "-"_s);
 }
 
 /** What is taken. */
@@ -73,7 +75,7 @@ public:
 
     void take(const QPixmap &picture, const QString &name)
     {
-        const QString file = folder.filePath(name + QStringLiteral(".png"));
+        const QString file = folder.filePath(name + ".png"_s);
         if (picture.save(file))
             return;
         std::fprintf(stderr, "vornshots: cannot write %s\n", qPrintable(file));
@@ -106,7 +108,7 @@ public:
         auto *level = visiblePage(window)->findChild<QSlider *>();
         dialogs.plan([&](QDialog *box) {
             box->move(window.geometry().center() - box->rect().center());
-            take(seen(window, box), QStringLiteral("error"));
+            take(seen(window, box), "error"_s);
             box->reject();
         });
         if (level)
@@ -155,12 +157,12 @@ private:
         QTest::qWait(settleTime);
         if (order.state.isEmpty())
             take(seen(window), name);
-        else if (order.state == QLatin1String("focus"))
-            takeFocus(window, name + QStringLiteral("-focus"));
-        else if (order.state == QLatin1String("list"))
-            takeLists(window, name + QStringLiteral("-list"));
-        else if (order.state == QLatin1String("busy"))
-            takeBusy(window, name + QStringLiteral("-busy"));
+        else if (order.state == "focus"_s)
+            takeFocus(window, name + "-focus"_s);
+        else if (order.state == "list"_s)
+            takeLists(window, name + "-list"_s);
+        else if (order.state == "busy"_s)
+            takeBusy(window, name + "-busy"_s);
     }
 
     /** With the focus on each of the page's controls that a key reaches. */
@@ -174,7 +176,7 @@ private:
         }
         for (auto *control : page->findChildren<QWidget *>()) {
             if (!(control->focusPolicy() & Qt::TabFocus) || !control->isVisible() ||
-                !control->isEnabled() || control->objectName().startsWith(QLatin1String("qt_")))
+                !control->isEnabled() || control->objectName().startsWith("qt_"_s))
                 continue;
             control->setFocus(Qt::TabFocusReason);
             take(seen(window), name + QLatin1Char('-') + control->objectName());
@@ -212,9 +214,9 @@ void takeAll(Camera &camera, const Order &order)
     {
         VornSettings window;
         showOnScreen(window);
-        for (int index = menuTab; index < tabCount && order.state != QLatin1String("box"); ++index)
+        for (int index = menuTab; index < tabCount && order.state != "box"_s; ++index)
             camera.takePage(window, index);
-        if (all || order.state == QLatin1String("box"))
+        if (all || order.state == "box"_s)
             camera.takeError(window, dialogs);
     }
     if (!all)
@@ -223,24 +225,23 @@ void takeAll(Camera &camera, const Order &order)
         useProfile(profile);
         VornSettings window;
         showOnScreen(window);
-        camera.take(window.grab(), QStringLiteral("menu-") + QString::fromStdString(profile));
+        camera.take(window.grab(), "menu-"_s + QString::fromStdString(profile));
     }
 }
 
 /** Nothing if the arguments can't be understood. */
 std::optional<Order> orderOf(const QStringList &arguments)
 {
-    static const QStringList states{QString(), QStringLiteral("focus"), QStringLiteral("list"),
-        QStringLiteral("box"), QStringLiteral("busy")};
-    static const QRegularExpression size(QStringLiteral("^([1-9]\\d{2,3})x([1-9]\\d{2,3})$"));
+    static const QStringList states{QString(), "focus"_s, "list"_s, "box"_s, "busy"_s};
+    static const QRegularExpression size("^([1-9]\\d{2,3})x([1-9]\\d{2,3})$"_s);
     QCommandLineParser parser;
     for (const char *name : {"page", "state", "screen", "scale"})
         parser.addOption({QString::fromLatin1(name), QString(), QString::fromLatin1(name)});
     if (!parser.parse(arguments) || parser.positionalArguments().size() != 1)
         return std::nullopt;
-    Order order{parser.positionalArguments().constFirst(), parser.value(QStringLiteral("page")),
-        parser.value(QStringLiteral("state")), {}, parser.value(QStringLiteral("scale"))};
-    const QString screen = parser.value(QStringLiteral("screen"));
+    Order order{parser.positionalArguments().constFirst(), parser.value("page"_s),
+        parser.value("state"_s), {}, parser.value("scale"_s)};
+    const QString screen = parser.value("screen"_s);
     const auto match = size.match(screen);
     if (match.hasMatch())
         order.screen = QSize(match.captured(1).toInt(), match.captured(2).toInt());
@@ -255,10 +256,9 @@ std::optional<Order> orderOf(const QStringList &arguments)
 /** Writes what the offscreen platform reads about its screen; Qt 5 has one screen alone. */
 void makeScreen(QTemporaryFile &file, QSize size)
 {
-    const QString text = QStringLiteral("{\"screens\":[{\"name\":\"screen\",\"x\":0,\"y\":0,"
-                                        "\"width\":%1,\"height\":%2,\"logicalDpi\":96,"
-                                        "\"logicalBaseDpi\":96,\"dpr\":1}]}")
-                             .arg(size.width())
+    const QString text = "{\"screens\":[{\"name\":\"screen\",\"x\":0,\"y\":0,"
+                         "\"width\":%1,\"height\":%2,\"logicalDpi\":96,"
+                         "\"logicalBaseDpi\":96,\"dpr\":1}]}"_s.arg(size.width())
                              .arg(size.height());
     if (!file.open() || file.write(text.toUtf8()) < 0 || !file.flush())
         require("cannot write what the screen is like");

@@ -44,11 +44,6 @@ constexpr Entry entries[] = {
     {"Battery data", batteryDataText},
 };
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 QStringList captions(int count)
 {
     QStringList texts;

@@ -89,11 +89,6 @@ void click(QWidget *widget)
     QTest::mouseClick(widget, Qt::LeftButton);
 }
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 constexpr char image[] = ":0400000001020304F2\n:00000001FF\n";
 constexpr char otherImage[] = ":0400000001020305F1\n:00000001FF\n";
 

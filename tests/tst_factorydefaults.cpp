@@ -10,11 +10,6 @@ using namespace support;
 
 namespace {
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /** What a unit is, as far as the reset depends on it. */
 struct Equipment {
     int canChannels = 4;
@@ -22,7 +17,7 @@ struct Equipment {
     bool suspend = true;
     bool override = false;
     bool telematics = true;
-    QStringList radios = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
+    QStringList radios = {"GPRS"_s, "WLAN"_s, "GPS"_s, "BT"_s};
 };
 
 /** The calls of a reset from its first write on, results apart. */
@@ -39,30 +34,30 @@ QStringList writes(const Equipment &unit)
         "Backlight_setLedDimming(1)", "Backlight_release()"});
     addAll({"Buzzer_create()", "Buzzer_setFrequency(700)", "Buzzer_setVolume(0)",
         "Buzzer_setTrigger(false)", "Buzzer_release()"});
-    add(latin1("Can_create()"));
+    add("Can_create()"_s);
     for (int channel = 1; channel <= unit.canChannels; ++channel)
         add("Can_setBaudrate(%1, 125)"_s.arg(channel));
     for (int channel = 1; channel <= unit.canChannels; ++channel)
         add("Can_setFrameType(%1, 2)"_s.arg(channel));
-    add(latin1("Can_release()"));
+    add("Can_release()"_s);
 
     addAll({"Config_create()", "Config_getSuspendMaxTime()"});
     if (unit.canChannels > 0)
-        add(latin1("Config_setCanStartupPowerConfig(0)"));
+        add("Config_setCanStartupPowerConfig(0)"_s);
     addAll({"Config_setExtFanStartupPowerConfig(0)", "Config_setExtOnOffSigTrigTime(4)",
         "Config_setFrontBtnTrigTime(4000)", "Config_setHeatingTempLimit(-25)",
         "Config_setLongButtonPressAction(2)", "Config_setOnOffSigAction(2)"});
     add("Config_setShortButtonPressAction(%1)"_s.arg(unit.suspend ? 1 : 2));
     addAll({"Config_setStartupTriggerConfig(3)", "Config_setStartupVoltageConfig(9)"});
     if (unit.suspend)
-        add(latin1("Config_setSuspendMaxTime(60)"));
+        add("Config_setSuspendMaxTime(60)"_s);
     if (unit.video)
-        add(latin1("Config_setVideoStartupPowerConfig(0)"));
-    add(latin1("Config_setPowerOnStartup(0)"));
+        add("Config_setVideoStartupPowerConfig(0)"_s);
+    add("Config_setPowerOnStartup(0)"_s);
     if (unit.override)
         addAll({"Config_setStartupTriggerConfig(3)", "Config_setShortButtonPressAction(2)",
             "Config_setLongButtonPressAction(2)", "Config_setOnOffSigAction(0)"});
-    add(latin1("Config_release()"));
+    add("Config_release()"_s);
 
     addAll(
         {"FrontLED_create()", "FrontLED_setColor(0, 15, 0)", "FrontLED_setEnabledDuringStartup(1)",
@@ -71,18 +66,18 @@ QStringList writes(const Equipment &unit)
     addAll({"LightSensor_create()", "LightSensor_setOperatingRange(0)", "LightSensor_release()"});
     addAll({"Power_create()", "Power_setBLPowerStatus(1)"});
     if (unit.canChannels > 0)
-        add(latin1("Power_setCanPowerStatus(0)"));
-    add(latin1("Power_setExtFanPowerStatus(0)"));
+        add("Power_setCanPowerStatus(0)"_s);
+    add("Power_setExtFanPowerStatus(0)"_s);
     if (unit.video)
-        add(latin1("Power_setVideoPowerStatus(0)"));
-    add(latin1("Power_release()"));
+        add("Power_setVideoPowerStatus(0)"_s);
+    add("Power_release()"_s);
     addAll({"Touch_create()", "Touch_setMode(3)", "pause(500)", "Touch_setMode(2)", "pause(500)",
         "Touch_setMouseRightClickTime(1000)", "pause(100)", "Touch_setMode(3)", "pause(500)",
         "Touch_release()"});
 
     addAll({"Telematics_create()", "Telematics_getAvailable()"});
     if (unit.telematics) {
-        add(latin1("Hardware_create()"));
+        add("Hardware_create()"_s);
         const std::pair<const char *, const char *> queries[] = {{"Hardware_hasGsm()", "GPRS"},
             {"Hardware_hasWlan()", "WLAN"}, {"Hardware_hasGps()", "GPS"},
             {"Hardware_hasBluetooth()", "BT"}};
@@ -90,17 +85,17 @@ QStringList writes(const Equipment &unit)
             add(latin1(query));
             if (!unit.radios.contains(latin1(radio)))
                 continue;
-            add(latin1("Telematics_set") + latin1(radio) + latin1("PowerStatus(0)"));
-            add(latin1("Telematics_set") + latin1(radio) + latin1("StartUpPowerStatus(0)"));
+            add("Telematics_set"_s + latin1(radio) + "PowerStatus(0)"_s);
+            add("Telematics_set"_s + latin1(radio) + "StartUpPowerStatus(0)"_s);
         }
-        add(latin1("Hardware_release()"));
+        add("Hardware_release()"_s);
     }
-    add(latin1("Telematics_release()"));
+    add("Telematics_release()"_s);
     return calls;
 }
 
-const QStringList counts = {latin1("Hardware_create()"), latin1("Hardware_getCanCount()"),
-    latin1("Hardware_getVideoCount()"), latin1("Hardware_release()")};
+const QStringList counts = {"Hardware_create()"_s, "Hardware_getCanCount()"_s,
+    "Hardware_getVideoCount()"_s, "Hardware_release()"_s};
 
 /** Leaves out results and out values. */
 QStringList withoutResults(QStringList calls)
@@ -131,8 +126,8 @@ private slots:
     {
         QFETCH(int, canCount);
         QFETCH(int, videoCount);
-        setUnit(latin1("Hardware.canCount"), QString::number(canCount));
-        setUnit(latin1("Hardware.videoCount"), QString::number(videoCount));
+        setUnit("Hardware.canCount"_s, QString::number(canCount));
+        setUnit("Hardware.videoCount"_s, QString::number(videoCount));
         const QStringList made = reset();
         Equipment unit;
         unit.canChannels = std::min(canCount, 7);
@@ -142,7 +137,7 @@ private slots:
 
     void values()
     {
-        setUnit(latin1("Touch.mode"), latin1("0"));
+        setUnit("Touch.mode"_s, "0"_s);
         reset();
         const std::pair<const char *, const char *> values[] = {{"Backlight.intensity", "255"},
             {"Backlight.automaticBLStatus", "0"}, {"Backlight.softTransitions", "false"},
@@ -169,8 +164,8 @@ private slots:
             {"Telematics.gpsStartUpPowerStatus", "0"}, {"Telematics.btPowerStatus", "0"},
             {"Telematics.btStartUpPowerStatus", "0"}};
         for (const auto &[name, value] : values)
-            QCOMPARE(latin1(name) + latin1("=") + unit(latin1(name)),
-                latin1(name) + latin1("=") + latin1(value));
+            QCOMPARE(
+                latin1(name) + "="_s + unit(latin1(name)), latin1(name) + "="_s + latin1(value));
     }
 
     void handles()
@@ -214,17 +209,17 @@ private slots:
         Equipment equipment;
         equipment.override = override;
         QCOMPARE(withoutResults(made), counts + writes(equipment));
-        QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1(override ? "0" : "2"));
-        QCOMPARE(unit(latin1("Config.shortButtonPressAction")), latin1(override ? "2" : "1"));
-        QCOMPARE(unit(latin1("Config.longButtonPressAction")), latin1("2"));
-        QCOMPARE(unit(latin1("Config.startupTrigger")), latin1("3"));
-        QCOMPARE(unit(latin1("Config.suspendMaxTime")), latin1("60"));
+        QCOMPARE(unit("Config.onOffSigAction"_s), latin1(override ? "0" : "2"));
+        QCOMPARE(unit("Config.shortButtonPressAction"_s), latin1(override ? "2" : "1"));
+        QCOMPARE(unit("Config.longButtonPressAction"_s), "2"_s);
+        QCOMPARE(unit("Config.startupTrigger"_s), "3"_s);
+        QCOMPARE(unit("Config.suspendMaxTime"_s), "60"_s);
     }
 
     void count_thatCantBeRead()
     {
-        fault(latin1("Hardware_getCanCount"), 5);
-        fault(latin1("Hardware_getVideoCount"), 18);
+        fault("Hardware_getCanCount"_s, 5);
+        fault("Hardware_getVideoCount"_s, 18);
         const QStringList made = reset();
         Equipment unit;
         unit.canChannels = 0;
@@ -245,7 +240,7 @@ private slots:
     {
         QFETCH(int, code);
         QFETCH(QByteArray, board);
-        fault(latin1("Config_getSuspendMaxTime"), code);
+        fault("Config_getSuspendMaxTime"_s, code);
         const QStringList made = reset(board.constData());
         Equipment unit;
         unit.suspend = code != DEVICE_NOT_SUPPORTED;
@@ -261,19 +256,19 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<bool>("fitted");
         QTest::addColumn<QStringList>("radios");
-        const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
+        const QStringList all = {"GPRS"_s, "WLAN"_s, "GPS"_s, "BT"_s};
         const auto without = [&all](const char *radio) {
             QStringList radios = all;
             radios.removeOne(latin1(radio));
             return radios;
         };
         for (const int code : failureCodes)
-            QTest::addRow("getAvailable, %d", code) << latin1("Telematics_getAvailable") << code
-                                                    << QString() << QString() << false << all;
-        QTest::newRow("no board") << QString() << 0 << latin1("Telematics.available") << latin1("0")
-                                  << false << all;
-        QTest::newRow("board 2") << QString() << 0 << latin1("Telematics.available") << latin1("2")
-                                 << false << all;
+            QTest::addRow("getAvailable, %d", code)
+                << "Telematics_getAvailable"_s << code << QString() << QString() << false << all;
+        QTest::newRow("no board") << QString() << 0 << "Telematics.available"_s
+                                  << "0"_s << false << all;
+        QTest::newRow("board 2") << QString() << 0 << "Telematics.available"_s
+                                 << "2"_s << false << all;
         const std::tuple<const char *, const char *, const char *> queries[] = {
             {"Hardware_hasGsm", "Hardware.hasGsm", "GPRS"},
             {"Hardware_hasWlan", "Hardware.hasWlan", "WLAN"},
@@ -281,7 +276,7 @@ private slots:
             {"Hardware_hasBluetooth", "Hardware.hasBluetooth", "BT"}};
         for (const auto &[query, property, radio] : queries) {
             QTest::addRow("no %s", radio)
-                << QString() << 0 << latin1(property) << latin1("false") << true << without(radio);
+                << QString() << 0 << latin1(property) << "false"_s << true << without(radio);
             QTest::addRow("%s fails", query)
                 << latin1(query) << 5 << QString() << QString() << true << without(radio);
         }
@@ -318,7 +313,7 @@ private slots:
         QFETCH(int, code);
         QStringList expected;
         const QString text = "Error(%1) in "_s.arg(code);
-        setUnit(latin1("Hardware.canCount"), latin1("7"));
+        setUnit("Hardware.canCount"_s, "7"_s);
         for (const QString &call : writes([] {
                  Equipment unit;
                  unit.canChannels = 7;
@@ -331,8 +326,8 @@ private slots:
             fault(operation, code);
             QString channel;
             if (operation.startsWith("Can_"_s))
-                channel = latin1(" CAN") + call.section(QLatin1Char('('), 1).left(1);
-            expected << text + name + channel + latin1(": ") + latin1(deviceErrorText(code));
+                channel = " CAN"_s + call.section(QLatin1Char('('), 1).left(1);
+            expected << text + name + channel + ": "_s + latin1(deviceErrorText(code));
         }
         const QStringList made = reset();
         QCOMPARE(dialogs.takeTexts(), expected);
@@ -362,19 +357,19 @@ private slots:
         equipment.override = true;
         QCOMPARE(withoutResults(made), counts + writes(equipment));
         QCOMPARE(dialogs.takeTexts(), QStringList());
-        QCOMPARE(unit(latin1("Config.onOffSigAction")), latin1("2"));
+        QCOMPARE(unit("Config.onOffSigAction"_s), "2"_s);
     }
 
     void profiles_data()
     {
         QTest::addColumn<QStringList>("radios");
         QTest::addColumn<bool>("telematics");
-        const QStringList all = {latin1("GPRS"), latin1("WLAN"), latin1("GPS"), latin1("BT")};
+        const QStringList all = {"GPRS"_s, "WLAN"_s, "GPS"_s, "BT"_s};
         QTest::newRow("full") << all << true;
         QTest::newRow("basic") << QStringList() << false;
         QTest::newRow("no-touch") << all << true;
-        QTest::newRow("gps-only") << QStringList{latin1("GPS")} << true;
-        QTest::newRow("gsm-only") << QStringList{latin1("GPRS")} << true;
+        QTest::newRow("gps-only") << QStringList{"GPS"_s} << true;
+        QTest::newRow("gsm-only") << QStringList{"GPRS"_s} << true;
     }
 
     void profiles()
@@ -383,9 +378,9 @@ private slots:
         QFETCH(bool, telematics);
         useProfile(latin1(QTest::currentDataTag()));
         Equipment equipment;
-        equipment.canChannels = unit(latin1("Hardware.canCount")).toInt();
-        equipment.video = unit(latin1("Hardware.videoCount")).toInt() > 0;
-        equipment.suspend = unit(latin1("Feature.suspend")) == "true"_s;
+        equipment.canChannels = unit("Hardware.canCount"_s).toInt();
+        equipment.video = unit("Hardware.videoCount"_s).toInt() > 0;
+        equipment.suspend = unit("Feature.suspend"_s) == "true"_s;
         equipment.telematics = telematics;
         equipment.radios = radios;
         const QStringList made = reset();

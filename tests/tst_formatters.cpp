@@ -11,11 +11,6 @@ using namespace support;
 
 namespace {
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 QString errorText(int code)
 {
     return "Error(%1) "_s.arg(code) + latin1(deviceErrorText(code));
@@ -43,31 +38,31 @@ private slots:
             Formatter format;
         };
         const Optional optionals[] = {
-            {"value", latin1("Name"),
-                [](DeviceCode code) { return formatValueLine(code, "Name", latin1("1"), "V"); }},
-            {"text", latin1("Name"),
+            {"value", "Name"_s,
+                [](DeviceCode code) { return formatValueLine(code, "Name", "1"_s, "V"); }},
+            {"text", "Name"_s,
                 [](DeviceCode code) { return formatTextLine(code, "Name", "text", ""); }},
-            {"short", latin1("Name"),
+            {"short", "Name"_s,
                 [](DeviceCode code) { return formatShortLine(code, "Name", -1, "C"); }},
-            {"ushort", latin1("Name"),
+            {"ushort", "Name"_s,
                 [](DeviceCode code) { return formatUShortLine(code, "Name", 1, "%"); }},
-            {"voltage", latin1("Name"),
+            {"voltage", "Name"_s,
                 [](DeviceCode code) { return formatVoltageLine(code, "Name", 1.5, "V"); }},
-            {"minutes", latin1("Name"),
+            {"minutes", "Name"_s,
                 [](DeviceCode code) { return formatMinutesLine(code, "Name", 1500); }},
-            {"connections", latin1("Number of Name connections"),
+            {"connections", "Number of Name connections"_s,
                 [](DeviceCode code) { return formatConnectionsLine(code, "Name", 4); }},
-            {"mounted", latin1("Name device mounted"),
+            {"mounted", "Name device mounted"_s,
                 [](DeviceCode code) { return formatMountedLine(code, "Name", true); }},
         };
         for (const Optional &optional : optionals) {
             QTest::addRow("%s, not supported", optional.row) << optional.format(2) << QString();
             QTest::addRow("%s, not available", optional.row)
-                << optional.format(18) << optional.label + latin1(": N/A\n");
+                << optional.format(18) << optional.label + ": N/A\n"_s;
             for (const int code : faults)
                 QTest::addRow("%s, %d", optional.row, code)
                     << optional.format(code)
-                    << optional.label + latin1(": ") + errorText(code) + QLatin1Char('\n');
+                    << optional.label + ": "_s + errorText(code) + QLatin1Char('\n');
         }
 
         const std::pair<const char *, Formatter> settings[] = {
@@ -83,20 +78,19 @@ private slots:
         for (const auto &[row, format] : settings) {
             for (const int code : {2, 18})
                 QTest::addRow("%s, %d", row, code)
-                    << format(code) << latin1("Name: ") + errorText(code) + QLatin1Char('\n');
+                    << format(code) << "Name: "_s + errorText(code) + QLatin1Char('\n');
             for (const int code : faults)
                 QTest::addRow("%s, %d", row, code)
-                    << format(code) << latin1("Name: ") + errorText(code) + QLatin1Char('\n');
+                    << format(code) << "Name: "_s + errorText(code) + QLatin1Char('\n');
         }
 
         QTest::newRow("button configuration, not supported")
             << formatButtonConfigLine(2, "Name", 4) << QString();
         QTest::newRow("button configuration, not available")
             << formatButtonConfigLine(18, "Name", 4)
-            << latin1("Name: ") + errorText(18) + QLatin1Char('\n');
-        QTest::newRow("button configuration, 5")
-            << formatButtonConfigLine(5, "Name", 1)
-            << latin1("Name: ") + errorText(5) + QLatin1Char('\n');
+            << "Name: "_s + errorText(18) + QLatin1Char('\n');
+        QTest::newRow("button configuration, 5") << formatButtonConfigLine(5, "Name", 1)
+                                                 << "Name: "_s + errorText(5) + QLatin1Char('\n');
     }
 
     void failure()
@@ -115,8 +109,8 @@ private slots:
         };
         const auto lowest = std::numeric_limits<std::int32_t>::min();
 
-        row("value", formatValueLine(0, "Name", latin1("12"), "V"), "Name: 12 V\n");
-        row("value, no unit", formatValueLine(0, "Name", latin1("12"), ""), "Name: 12 \n");
+        row("value", formatValueLine(0, "Name", "12"_s, "V"), "Name: 12 V\n");
+        row("value, no unit", formatValueLine(0, "Name", "12"_s, ""), "Name: 12 \n");
         row("text", formatTextLine(0, "Main PCB Serial", "4711", ""), "Main PCB Serial: 4711 \n");
         row("text, empty", formatTextLine(0, "Name", "", ""), "Name:  \n");
         row("text, degree", formatTextLine(0, "A\260C", "\344\377", "\260C"),
@@ -198,11 +192,11 @@ private slots:
 
     void text_isTakenAsItStands()
     {
-        QCOMPARE(formatTextLine(0, "%2", "%1 %3 %L1 %%", "%1"), latin1("%2: %1 %3 %L1 %% %1\n"));
-        QCOMPARE(formatConnectionsLine(0, "%1", 3), latin1("Number of %1 connections: 3\n"));
-        QCOMPARE(formatMountedLine(18, "%1", true), latin1("%1 device mounted: N/A\n"));
-        QCOMPARE(formatIntLine("%1 %2", 7, 0), latin1("%1 %2: 7\n"));
-        QCOMPARE(formatIntLine("%3", 7, 5), latin1("%3: ") + errorText(5) + QLatin1Char('\n'));
+        QCOMPARE(formatTextLine(0, "%2", "%1 %3 %L1 %%", "%1"), "%2: %1 %3 %L1 %% %1\n"_s);
+        QCOMPARE(formatConnectionsLine(0, "%1", 3), "Number of %1 connections: 3\n"_s);
+        QCOMPARE(formatMountedLine(18, "%1", true), "%1 device mounted: N/A\n"_s);
+        QCOMPARE(formatIntLine("%1 %2", 7, 0), "%1 %2: 7\n"_s);
+        QCOMPARE(formatIntLine("%3", 7, 5), "%3: "_s + errorText(5) + QLatin1Char('\n'));
     }
 
     void number_isQtsGeneralFormat_data()
@@ -217,8 +211,8 @@ private slots:
     {
         QFETCH(double, value);
         const QString number = "%1"_s.arg(value);
-        QCOMPARE(formatVoltageLine(0, "U", value, "V"), latin1("U: ") + number + latin1(" V\n"));
-        QCOMPARE(formatDoubleLine("U", value, 0), latin1("U: ") + number + QLatin1Char('\n'));
+        QCOMPARE(formatVoltageLine(0, "U", value, "V"), "U: "_s + number + " V\n"_s);
+        QCOMPARE(formatDoubleLine("U", value, 0), "U: "_s + number + QLatin1Char('\n'));
     }
 };
 

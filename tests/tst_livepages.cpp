@@ -44,18 +44,133 @@ class LivePagesTest : public PageTest
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        PageTest::init();
+        setUnit("Backlight.automaticBLStatus"_s, "0"_s);
+    }
     void oneBoxForAFailingRound_data() { addPages(); }
-    void oneBoxForAFailingRound();
-    void oneBoxForAFailingShow();
+
+    void oneBoxForAFailingRound()
+    {
+        QFETCH(int, index);
+        const LivePage &row = livePages[index];
+        const auto page = row.make();
+        page->show();
+        const QTimer *timer = timerOf(*page);
+        QVERIFY(timer->isActive());
+        fault(QString::fromLatin1(row.operation), 5);
+        calls();
+        qsizetype readingsAtTheBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            waitForRounds(timer);
+            readingsAtTheBox = readings(row.operation);
+            box->accept();
+        });
+        QTRY_VERIFY(readingsAtTheBox >= 0);
+        QCOMPARE(readingsAtTheBox, 1);
+        QTRY_VERIFY(!timer->isActive());
+        waitForRounds(timer);
+        QCOMPARE(readings(row.operation), 0);
+        QCOMPARE(boxes(page.get()), QStringList(errorBox(5, QString::fromLatin1(row.errorName))));
+    }
+
+    // The first reading of this page isn't the timer's, so its box doesn't hold the timer back.
+    void oneBoxForAFailingShow()
+    {
+        tabDigIODlg page;
+        fault("DigIO_getDigIO"_s, 5);
+        calls();
+        qsizetype readingsAtTheBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            waitForRounds(timerOf(page));
+            readingsAtTheBox = readings("DigIO_getDigIO");
+            box->accept();
+        });
+        page.show();
+        QTRY_COMPARE(readingsAtTheBox, 1);
+        QVERIFY(!timerOf(page)->isActive());
+        QCOMPARE(boxes(&page), QStringList(errorBox(5, "getDigIO"_s)));
+    }
     void stopsThoughShownAgainBehindTheBox_data() { addPages(); }
-    void stopsThoughShownAgainBehindTheBox();
-    void noRoundsBehindARefusedEcho();
-    void roundsBehindARefusedEcho();
+
+    // A program can show the page again behind the box, which starts the timer; the round that
+    // opened the box comes to its end after that.
+    void stopsThoughShownAgainBehindTheBox()
+    {
+        QFETCH(int, index);
+        const LivePage &row = livePages[index];
+        const auto page = row.make();
+        page->show();
+        const QTimer *timer = timerOf(*page);
+        fault(QString::fromLatin1(row.operation), 5, 1);
+        bool activeBehind = false;
+        dialogs.plan([&](QDialog *box) {
+            page->hide();
+            page->show();
+            activeBehind = timer->isActive();
+            box->accept();
+        });
+        QTRY_VERIFY(activeBehind);
+        QTRY_VERIFY(!timer->isActive());
+        QCOMPARE(boxes(page.get()), QStringList(errorBox(5, QString::fromLatin1(row.errorName))));
+        page->hide();
+        page->show();
+        QVERIFY(timer->isActive());
+    }
+
+    void noRoundsBehindARefusedEcho()
+    {
+        tabBacklightDlg page;
+        page.show();
+        fault("Backlight_setIntensity"_s, 5);
+        calls();
+        qsizetype readingsAtTheBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            waitForRounds(timerOf(page));
+            readingsAtTheBox = readings("Backlight_getIntensity");
+            box->accept();
+        });
+        QTRY_COMPARE(readingsAtTheBox, 1);
+        QCOMPARE(boxes(&page), QStringList(errorBox(5, "setIntensity"_s)));
+        qsizetype readingsAfterIt = 0;
+        QTRY_VERIFY((readingsAfterIt += readings("Backlight_getIntensity")) > 0);
+        QCOMPARE(boxes(&page), QStringList());
+    }
+
+    // Shown again behind the box, the page reads on; the slider has the intensity already, so it
+    // isn't sent once more.
+    void roundsBehindARefusedEcho()
+    {
+        tabBacklightDlg page;
+        page.show();
+        fault("Backlight_setIntensity"_s, 5);
+        qsizetype readingsAtTheBox = -1;
+        dialogs.plan([&](QDialog *box) {
+            page.hide();
+            page.show();
+            calls();
+            waitForRounds(timerOf(page));
+            readingsAtTheBox = readings("Backlight_getIntensity");
+            box->accept();
+        });
+        QTRY_VERIFY(readingsAtTheBox > 0);
+        QCOMPARE(boxes(&page), QStringList(errorBox(5, "setIntensity"_s)));
+        QCOMPARE(child<QLabel>(&page, "labelBLLevel")->text(), unit("Backlight.intensity"_s));
+    }
 
 private:
-    static void addPages();
-    static QTimer *timerOf(const tabDlg &page);
+    static void addPages()
+    {
+        QTest::addColumn<int>("index");
+        for (int index = 0; index < int(std::size(livePages)); ++index)
+            QTest::newRow(livePages[index].name) << index;
+    }
+
+    static QTimer *timerOf(const tabDlg &page)
+    {
+        return page.findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    }
     /** Lets the time of some rounds pass, delivered or not. */
     static void waitForRounds(const QTimer *timer) { QTest::qWait(3 * timer->interval()); }
     qsizetype readings(const char *operation)
@@ -63,131 +178,6 @@ private:
         return calls().filter(QString::fromLatin1(operation) + QLatin1Char('(')).size();
     }
 };
-
-void LivePagesTest::init()
-{
-    PageTest::init();
-    setUnit("Backlight.automaticBLStatus"_s, "0"_s);
-}
-
-void LivePagesTest::addPages()
-{
-    QTest::addColumn<int>("index");
-    for (int index = 0; index < int(std::size(livePages)); ++index)
-        QTest::newRow(livePages[index].name) << index;
-}
-
-QTimer *LivePagesTest::timerOf(const tabDlg &page)
-{
-    return page.findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-void LivePagesTest::oneBoxForAFailingRound()
-{
-    QFETCH(int, index);
-    const LivePage &row = livePages[index];
-    const auto page = row.make();
-    page->show();
-    const QTimer *timer = timerOf(*page);
-    QVERIFY(timer->isActive());
-    fault(QString::fromLatin1(row.operation), 5);
-    calls();
-    qsizetype readingsAtTheBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        waitForRounds(timer);
-        readingsAtTheBox = readings(row.operation);
-        box->accept();
-    });
-    QTRY_VERIFY(readingsAtTheBox >= 0);
-    QCOMPARE(readingsAtTheBox, 1);
-    QTRY_VERIFY(!timer->isActive());
-    waitForRounds(timer);
-    QCOMPARE(readings(row.operation), 0);
-    QCOMPARE(boxes(page.get()), QStringList(errorBox(5, QString::fromLatin1(row.errorName))));
-}
-
-// The first reading of this page isn't the timer's, so its box doesn't hold the timer back.
-void LivePagesTest::oneBoxForAFailingShow()
-{
-    tabDigIODlg page;
-    fault("DigIO_getDigIO"_s, 5);
-    calls();
-    qsizetype readingsAtTheBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        waitForRounds(timerOf(page));
-        readingsAtTheBox = readings("DigIO_getDigIO");
-        box->accept();
-    });
-    page.show();
-    QTRY_COMPARE(readingsAtTheBox, 1);
-    QVERIFY(!timerOf(page)->isActive());
-    QCOMPARE(boxes(&page), QStringList(errorBox(5, "getDigIO"_s)));
-}
-
-// A program can show the page again behind the box, which starts the timer; the round that opened
-// the box comes to its end after that.
-void LivePagesTest::stopsThoughShownAgainBehindTheBox()
-{
-    QFETCH(int, index);
-    const LivePage &row = livePages[index];
-    const auto page = row.make();
-    page->show();
-    const QTimer *timer = timerOf(*page);
-    fault(QString::fromLatin1(row.operation), 5, 1);
-    bool activeBehind = false;
-    dialogs.plan([&](QDialog *box) {
-        page->hide();
-        page->show();
-        activeBehind = timer->isActive();
-        box->accept();
-    });
-    QTRY_VERIFY(activeBehind);
-    QTRY_VERIFY(!timer->isActive());
-    QCOMPARE(boxes(page.get()), QStringList(errorBox(5, QString::fromLatin1(row.errorName))));
-    page->hide();
-    page->show();
-    QVERIFY(timer->isActive());
-}
-
-void LivePagesTest::noRoundsBehindARefusedEcho()
-{
-    tabBacklightDlg page;
-    page.show();
-    fault("Backlight_setIntensity"_s, 5);
-    calls();
-    qsizetype readingsAtTheBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        waitForRounds(timerOf(page));
-        readingsAtTheBox = readings("Backlight_getIntensity");
-        box->accept();
-    });
-    QTRY_COMPARE(readingsAtTheBox, 1);
-    QCOMPARE(boxes(&page), QStringList(errorBox(5, "setIntensity"_s)));
-    qsizetype readingsAfterIt = 0;
-    QTRY_VERIFY((readingsAfterIt += readings("Backlight_getIntensity")) > 0);
-    QCOMPARE(boxes(&page), QStringList());
-}
-
-// Shown again behind the box, the page reads on; the slider has the intensity already, so it isn't
-// sent once more.
-void LivePagesTest::roundsBehindARefusedEcho()
-{
-    tabBacklightDlg page;
-    page.show();
-    fault("Backlight_setIntensity"_s, 5);
-    qsizetype readingsAtTheBox = -1;
-    dialogs.plan([&](QDialog *box) {
-        page.hide();
-        page.show();
-        calls();
-        waitForRounds(timerOf(page));
-        readingsAtTheBox = readings("Backlight_getIntensity");
-        box->accept();
-    });
-    QTRY_VERIFY(readingsAtTheBox > 0);
-    QCOMPARE(boxes(&page), QStringList(errorBox(5, "setIntensity"_s)));
-    QCOMPARE(child<QLabel>(&page, "labelBLLevel")->text(), unit("Backlight.intensity"_s));
-}
 
 VORN_TEST_MAIN(LivePagesTest)
 #include "tst_livepages.moc"

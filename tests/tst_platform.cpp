@@ -7,15 +7,6 @@
 
 using namespace support;
 
-namespace {
-
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
-} // namespace
-
 class PlatformTest : public QObject
 {
     Q_OBJECT

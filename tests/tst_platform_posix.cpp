@@ -17,11 +17,6 @@ using namespace support;
 
 namespace {
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /** What a function writes to the standard error stream. */
 QByteArray errorsOf(const std::function<void()> &function)
 {
@@ -177,7 +172,7 @@ private slots:
         QCOMPARE(
             platform::hardwareErrorLog().string(), std::string("/elsewhere/HardwareErrorLog.log"));
         QCOMPARE(QString::fromStdString(platform::deviceServiceLog().string()),
-            QCoreApplication::applicationDirPath() + latin1("/VornAuxService.log"));
+            QCoreApplication::applicationDirPath() + "/VornAuxService.log"_s);
     }
 
     void errorLine_isWrittenWhole()
@@ -201,7 +196,7 @@ private slots:
         dup2(ends[1], STDERR_FILENO);
         close(ends[1]);
         close(ends[0]);
-        platform::printErrorLine(latin1("nobody reads this"));
+        platform::printErrorLine("nobody reads this"_s);
         dup2(saved, STDERR_FILENO);
         close(saved);
     }
@@ -246,13 +241,13 @@ private slots:
 
     void blockingMessage_isAPlainBox()
     {
-        platform::showBlockingMessage(latin1("title"), latin1("text"));
+        platform::showBlockingMessage("title"_s, "text"_s);
         const auto boxes = dialogs.take();
         QCOMPARE(boxes.size(), 1);
-        QCOMPARE(boxes[0].title, latin1("title"));
-        QCOMPARE(boxes[0].text, latin1("text"));
+        QCOMPARE(boxes[0].title, "title"_s);
+        QCOMPARE(boxes[0].text, "text"_s);
         QCOMPARE(boxes[0].icon, QMessageBox::NoIcon);
-        QCOMPARE(boxes[0].buttons, QStringList{latin1("OK")});
+        QCOMPARE(boxes[0].buttons, QStringList{"OK"_s});
         QVERIFY(!boxes[0].parent);
         QVERIFY(boxes[0].modal);
     }

@@ -95,11 +95,6 @@ constexpr Parameter parameters[] = {
 };
 constexpr int parameterCount = int(std::size(parameters));
 
-QString latin1(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /** Lines without those on what the tab widget has of its own: the buttons of its bar, and the tabs,
  *  of which the one that isn't shown has no place yet. */
 QStringList withoutTabBar(const QStringList &lines)

@@ -5,8 +5,7 @@
 
 #include <memory>
 
-using support::XServer;
-using support::XSession;
+using namespace support;
 
 namespace {
 
@@ -48,14 +47,13 @@ bool isKeyboardInstalled()
 #else
     const QString plugins = QLibraryInfo::path(QLibraryInfo::PluginsPath);
 #endif
-    return QFileInfo::exists(
-        plugins + QStringLiteral("/platforminputcontexts/libqtvirtualkeyboardplugin.so"));
+    return QFileInfo::exists(plugins + "/platforminputcontexts/libqtvirtualkeyboardplugin.so"_s);
 }
 
 } // namespace
 
 /** Qt's on-screen keyboard over the real program, by clicks alone. */
-class TestXKeyboard : public QObject
+class XKeyboardTest : public QObject
 {
     Q_OBJECT
 
@@ -84,8 +82,8 @@ private:
 
     void tap(QPoint onScreen) const
     {
-        server->tool({QStringLiteral("mousemove"), QString::number(onScreen.x()),
-            QString::number(onScreen.y()), QStringLiteral("click"), QStringLiteral("1")});
+        server->tool({"mousemove"_s, QString::number(onScreen.x()), QString::number(onScreen.y()),
+            "click"_s, "1"_s});
         QTest::qWait(100);
     }
 
@@ -127,13 +125,11 @@ private slots:
     void init()
     {
         modem = std::make_unique<support::PseudoTerminal>();
-        modem->setName(QStringLiteral("COM3")); // tells the environment too
+        modem->setName("COM3"_s); // tells the environment too
         session = std::make_unique<XSession>(*server, true);
-        session->environment.insert(
-            QStringLiteral("QT_IM_MODULE"), QStringLiteral("qtvirtualkeyboard"));
-        session->environment.insert(QStringLiteral("QT_QUICK_BACKEND"), QStringLiteral("software"));
-        session->environment.insert(
-            QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("qt.virtualkeyboard*=false"));
+        session->environment.insert("QT_IM_MODULE"_s, "qtvirtualkeyboard"_s);
+        session->environment.insert("QT_QUICK_BACKEND"_s, "software"_s);
+        session->environment.insert("QT_LOGGING_RULES"_s, "qt.virtualkeyboard*=false"_s);
         session->start();
     }
 
@@ -151,12 +147,9 @@ private slots:
         QVERIFY(!isKeyboardUp()); // for a page that merely opens
         fill(celsiusField, numbers, 3, "-12");
         session->click(heaterApply);
-        const auto told = [this] {
-            return session->journal().filter(QStringLiteral("setHeatingTempLimit"));
-        };
+        const auto told = [this] { return session->journal().filter("setHeatingTempLimit"_s); };
         QTRY_COMPARE_WITH_TIMEOUT(told().size(), 1, patience);
-        QVERIFY2(
-            told().constFirst().contains(QLatin1String(", -12)")), qPrintable(told().constFirst()));
+        QVERIFY2(told().constFirst().contains(", -12)"_s), qPrintable(told().constFirst()));
     }
 
     void pinAndSms()
@@ -182,5 +175,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestXKeyboard)
+QTEST_GUILESS_MAIN(XKeyboardTest)
 #include "tst_xkeyboard.moc"

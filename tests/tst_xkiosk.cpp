@@ -1,7 +1,6 @@
 #include "tests/support/x11/XSession.h"
 
-using support::XServer;
-using support::XSession;
+using namespace support;
 
 namespace {
 
@@ -10,7 +9,7 @@ constexpr QSize screen(800, 480);
 
 QString kioskFile(const char *name)
 {
-    return QStringLiteral(VORN_SOURCE_DIR "/packaging/kiosk/") + QLatin1String(name);
+    return VORN_SOURCE_DIR "/packaging/kiosk/"_s + QLatin1String(name);
 }
 
 /** The corner of the content where its title strip is, on the screen. */
@@ -31,11 +30,10 @@ class Running
 public:
     Running(const XServer &server, const QString &folder)
     {
-        environment.insert(QStringLiteral("DISPLAY"), server.display());
-        environment.insert(QStringLiteral("PATH"),
-            QStringLiteral(VORN_BIN_DIR ":") + environment.value(QStringLiteral("PATH")));
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder);
-        environment.insert(QStringLiteral("VORN_UNIT"), folder + QStringLiteral("/unit"));
+        environment.insert("DISPLAY"_s, server.display());
+        environment.insert("PATH"_s, VORN_BIN_DIR ":"_s + environment.value("PATH"_s));
+        environment.insert("XDG_RUNTIME_DIR"_s, folder);
+        environment.insert("VORN_UNIT"_s, folder + "/unit"_s);
         process.setStandardErrorFile(QProcess::nullDevice());
     }
     ~Running()
@@ -65,8 +63,8 @@ public:
 
 void click(const XServer &server, QPoint at)
 {
-    server.tool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
-        QStringLiteral("click"), QStringLiteral("1")});
+    server.tool(
+        {"mousemove"_s, QString::number(at.x()), QString::number(at.y()), "click"_s, "1"_s});
 }
 
 constexpr QPoint exitButton(100 + 525, 22 + 407); // of a content in the middle of the screen
@@ -74,7 +72,7 @@ constexpr QPoint exitButton(100 + 525, 22 + 407); // of a content in the middle 
 } // namespace
 
 /** The files of packaging/kiosk/, as they stand. */
-class TestXKiosk : public QObject
+class XKioskTest : public QObject
 {
     Q_OBJECT
 
@@ -92,8 +90,7 @@ private slots:
         QFETCH(QString, file);
         QProcess process;
         process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QStringLiteral("systemd-analyze"),
-            {QStringLiteral("verify"), QStringLiteral("--man=no"), file});
+        process.start("systemd-analyze"_s, {"verify"_s, "--man=no"_s, file});
         QVERIFY(process.waitForFinished(patience));
         const QByteArray words = process.readAll();
         QVERIFY2(process.exitCode() == 0, words.constData());
@@ -119,22 +116,19 @@ private slots:
         const XServer server(screen);
         QVERIFY(server.isRunning());
         Running compositor(server, folder.path());
-        compositor.start(QStringLiteral("weston"),
-            {QStringLiteral("--config=") + kioskFile("weston.ini"),
-                QStringLiteral("--backend=x11-backend.so"), QStringLiteral("--use-pixman"),
-                QStringLiteral("--width=800"), QStringLiteral("--height=480"),
-                QStringLiteral("--socket=kiosk")});
-        QTRY_VERIFY_WITH_TIMEOUT(
-            QFileInfo::exists(folder.filePath(QStringLiteral("kiosk"))), patience);
+        compositor.start("weston"_s,
+            {"--config="_s + kioskFile("weston.ini"), "--backend=x11-backend.so"_s,
+                "--use-pixman"_s, "--width=800"_s, "--height=480"_s, "--socket=kiosk"_s});
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(folder.filePath("kiosk"_s)), patience);
         Running program(server, folder.path());
-        program.environment.insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("kiosk"));
-        program.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
-        program.start(QStringLiteral(VORN_BIN_DIR "/VornSettings"));
+        program.environment.insert("WAYLAND_DISPLAY"_s, "kiosk"_s);
+        program.environment.insert("QT_QPA_PLATFORM"_s, "wayland"_s);
+        program.start(VORN_BIN_DIR "/VornSettings"_s);
         QTRY_VERIFY_WITH_TIMEOUT(isInTheMiddle(server), patience);
         click(server, exitButton);
         QTRY_VERIFY_WITH_TIMEOUT(program.hasEnded(), patience);
     }
 };
 
-QTEST_GUILESS_MAIN(TestXKiosk)
+QTEST_GUILESS_MAIN(XKioskTest)
 #include "tst_xkiosk.moc"

@@ -2,8 +2,7 @@
 
 #include <memory>
 
-using support::XServer;
-using support::XSession;
+using namespace support;
 
 namespace {
 
@@ -15,7 +14,7 @@ const QColor ground(25, 23, 28);
 
 QString scaleVariable()
 {
-    return QStringLiteral("QT_SCALE_FACTOR");
+    return "QT_SCALE_FACTOR"_s;
 }
 
 /** Whether the picture is the window's ground all over. */
@@ -36,21 +35,21 @@ void draw(const XSession &session)
     const auto mouse = [&session](const QStringList &what) { session.server.tool(what); };
     const QString window = QString::number(session.window);
     QPoint at(293, 110);
-    mouse({QStringLiteral("mousemove"), QStringLiteral("--window"), window, QString::number(at.x()),
-        QString::number(at.y()), QStringLiteral("mousedown"), QStringLiteral("1")});
+    mouse({"mousemove"_s, "--window"_s, window, QString::number(at.x()), QString::number(at.y()),
+        "mousedown"_s, "1"_s});
     for (int step = 0; step < 10; ++step) {
         at -= QPoint(29, 11);
-        mouse({QStringLiteral("mousemove"), QStringLiteral("--window"), window,
-            QString::number(at.x()), QString::number(at.y())});
+        mouse({"mousemove"_s, "--window"_s, window, QString::number(at.x()),
+            QString::number(at.y())});
         QTest::qWait(20);
     }
-    mouse({QStringLiteral("mouseup"), QStringLiteral("1")});
+    mouse({"mouseup"_s, "1"_s});
 }
 
 } // namespace
 
 /** The window on screens of every size, under window managers of every kind. */
-class TestXScreens : public QObject
+class XScreensTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +64,7 @@ private slots:
         QTest::addColumn<double>("expected");
         QTest::addColumn<QByteArray>("words");
         const QString none;
-        const QString openbox = QStringLiteral("openbox");
+        const QString openbox = "openbox"_s;
         const QByteArray silent;
         const auto lowered = [](const char *from, const char *to) {
             return QByteArray("VornSettings: scale factor ") + from + " becomes " + to +
@@ -144,7 +143,7 @@ private slots:
         if (!manager.isEmpty())
             QVERIFY(server.manage(manager));
         XSession session(server, !manager.isEmpty());
-        server.tool({QStringLiteral("mousemove"), QStringLiteral("0"), QStringLiteral("0")});
+        server.tool({"mousemove"_s, "0"_s, "0"_s});
         session.start();
         const auto fits = [&] {
             return server.screenPicture().rect().contains(server.placeOf(session.window));
@@ -159,7 +158,7 @@ private slots:
         const QPoint end(
             size.width() - wholeSize.width(), size.height() - footHeight - smallContent);
         const auto telematicsCalls = [&session] {
-            return session.journal().filter(QStringLiteral("Telematics_getGPRSPowerStatus")).size();
+            return session.journal().filter("Telematics_getGPRSPowerStatus"_s).size();
         };
         QCOMPARE(telematicsCalls(), 0);
         QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
@@ -171,8 +170,7 @@ private slots:
             return QPoint(size.width() - fromRight, size.height() - footHeight / 2);
         };
         session.click(foot(205));
-        session.server.tool(
-            {QStringLiteral("mousemove"), QStringLiteral("0"), QStringLiteral("0")});
+        session.server.tool({"mousemove"_s, "0"_s, "0"_s});
         QTRY_COMPARE_WITH_TIMEOUT(session.titleStrip(), menu, patience);
         session.click(foot(75));
         session.verifyEnd(0);
@@ -184,9 +182,9 @@ private slots:
     {
         QTest::addColumn<QSize>("screen");
         QTest::addColumn<QString>("scale");
-        QTest::newRow("800x480") << QSize(800, 480) << QStringLiteral("1");
-        QTest::newRow("1024x768") << QSize(1024, 768) << QStringLiteral("1");
-        QTest::newRow("1280x1024, 2") << QSize(1280, 1024) << QStringLiteral("2");
+        QTest::newRow("800x480") << QSize(800, 480) << "1"_s;
+        QTest::newRow("1024x768") << QSize(1024, 768) << "1"_s;
+        QTest::newRow("1280x1024, 2") << QSize(1280, 1024) << "2"_s;
     }
 
     void stretched()
@@ -195,7 +193,7 @@ private slots:
         QFETCH(QString, scale);
         XServer server(screen);
         QVERIFY(server.isRunning());
-        QVERIFY(server.manage(QStringLiteral("matchbox-window-manager")));
+        QVERIFY(server.manage("matchbox-window-manager"_s));
         XSession session(server, true);
         session.environment.insert(scaleVariable(), scale);
         session.launch();
@@ -222,5 +220,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestXScreens)
+QTEST_GUILESS_MAIN(XScreensTest)
 #include "tst_xscreens.moc"

@@ -2,9 +2,11 @@
 
 #include <memory>
 
+using namespace support;
+
 namespace {
 
-constexpr int patience = support::XSession::patience;
+constexpr int patience = XSession::patience;
 constexpr int longPress = 2'000;  // milliseconds
 constexpr int settleTime = 1'000; // milliseconds, for what must not happen
 
@@ -28,9 +30,8 @@ constexpr QPoint reportText(150, 320);
 /** "Buzzer #1" for each handle that was created and not released. */
 QStringList openHandles(const QStringList &journal)
 {
-    static const QRegularExpression created(
-        QStringLiteral("^T\\d+ (\\w+)_create\\(\\) = (#\\d+)$"));
-    static const QRegularExpression released(QStringLiteral("^T\\d+ (\\w+)_release\\((#\\d+)\\)$"));
+    static const QRegularExpression created("^T\\d+ (\\w+)_create\\(\\) = (#\\d+)$"_s);
+    static const QRegularExpression released("^T\\d+ (\\w+)_release\\((#\\d+)\\)$"_s);
     QStringList open;
     for (const QString &line : journal) {
         if (const auto match = created.match(line); match.hasMatch())
@@ -44,7 +45,7 @@ QStringList openHandles(const QStringList &journal)
 } // namespace
 
 /** The real program on a real X server, driven by the events of real keys and buttons. */
-class TestXSession : public QObject
+class XSessionTest : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +58,7 @@ private:
     {
         const QStringList journal = session.journal();
         QVERIFY(journal.size() > 10);
-        QCOMPARE(journal.constFirst(), QStringLiteral("T1 Hardware_create() = #1"));
+        QCOMPARE(journal.constFirst(), "T1 Hardware_create() = #1"_s);
         QCOMPARE(openHandles(journal), QStringList());
     }
 
@@ -91,8 +92,7 @@ private slots:
         const QPoint inList(200, 230); // and in the text beneath
         QTRY_VERIFY_WITH_TIMEOUT(session.picture() != closed, patience);
         QTest::qWait(settleTime);
-        session.vornunit(
-            {QStringLiteral("delay"), QStringLiteral("Adc_getVoltage"), QStringLiteral("400")});
+        session.vornunit({"delay"_s, "Adc_getVoltage"_s, "400"_s});
         session.click(thirdSection);
         const auto amber = [&] {
             const QColor ground = session.picture().pixelColor(310, 390); // left of the buttons
@@ -100,11 +100,11 @@ private slots:
         };
         QTRY_VERIFY_WITH_TIMEOUT(amber(), 5'000);
         const QStringList journal = session.journal();
-        const auto read = journal.filter(QStringLiteral("Adc_getVoltage")).size();
+        const auto read = journal.filter("Adc_getVoltage"_s).size();
         QVERIFY2(read < 20, qPrintable(QString::number(read))); // and 400 ms more for each
         QCOMPARE(session.picture().pixelColor(inList), QColor(Qt::white));
         QTRY_VERIFY_WITH_TIMEOUT(!amber(), patience);
-        QVERIFY(!session.journal().filter(QStringLiteral("Adc_release")).isEmpty());
+        QVERIFY(!session.journal().filter("Adc_release"_s).isEmpty());
     }
 
     // The Escape that closes what stands in front of a page leaves the page as it is, however long
@@ -117,19 +117,16 @@ private slots:
         QTest::addColumn<QStringList>("fault");
         QTest::addColumn<int>("held");
         const QStringList none;
-        const QStringList failingShutdown{
-            QStringLiteral("fault"), QStringLiteral("Firmware_shutDown"), QStringLiteral("5")};
+        const QStringList failingShutdown{"fault"_s, "Firmware_shutDown"_s, "5"_s};
         for (const int held : {30, longPress}) {
             QTest::addRow("list, %d ms", held)
                 << ledButton << colourList << QString() << none << held;
             QTest::addRow("colour dialog, %d ms", held)
-                << ledButton << colourButton << QStringLiteral("Select Color") << none << held;
+                << ledButton << colourButton << "Select Color"_s << none << held;
             QTest::addRow("question, %d ms", held)
-                << advancedButton << defaultsButton << QStringLiteral("Default Settings") << none
-                << held;
+                << advancedButton << defaultsButton << "Default Settings"_s << none << held;
             QTest::addRow("error box, %d ms", held)
-                << advancedButton << shutdownButton << QStringLiteral("Vornsettings")
-                << failingShutdown << held;
+                << advancedButton << shutdownButton << "Vornsettings"_s << failingShutdown << held;
         }
     }
 
@@ -176,8 +173,7 @@ private slots:
     {
         QFETCH(int, held);
         support::XSession session(*managedServer, true);
-        session.vornunit({QStringLiteral("fault"), QStringLiteral("Power_getCanPowerStatus"),
-            QStringLiteral("5"), QStringLiteral("--times"), QStringLiteral("1")});
+        session.vornunit({"fault"_s, "Power_getCanPowerStatus"_s, "5"_s, "--times"_s, "1"_s});
         session.launch();
         session.awaitFocus(session.windowNamed("Vornsettings"));
         session.holdEscape(held);
@@ -239,7 +235,7 @@ private slots:
         session.click(ledButton);
         QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
         const auto chosen = [&session] {
-            return session.journal().filter(QStringLiteral("FrontLED_setStandardColor")).size();
+            return session.journal().filter("FrontLED_setStandardColor"_s).size();
         };
         session.drag(colourList, thirdColour);
         QTest::qWait(settleTime);
@@ -292,9 +288,9 @@ private slots:
             session.click(aboutButton);
             QTRY_VERIFY_WITH_TIMEOUT(session.titleStrip() != menu, patience);
         }
-        if (way == QLatin1String("Escape"))
+        if (way == "Escape"_s)
             session.press("Escape");
-        else if (way == QLatin1String("Exit"))
+        else if (way == "Exit"_s)
             session.click(exitButton);
         else
             server->requestClose(session.window);
@@ -307,12 +303,12 @@ private slots:
     void closeWaitsForFirmwareJob()
     {
         QTemporaryDir folder;
-        QFile image(folder.filePath(QStringLiteral("image.hex")));
+        QFile image(folder.filePath("image.hex"_s));
         QVERIFY(image.open(QIODevice::WriteOnly));
         image.write(":0400000001020304F2\n:00000001FF\n");
         image.close();
         support::XSession session(*server);
-        session.setUnit(QStringLiteral("Firmware.duration"), QStringLiteral("1500"));
+        session.setUnit("Firmware.duration"_s, "1500"_s);
         session.start();
         const QImage menu = session.titleStrip();
         session.click(advancedButton);
@@ -325,11 +321,8 @@ private slots:
         session.press("alt+y");
 
         const auto told = [&session](const char *state) {
-            const QString line = QStringLiteral(" = 0 [%1,").arg(QLatin1String(state));
-            return session.journal()
-                .filter(QStringLiteral("Firmware_getUpgradeStatus"))
-                .filter(line)
-                .size();
+            const QString line = " = 0 [%1,"_s.arg(QLatin1String(state));
+            return session.journal().filter("Firmware_getUpgradeStatus"_s).filter(line).size();
         };
         QTRY_VERIFY_WITH_TIMEOUT(told("4") > 0, patience);
         const std::uint32_t progress = session.windowNamed("Update progress");
@@ -354,9 +347,9 @@ private slots:
     {
         QTest::addColumn<QString>("scale");
         QTest::addColumn<QSize>("size");
-        QTest::newRow("1") << QStringLiteral("1") << QSize(600, 435);
-        QTest::newRow("1.5") << QStringLiteral("1.5") << QSize(900, 653);
-        QTest::newRow("2") << QStringLiteral("2") << QSize(1200, 870);
+        QTest::newRow("1") << "1"_s << QSize(600, 435);
+        QTest::newRow("1.5") << "1.5"_s << QSize(900, 653);
+        QTest::newRow("2") << "2"_s << QSize(1200, 870);
     }
 
     void hasOneSize()
@@ -364,7 +357,7 @@ private slots:
         QFETCH(QString, scale);
         QFETCH(QSize, size);
         support::XSession session(*server);
-        session.environment.insert(QStringLiteral("QT_SCALE_FACTOR"), scale);
+        session.environment.insert("QT_SCALE_FACTOR"_s, scale);
         session.start();
         const auto [least, greatest] = server->sizeLimits(session.window);
         QCOMPARE(least, size);
@@ -382,17 +375,15 @@ private slots:
         QTest::addColumn<QString>("variable");
         QTest::addColumn<QString>("value");
         QTest::newRow("style option")
-            << QStringList{QStringLiteral("-style"), QStringLiteral("windows")} << QString()
-            << QString();
-        QTest::newRow("style of the environment")
-            << QStringList() << QStringLiteral("QT_STYLE_OVERRIDE") << QStringLiteral("Windows");
+            << QStringList{"-style"_s, "windows"_s} << QString() << QString();
+        QTest::newRow("style of the environment") << QStringList() << "QT_STYLE_OVERRIDE"_s
+                                                  << "Windows"_s;
         QTest::newRow("report mode without a file")
-            << QStringList{QStringLiteral("--systemreport")} << QString() << QString();
+            << QStringList{"--systemreport"_s} << QString() << QString();
         QTest::newRow("reset with one argument too many")
-            << QStringList{QStringLiteral("--factorydefault"), QStringLiteral("now")} << QString()
-            << QString();
+            << QStringList{"--factorydefault"_s, "now"_s} << QString() << QString();
         QTest::newRow("mode in capitals")
-            << QStringList{QStringLiteral("--FACTORYDEFAULT")} << QString() << QString();
+            << QStringList{"--FACTORYDEFAULT"_s} << QString() << QString();
     }
 
     void looksTheSame()
@@ -415,9 +406,9 @@ private slots:
         session.press("Escape");
         session.verifyEnd(0);
         for (const QString &line : session.journal())
-            QVERIFY2(!line.contains(QLatin1String("Config_set")), qPrintable(line));
+            QVERIFY2(!line.contains("Config_set"_s), qPrintable(line));
     }
 };
 
-QTEST_GUILESS_MAIN(TestXSession)
+QTEST_GUILESS_MAIN(XSessionTest)
 #include "tst_xsession.moc"

@@ -46,7 +46,7 @@ QString pictureName(const QPixmap &picture)
         if (QPixmap(resources + file).toImage() == shown)
             return file;
     }
-    return QStringLiteral("unknown picture");
+    return "unknown picture"_s;
 }
 
 QString pictureName(const QIcon &picture)
@@ -64,7 +64,7 @@ QString described(const QLabel *label)
     const QPixmap picture = label->pixmap(Qt::ReturnByValue);
     QString text = picture.isNull() ? quoted(label->text()) : pictureName(picture);
     if (label->alignment() == Qt::AlignCenter)
-        text += QLatin1String(" centred");
+        text += " centred"_s;
     return text;
 }
 
@@ -72,28 +72,26 @@ QString described(const QAbstractButton *button)
 {
     QString text = quoted(button->text());
     if (qobject_cast<const QPushButton *>(button) && button->isCheckable())
-        text += QLatin1String(" checkable");
+        text += " checkable"_s;
     if (button->isChecked())
-        text += QLatin1String(" checked");
+        text += " checked"_s;
     return text;
 }
 
 QString described(const QAbstractSlider *slider)
 {
-    QString text = QStringLiteral("%1 to %2 by %3/%4")
-                       .arg(slider->minimum())
+    QString text = "%1 to %2 by %3/%4"_s.arg(slider->minimum())
                        .arg(slider->maximum())
                        .arg(slider->singleStep())
                        .arg(slider->pageStep());
     if (slider->orientation() == Qt::Vertical)
-        text += QLatin1String(" vertical");
+        text += " vertical"_s;
     return text;
 }
 
 QString described(const QSpinBox *spin)
 {
-    return QStringLiteral("%1 (%2 to %3 by %4)")
-        .arg(spin->value())
+    return "%1 (%2 to %3 by %4)"_s.arg(spin->value())
         .arg(spin->minimum())
         .arg(spin->maximum())
         .arg(spin->singleStep());
@@ -101,7 +99,7 @@ QString described(const QSpinBox *spin)
 
 QString described(const QComboBox *combo)
 {
-    return QLatin1Char('[') + items(combo).join(QLatin1String(" | ")) + QLatin1Char(']');
+    return QLatin1Char('[') + items(combo).join(" | "_s) + QLatin1Char(']');
 }
 
 QString described(const QLineEdit *edit)
@@ -281,8 +279,8 @@ QList<QWidget *> formWidgets(const QWidget *page)
     QList<QWidget *> widgets;
     for (QWidget *widget : page->findChildren<QWidget *>()) {
         const QString name = widget->objectName();
-        const bool belongsToQt = name.startsWith(QLatin1String("qt_")) ||
-                                 qobject_cast<const QTabBar *>(widget->parentWidget());
+        const bool belongsToQt =
+            name.startsWith("qt_"_s) || qobject_cast<const QTabBar *>(widget->parentWidget());
         if (!name.isEmpty() && !belongsToQt)
             widgets << widget;
     }
@@ -328,13 +326,13 @@ QStringList faultsOf(const QWidget *widget)
     QStringList faults;
     const QWidget *parent = widget->parentWidget();
     if (isClipped(widget))
-        faults << QStringLiteral("is clipped");
+        faults << "is clipped"_s;
     if (!parent->rect().contains(widget->geometry()))
-        faults << QStringLiteral("leaves its parent");
+        faults << "leaves its parent"_s;
     if (qobject_cast<const QGroupBox *>(parent) && widget->y() < titleStripHeight)
-        faults << QStringLiteral("covers the title strip");
+        faults << "covers the title strip"_s;
     if (isPressed(widget) && widget->height() < lowestTarget)
-        faults << QStringLiteral("is too low for a finger");
+        faults << "is too low for a finger"_s;
     return faults;
 }
 
@@ -347,8 +345,7 @@ QStringList overlaps(const QList<QWidget *> &widgets)
             if (parent == widgets[j]->parentWidget() &&
                 !qobject_cast<const QStackedWidget *>(parent) && // the pages of tabs
                 widgets[i]->geometry().intersects(widgets[j]->geometry()))
-                faults << widgets[i]->objectName() + QLatin1String(": lies over ") +
-                              widgets[j]->objectName();
+                faults << widgets[i]->objectName() + ": lies over "_s + widgets[j]->objectName();
         }
     }
     return faults;
@@ -368,7 +365,7 @@ void layOutTabs(const QWidget *page)
 
 QString styleSheet()
 {
-    QFile file(resources + QLatin1String("style.qss"));
+    QFile file(resources + "style.qss"_s);
     if (!file.open(QIODevice::ReadOnly))
         qFatal("no style sheet");
     return QString::fromUtf8(file.readAll());
@@ -406,7 +403,7 @@ QStringList layoutFaults(QWidget *page)
     const QList<QWidget *> widgets = formWidgets(page);
     for (const QWidget *widget : widgets) {
         for (const QString &fault : faultsOf(widget))
-            faults << widget->objectName() + QLatin1String(": ") + fault;
+            faults << widget->objectName() + ": "_s + fault;
     }
     page->hide();
     return faults + overlaps(widgets);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/literals.h"
 #include "tests/support/x11/XServer.h"
 
 #include <QtTest>
