@@ -442,6 +442,9 @@ void LinuxServicesTest::suspendTime()
     QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
     bus->play(logind + "i', 'ret = 1')");
     QCOMPARE(kindOf(call("Config_getSuspendMaxTime")), 104);
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s, R"({"config": false})");
+    QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
 }
 
 void LinuxServicesTest::brightnessWithoutRights()

@@ -77,6 +77,10 @@ const Rejected wrongFiles[] = {
     {"below", "{\"backlight\": {\"darkest\": -1}}", "backlight/darkest is below 0"},
     {"above", "{\"hardware\": {\"counts\": {\n\"usb\": 256}}}",
         "line 2: hardware/counts/usb is above 255"},
+    {"another folder", "{\"config\": {\"startupVoltage\": {\"file\": \"/etc/x\"}}}",
+        "config/startupVoltage/file doesn't begin with /sys/"},
+    {"no factor", "{\"config\": {\"startupVoltage\": {\"file\": \"/sys/x\", \"factor\": 0}}}",
+        "config/startupVoltage/factor is below 1e-09"},
     {"neither of two", "{\"power\": {\n\"can\": {}}}", "line 2: power/can lacks \"line\""},
     {"one of two", "{\"power\": {\"can\": {\"regulator\": \"\"}}}",
         "line 1: power/can/regulator is empty"},
@@ -129,6 +133,10 @@ private slots:
     void ledTrains();
     void ledTrainsAreRefused();
     void multicolorLedKeepsItsOrder();
+    void settingsAreMapped();
+    void settingsOfWords();
+    void spoiltSettings_data();
+    void spoiltSettings();
 };
 
 void LinuxUnitTest::bareMachineHasNothing()
@@ -243,6 +251,8 @@ void LinuxUnitTest::wrongConfigurationIsNamed()
     const auto told = unit.textOf(answer);
     QVERIFY2(told.startsWith("/etc/vornaux/unit.json, line "), told.constData());
     QVERIFY2(told.contains(words), told.constData());
+    QCOMPARE(unit.call("Config_getSuspendMaxTime").code, answer.code);
+    QCOMPARE(unit.call("Config_setSuspendMaxTime", {0.0}).code, answer.code);
 }
 
 void LinuxUnitTest::configurationIsReadAnew()
@@ -832,6 +842,112 @@ void LinuxUnitTest::multicolorLedKeepsItsOrder()
     QCOMPARE(unit.read(folder + "/brightness"_s), QByteArray("255"));
     QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{15, 1, 0}));
     QCOMPARE(unit.call("FrontLED_setSignal", {1.0, 100.0}).code, 0);
+}
+
+void LinuxUnitTest::settingsAreMapped()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/bus/i2c/devices/1-0048/"_s;
+    unit.write(folder + "hwmon/hwmon7/temp1_min"_s, "-12400\n");
+    unit.write(folder + "wake_voltage"_s, "9500\n");
+    unit.write(folder + "press_time"_s, "4\n");
+    unit.write(folder + "video"_s, "5\n");
+    QCOMPARE(unit.call("Config_getHeatingTempLimit").code, 2);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"config": {
+        "heatingTempLimit": {"file": "/sys/bus/i2c/devices/1-0048/hwmon/hwmon*/temp1_min", "factor": 0.001},
+        "startupVoltage": {"file": "/sys/bus/i2c/devices/1-0048/wake_voltage", "factor": 0.001},
+        "frontButtonTime": {"file": "/sys/bus/i2c/devices/1-0048/press_time", "factor": 1000},
+        "videoStartupPower": {"file": "/sys/bus/i2c/devices/1-0048/video"},
+        "suspendMaxTime": {"file": "/sys/bus/i2c/devices/1-0048/suspend"}}})");
+    QCOMPARE(unit.call("Config_getHeatingTempLimit").numbers, std::vector<double>{-12});
+    QCOMPARE(unit.call("Config_setHeatingTempLimit", {-25.0}).code, 0);
+    QCOMPARE(unit.read(folder + "hwmon/hwmon7/temp1_min"_s), QByteArray("-25000"));
+    QCOMPARE(unit.call("Config_setHeatingTempLimit", {6.0}).code, 5);
+    QCOMPARE(unit.call("Config_setHeatingTempLimit", {-26.0}).code, 5);
+    QCOMPARE(unit.call("Config_getStartupVoltageConfig").numbers, std::vector<double>{9.5});
+    QCOMPARE(unit.call("Config_setStartupVoltageConfig", {11.2}).code, 0);
+    QCOMPARE(unit.read(folder + "wake_voltage"_s), QByteArray("11200"));
+    QCOMPARE(unit.call("Config_setStartupVoltageConfig", {-1.0}).code, 5);
+    QCOMPARE(unit.call("Config_getFrontBtnTrigTime").numbers, std::vector<double>{4000});
+    QCOMPARE(unit.call("Config_setFrontBtnTrigTime", {6000.0}).code, 0);
+    QCOMPARE(unit.read(folder + "press_time"_s), QByteArray("6"));
+    QCOMPARE(unit.call("Config_getVideoStartupPowerConfig").numbers, std::vector<double>{5});
+    QCOMPARE(unit.call("Config_setVideoStartupPowerConfig", {16.0}).code, 5);
+    QCOMPARE(unit.call("Config_getSuspendMaxTime").code, 18);
+    unit.write(folder + "suspend"_s, "60\n");
+    QCOMPARE(unit.call("Config_getSuspendMaxTime").numbers, std::vector<double>{60});
+    QCOMPARE(unit.call("Config_setSuspendMaxTime", {90.0}).code, 0);
+    QCOMPARE(unit.read(folder + "suspend"_s), QByteArray("90"));
+    QCOMPARE(unit.call("Config_getExtOnOffSigTrigTime").code, 2);
+    unit.remove(folder + "hwmon/hwmon7"_s);
+    QCOMPARE(unit.call("Config_getHeatingTempLimit").code, 18);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"config": false})");
+    QCOMPARE(unit.call("Config_getStartupVoltageConfig").code, 2);
+    QCOMPARE(unit.call("Config_getSuspendMaxTime").code, 2);
+}
+
+void LinuxUnitTest::settingsOfWords()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/devices/platform/supervisor/"_s;
+    unit.write(folder + "wake"_s, "button [signal] any\n");
+    unit.write(folder + "short_press"_s, "poweroff\n");
+    unit.write(folder + "power_on"_s, "1\n");
+    unit.write("/etc/vornaux/unit.json"_s, R"({"config": {
+        "startupTrigger": {"file": "/sys/devices/platform/supervisor/wake", "values": ["button", "signal", "any"]},
+        "shortButtonPress": {"file": "/sys/devices/platform/supervisor/short_press", "values": ["ignore", "suspend", "poweroff"]},
+        "longButtonPress": {"file": "/sys/devices/platform/supervisor/short_press", "values": ["ignore", "suspend"]},
+        "powerOnStartup": {"file": "/sys/devices/platform/supervisor/power_on"}}})");
+    QCOMPARE(unit.call("Config_getStartupTriggerConfig").numbers, std::vector<double>{2});
+    QCOMPARE(unit.call("Config_setStartupTriggerConfig", {3.0}).code, 0);
+    QCOMPARE(unit.read(folder + "wake"_s), QByteArray("any"));
+    QCOMPARE(unit.call("Config_getStartupTriggerConfig").numbers, std::vector<double>{3});
+    QCOMPARE(unit.call("Config_setStartupTriggerConfig", {0.0}).code, 5);
+    QCOMPARE(unit.call("Config_setStartupTriggerConfig", {4.0}).code, 5);
+    QCOMPARE(unit.call("Config_getShortButtonPressAction").numbers, std::vector<double>{2});
+    QCOMPARE(unit.call("Config_setLongButtonPressAction", {2.0}).code, 5); // no word for it
+    QCOMPARE(kindOf(unit.call("Config_getLongButtonPressAction")), 104);
+    QCOMPARE(unit.call("Config_getPowerOnStartup").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Config_setPowerOnStartup", {0.0}).code, 0);
+    QCOMPARE(unit.read(folder + "power_on"_s), QByteArray("0"));
+    QCOMPARE(unit.call("Config_getOnOffSigAction").code, 2);
+}
+
+void LinuxUnitTest::spoiltSettings_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("ofNumber");
+    QTest::addColumn<int>("ofWords");
+    QTest::newRow("of no bytes") << QByteArray() << 18 << 18;
+    QTest::newRow("nonsense") << QByteArray("soup\n") << 104 << 104;
+    QTest::newRow("too warm") << QByteArray("6\n") << 104 << 104;
+    QTest::newRow("beyond all") << QByteArray("1e300\n") << 104 << 104;
+    QTest::newRow("a bracket") << QByteArray("]on[\n") << 104 << 104;
+}
+
+void LinuxUnitTest::spoiltSettings()
+{
+    QFETCH(QByteArray, content);
+    LinuxUnit unit;
+    const auto file = "/sys/devices/platform/supervisor/value"_s;
+    unit.write("/etc/vornaux/unit.json"_s, R"({"config": {
+        "heatingTempLimit": {"file": "/sys/devices/platform/supervisor/value"},
+        "canStartupPower": {"file": "/sys/devices/platform/supervisor/value", "values": ["off", "on"]}}})");
+    unit.write(file, content);
+    QTEST(kindOf(unit.call("Config_getHeatingTempLimit")), "ofNumber");
+    QTEST(kindOf(unit.call("Config_getCanStartupPowerConfig")), "ofWords");
+    unit.remove(file);
+    unit.link(file, "/proc/self/mem"); // EIO
+    QCOMPARE(kindOf(unit.call("Config_getHeatingTempLimit")), 102);
+    QCOMPARE(kindOf(unit.call("Config_setHeatingTempLimit", {0.0})), 103);
+    unit.remove(file);
+    unit.write(file, "on\n");
+    QVERIFY(QFile::setPermissions(unit.path(file), QFile::ReadOwner));
+    const auto answer = unit.call("Config_setCanStartupPowerConfig", {0.0});
+    if (::geteuid() != 0)
+        QCOMPARE(unit.textOf(answer),
+            QByteArray("No permission to write /sys/devices/platform/supervisor/value; give group "
+                       "vornaux the right to it by a rule of your own"));
 }
 
 QTEST_GUILESS_MAIN(LinuxUnitTest)

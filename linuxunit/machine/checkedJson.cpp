@@ -153,9 +153,8 @@ public:
             checkObject(value, schema, path);
         else if (value.is_array())
             checkArray(value, schema, path);
-        else if (value.is_string() && schema.contains("minLength") &&
-                 value.get_ref<const std::string &>().empty())
-            fail(path, "is empty");
+        else if (value.is_string())
+            checkString(value.get_ref<const std::string &>(), schema, path);
     }
 
 private:
@@ -213,6 +212,18 @@ private:
         const std::string type = schema["type"];
         if (!isOfType(value, type))
             fail(path, "is no " + type);
+    }
+
+    void checkString(const std::string &value, const json &schema, const std::string &path) const
+    {
+        if (schema.contains("minLength") && value.empty())
+            fail(path, "is empty");
+        // Of patterns only what begins so, "^/sys/" say.
+        if (schema.contains("pattern")) {
+            const auto begin = schema["pattern"].get<std::string>().substr(1);
+            if (!value.starts_with(begin))
+                fail(path, "doesn't begin with " + begin);
+        }
     }
 
     void checkNumber(const json &value, const json &schema, const std::string &path) const

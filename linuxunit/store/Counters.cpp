@@ -94,7 +94,7 @@ std::array<double *, 9> timesOf(BatteryCounted &counted)
         &counted.above80};
 }
 
-bool hasTable(sqlite3 *database, const char *name)
+bool doesTableExist(sqlite3 *database, const char *name)
 {
     const auto statement =
         prepare(database, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1");
@@ -292,7 +292,7 @@ BatteryCounted Counters::readBattery()
     const auto database = openFile();
     // A service from before it counted for batteries has made the file.
     const auto counted =
-        hasTable(database.get(), "battery") ? batteryOf(database.get()) : std::nullopt;
+        doesTableExist(database.get(), "battery") ? batteryOf(database.get()) : std::nullopt;
     if (!counted)
         throw Failure{NotSupported, {}};
     return *counted;
