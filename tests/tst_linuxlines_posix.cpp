@@ -313,6 +313,8 @@ void LinuxLinesTest::digitalLines()
         "activeLow": true}, {"line": "OUT", "output": true}]}})");
     QCOMPARE(unit->call("DigIO_getDigIO").numbers, std::vector<double>{7});
     QCOMPARE(lines["OUT"].isOutput, false); // reading changes no direction
+    unit->write("/sys/class/net/lo/type"_s, "772\n");
+    QCOMPARE(unit->call("Hardware_getDigitalInputCount").numbers, std::vector<double>{2});
     QCOMPARE(unit->call("DigIO_setDigIO", {3.0}).code, 0);
     QCOMPARE(lines["OUT"].isOutput, true);
     QCOMPARE(lines["IN1"].isOutput, false);
@@ -396,6 +398,13 @@ void LinuxLinesTest::regulatorsAreSwitched()
     QCOMPARE(unit->call("Power_setVideoPowerStatus", {2.0}).code, 0);
     QCOMPARE(unit->read(consumers + "regulator-output-2/state"_s), QByteArray("disabled"));
     QCOMPARE(unit->call("Power_getVideoPowerStatus").numbers, std::vector<double>{2});
+    QProcess probe;
+    probe.start(QStringLiteral(VORN_BIN_DIR "/vornaux-probe"), QStringList());
+    QVERIFY(probe.waitForFinished());
+    const auto notes = probe.readAllStandardError();
+    QVERIFY2(
+        notes.contains("power: what do these regulators switch? vcc-can, regulator-output-2\n"),
+        notes.constData());
     // What drivers alone may switch can be read.
     QCOMPARE(unit->call("Power_getExtFanPowerStatus").numbers, std::vector<double>{1});
     const auto refused = unit->call("Power_setExtFanPowerStatus", {0.0});

@@ -129,6 +129,9 @@ private slots:
     void firmwareRefused();
     void firmwareServiceDies();
     void firmwareTargets();
+    void firmwareVersions();
+    void firmwareVersionsAreSpoilt_data();
+    void firmwareVersionsAreSpoilt();
 
 private:
     FirmwareUpgradeStatus firmwareStatus();
@@ -559,6 +562,60 @@ void LinuxServicesTest::firmwareTargets()
     QCOMPARE(call("Firmware_startFrontUpgrade", {path.constData(), 0.0}).code, 0);
     QTRY_COMPARE(firmwareStatus().state, std::int32_t(FIRMWARE_DONE));
     QVERIFY(bus->calls().contains("Install \"a1b2\""));
+}
+
+void LinuxServicesTest::firmwareVersions()
+{
+    QCOMPARE(call("Versions_getFPGAVersion").code, 2);
+    QCOMPARE(call("Versions_getSSVersion").code, 2);
+    unit->write("/sys/class/dmi/id/ec_firmware_release"_s, "1.20\n");
+    QCOMPARE(call("Versions_getSSVersion").numbers, (std::vector<double>{1, 20, 0, 0}));
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s,
+        R"({"firmware": {"fpga": "a1b2", "front": "11111111-2222", "supervisor": "c3"}})");
+    QCOMPARE(call("Versions_getFPGAVersion").code, 2); // nobody knows
+    bus->play(fwupd("pass") + R"py(
+fwupd.AddMethod(FW, 'GetDevices', '', 'aa{sv}', """ret = [
+    {'DeviceId': 'a1b2', 'Version': '2.0.17'},
+    {'DeviceId': 'd4', 'Guid': dbus.Array(['0000', '11111111-2222'], signature='s'), 'Version': '5.6.7.8'},
+    {'DeviceId': 'c3', 'Name': 'of no version'}]""")
+)py");
+    QCOMPARE(call("Versions_getFPGAVersion").numbers, (std::vector<double>{2, 0, 17, 0}));
+    QCOMPARE(call("Versions_getFrontVersion").numbers, (std::vector<double>{5, 6, 7, 8}));
+    QCOMPARE(call("Versions_getSSVersion").code, 18);
+    unit->write("/unit.json"_s, R"({"firmware": false})");
+    QCOMPARE(call("Versions_getFPGAVersion").code, 2);
+    QCOMPARE(call("Versions_getSSVersion").numbers, (std::vector<double>{1, 20, 0, 0}));
+}
+
+void LinuxServicesTest::firmwareVersionsAreSpoilt_data()
+{
+    QTest::addColumn<QByteArray>("signature");
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<int>("kind");
+    const auto row = [](const char *name, const char *signature, const char *reply, int kind) {
+        QTest::newRow(name) << QByteArray(signature) << QByteArray(reply) << kind;
+    };
+    row("late", "aa{sv}", "import time; time.sleep(0.3); ret = [{'DeviceId': 'x'}]", 18);
+    row("gone", "aa{sv}", "ret = [{'DeviceId': 'b2', 'Version': '1'}]", 18);
+    row("a text", "s", "ret = 'none'", 104);
+    row("no objects", "as", "ret = ['a1b2']", 18);
+    row("no text", "aa{sv}", "ret = [{'DeviceId': 'a1b2', 'Version': 7}]", 18);
+    row("no version", "aa{sv}", "ret = [{'DeviceId': 'a1b2', 'Version': 'new'}]", 18);
+    row("too large", "aa{sv}", "ret = [{'DeviceId': 'a1b2', 'Version': '2024.1'}]", 18);
+    row("no rights", "aa{sv}",
+        "raise dbus.exceptions.DBusException('No', name='org.freedesktop.fwupd.AuthFailed')", 101);
+}
+
+void LinuxServicesTest::firmwareVersionsAreSpoilt()
+{
+    QFETCH(QByteArray, signature);
+    QFETCH(QByteArray, reply);
+    qputenv("VORNAUX_CONFIG", "/unit.json");
+    unit->write("/unit.json"_s, R"({"firmware": {"fpga": "a1b2"}})");
+    bus->play(fwupd("pass") + "fwupd.AddMethod(FW, 'GetDevices', '', '" + signature + "', \"\"\"" +
+              reply + "\"\"\")\n");
+    QTEST(kindOf(call("Versions_getFPGAVersion")), "kind");
 }
 
 QTEST_GUILESS_MAIN(LinuxServicesTest)

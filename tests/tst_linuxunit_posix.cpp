@@ -119,6 +119,11 @@ private slots:
     void missingRightsAreNamed();
     void slowFilesDoNotBlock();
     void illuminanceIsScaled();
+    void lightRangeIsTheScale();
+    void spoiltLightRange_data();
+    void spoiltLightRange();
+    void touchscreens_data();
+    void touchscreens();
     void automaticBacklightFollowsTheLight();
     void averageForgivesFlashes();
     void sensorsAreWalked();
@@ -433,6 +438,111 @@ void LinuxUnitTest::illuminanceIsScaled()
     QCOMPARE(unit.call("LightSensor_getIlluminance").code, 18);
 }
 
+void LinuxUnitTest::lightRangeIsTheScale()
+{
+    LinuxUnit unit;
+    const auto folder = "/sys/bus/iio/devices/iio:device0"_s;
+    addLight(unit, "12\n");
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+    unit.remove(folder + "/in_illuminance_input"_s);
+    unit.write(folder + "/in_illuminance_raw"_s, "400\n");
+    unit.write(folder + "/in_illuminance_scale"_s, "0.005000\n");
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+    unit.write(folder + "/in_illuminance_scale_available"_s, "1 0.25 0.005\n");
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").numbers, std::vector<double>{0});
+    QCOMPARE(unit.call("LightSensor_setOperatingRange", {1.0}).code, 0);
+    QCOMPARE(unit.read(folder + "/in_illuminance_scale"_s), QByteArray("1"));
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{400});
+    unit.write(folder + "/in_illuminance_scale"_s, "0.25\n");
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("LightSensor_setOperatingRange", {0.0}).code, 0);
+    QCOMPARE(unit.read(folder + "/in_illuminance_scale"_s), QByteArray("0.005"));
+    QCOMPARE(unit.call("LightSensor_setOperatingRange", {2.0}).code, 5);
+    unit.write("/etc/vornaux/unit.json"_s, R"({"lightSensor": false})");
+    QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+}
+
+void LinuxUnitTest::spoiltLightRange_data()
+{
+    QTest::addColumn<QByteArray>("available");
+    QTest::addColumn<int>("kind");
+    QTest::newRow("of no bytes") << QByteArray() << 2;
+    QTest::newRow("one") << QByteArray("0.5\n") << 2;
+    QTest::newRow("one twice") << QByteArray("0.5 0.50\n") << 2;
+    QTest::newRow("a range") << QByteArray("[0.1 0.1 1]\n") << 104;
+    QTest::newRow("nonsense") << QByteArray("fine coarse\n") << 104;
+    QTest::newRow("zero") << QByteArray("0 1\n") << 104;
+    QTest::newRow("no number") << QByteArray("nan 1\n") << 104;
+}
+
+void LinuxUnitTest::spoiltLightRange()
+{
+    QFETCH(QByteArray, available);
+    LinuxUnit unit;
+    const auto folder = "/sys/bus/iio/devices/iio:device0"_s;
+    unit.write(folder + "/in_illuminance_raw"_s, "400\n");
+    unit.write(folder + "/in_illuminance_scale"_s, "0.5\n");
+    unit.write(folder + "/in_illuminance_scale_available"_s, available);
+    QTEST(kindOf(unit.call("LightSensor_getOperatingRange")), "kind");
+    QTEST(kindOf(unit.call("LightSensor_setOperatingRange", {0.0})), "kind");
+    QCOMPARE(unit.read(folder + "/in_illuminance_scale"_s), QByteArray("0.5\n"));
+}
+
+void LinuxUnitTest::touchscreens_data()
+{
+    QTest::addColumn<QByteArray>("properties");
+    QTest::addColumn<QByteArray>("keys");
+    QTest::addColumn<QByteArray>("axes");
+    QTest::addColumn<QByteArray>("database");
+    QTest::addColumn<double>("present");
+    const auto row = [](const char *name, const char *properties, const char *keys,
+                         const char *axes, const char *database, bool isPresent) {
+        QTest::newRow(name) << QByteArray(properties) << QByteArray(keys) << QByteArray(axes)
+                            << QByteArray(database) << double(isPresent);
+    };
+    const char *const touch = "400 0 0 0 0 0";
+    row("of fingers", "2", touch, "261800000000003", "", true);
+    row("resistive", "0", touch, "1000003", "", true); // its driver doesn't call it direct
+    row("direct alone", "2", "0", "3", "", true);
+    row("pen", "2", "c01 0 0 0 0 0", "3", "", false);
+    row("touch pad", "0", "420 0 10000 0 0 0 0", "3", "", false);
+    row("pad", "5", "e520 10000 0 0 0 0", "660800011000003", "", false);
+    row("virtual mouse", "0", "70000 0 0 0 0", "3", "", false);
+    row("virtual pointer", "2", "70000 0 0 0 0", "3", "", false);
+    row("keyboard", "0", "fffffffffffffffe", "0", "", false);
+    row("all axes", "2", touch, "ffffffffffffffff", "", true); // of both kinds
+    row("said by a rule", "0", "0", "0", "E:ID_INPUT=1\nE:ID_INPUT_TOUCHSCREEN=1\n", true);
+    row("denied by a rule", "2", touch, "261800000000003", "E:ID_INPUT=1\nE:ID_INPUT_TABLET=1\n",
+        false);
+    row("not looked at yet", "2", touch, "261800000000003", "I:1234\n", true);
+}
+
+void LinuxUnitTest::touchscreens()
+{
+    QFETCH(QByteArray, properties);
+    QFETCH(QByteArray, keys);
+    QFETCH(QByteArray, axes);
+    QFETCH(QByteArray, database);
+    LinuxUnit unit;
+    const auto folder = "/sys/class/input/input3"_s;
+    unit.write(folder + "/properties"_s, properties + '\n');
+    unit.write(folder + "/capabilities/key"_s, keys + '\n');
+    unit.write(folder + "/capabilities/abs"_s, axes + '\n');
+    unit.write(folder + "/event7/dev"_s, "13:71\n");
+    if (!database.isEmpty())
+        unit.write("/run/udev/data/c13:71"_s, database);
+    QTEST(unit.call("Hardware_hasTouchscreen").numbers.at(0), "present");
+    // What a matrix turns the coordinates by is no profile, and no value of a controller.
+    unit.write("/run/udev/data/c13:71"_s, "E:ID_INPUT=1\nE:ID_INPUT_TOUCHSCREEN=1\n"
+                                          "E:LIBINPUT_CALIBRATION_MATRIX=0 1 0 -1 0 1\n");
+    QCOMPARE(unit.call("Hardware_hasTouchscreen").numbers, std::vector<double>{1});
+    QCOMPARE(unit.call("Touch_getMode").code, 2);
+    QCOMPARE(unit.call("Touch_getMouseRightClickTime").code, 2);
+    for (int setting = 0; setting <= TOUCH_CALIBRATION_MEASUREMENTS; ++setting)
+        QCOMPARE(unit.call("Touch_getAdvancedSetting", {double(setting)}).code, 2);
+}
+
 void LinuxUnitTest::automaticBacklightFollowsTheLight()
 {
     LinuxUnit unit;
@@ -589,6 +699,7 @@ void LinuxUnitTest::identityIsTold()
     write("/sys/class/drm/card0-HDMI-A-1/status", "disconnected\n");
     write("/sys/class/input/input3/properties", "2\n");
     write("/sys/class/input/input3/capabilities/key", "400 0 0 0 0 0\n");
+    write("/sys/class/input/input3/capabilities/abs", "261800000000003\n");
     write("/sys/class/rfkill/rfkill0/type", "bluetooth\n");
     QCOMPARE(unit.call("Hardware_getMainPcbSerial").code, 2);
     QCOMPARE(unit.call("Hardware_getUnitSerialNumber").text, QByteArray("00000001"));

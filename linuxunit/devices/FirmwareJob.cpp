@@ -92,18 +92,48 @@ void requireService()
     readFromBus(BusCall::properties(service, "/", service));
 }
 
-/** The service's name of the device; "*" is whatever the file fits. */
-std::string deviceFor(FirmwareTarget target)
+/** The service's name of the device; empty for one that the configuration doesn't name. */
+std::string nameOf(FirmwareTarget target)
 {
     const char *const names[] = {"fpga", "supervisor", "front"};
-    const auto machine = Machine::present();
-    const auto name = machine->text("firmware", names[int(target)]);
+    return Machine::present()->text("firmware", names[int(target)]);
+}
+
+bool isDevice(const json &device, const std::string &name)
+{
+    const auto guids = device.is_object() ? device.find("Guid") : device.end();
+    return valueOf(device, "DeviceId", std::string()) == name ||
+           (device.is_object() && guids != device.end() && guids->is_array() &&
+               std::find(guids->begin(), guids->end(), json(name)) != guids->end());
+}
+
+/** "*" is whatever the file fits. */
+std::string deviceFor(FirmwareTarget target)
+{
+    const auto name = nameOf(target);
     if (name.empty() && target != FirmwareTarget::Supervisor)
         throw Failure{NotSupported, {}};
     return name.empty() ? "*" : name;
 }
 
 } // namespace
+
+std::optional<std::string> installedVersion(FirmwareTarget target)
+{
+    const auto name = nameOf(target);
+    if (name.empty())
+        return std::nullopt;
+    const auto devices = readFromBus({service, "/", service, "GetDevices", {}});
+    if (!devices.is_array())
+        throw Failure{UnexpectedContent, std::string(service) + " tells of no devices"};
+    const auto found = std::find_if(
+        devices.begin(), devices.end(), [&](const json &device) { return isDevice(device, name); });
+    const auto version =
+        found == devices.end() ? std::string() : valueOf(*found, "Version", std::string());
+    if (version.empty())
+        throw Failure{NotAvailable, {}};
+    return version;
+}
 
 FirmwareJob::~FirmwareJob()
 {

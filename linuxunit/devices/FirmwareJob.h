@@ -12,6 +12,10 @@ namespace linuxunit {
 /** Parts of the contract that firmware is written to. */
 enum class FirmwareTarget { Fpga, Supervisor, Front };
 
+/** Version of the device that the section `firmware` names for the target, as fwupd tells it;
+ * nothing if it names none. 18 for a device that isn't there. */
+std::optional<std::string> installedVersion(FirmwareTarget target);
+
 /**
  * Firmware written by fwupd, which knows the machine's own way: a cabinet file is handed to it, and
  * what it tells on the way becomes the contract's states, which never go back. One job in a

@@ -1,11 +1,15 @@
 #include "linuxunit/devices/LightSource.h"
 
+#include "frame/VornAux2.h"
 #include "linuxunit/calls/Failure.h"
-#include "linuxunit/kernel/files.h"
+#include "linuxunit/kernel/Reading.h"
 #include "linuxunit/kernel/iio.h"
 #include "linuxunit/machine/Machine.h"
 
+#include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 namespace linuxunit {
 
@@ -24,6 +28,40 @@ std::string luxChannel(const std::string &folder)
     const bool isHid = textOf(folder + "/name") == "als" &&
                        exists(std::string(folder).append("/").append(older).append("_raw"));
     return isHid && hasIioScale(folder, older) ? older : std::string();
+}
+
+/** Scales that a sensor can be set to, as it writes them. */
+struct Scales {
+    std::string file; ///< with the present one
+    std::string finest;
+    std::string coarsest;
+};
+
+/** Throws 2 where there is nothing to choose. */
+Scales scalesOf(const std::string &folder, const std::string &channel)
+{
+    const auto file = iioFile(folder, channel, "_scale");
+    const auto available = iioFile(folder, channel, "_scale_available");
+    if (!file || !available || !exists(std::string(folder).append("/").append(channel + "_raw")))
+        throw Failure{NotSupported, {}};
+    std::istringstream text(readText(*available));
+    Scales scales{*file, {}, {}};
+    double finest = HUGE_VAL;
+    double coarsest = 0;
+    for (std::string word; text >> word;) {
+        const double scale = realIn(*available, word);
+        if (scale <= 0)
+            throw Failure{UnexpectedContent, *available + " holds a scale of 0 or below"};
+        if (scale < finest)
+            scales.finest = word;
+        if (scale > coarsest)
+            scales.coarsest = word;
+        finest = std::min(finest, scale);
+        coarsest = std::max(coarsest, scale);
+    }
+    if (!(finest < coarsest))
+        throw Failure{NotSupported, {}};
+    return scales;
 }
 
 } // namespace
@@ -63,6 +101,26 @@ double LightSource::lux()
     const auto machine = Machine::present();
     const auto &factor = machine->part("lightSensor", "factor");
     return factor.is_number() ? lux * factor.get<double>() : lux;
+}
+
+std::int32_t LightSource::range()
+{
+    const auto channel = find();
+    const auto scales = scalesOf(channel.folder, channel.name);
+    constexpr double sameScale = 1.001; // drivers round what they write
+    const double present = readSlowReal(scales.file);
+    return present <= realIn(scales.file, scales.finest) * sameScale ? LIGHT_RANGE_STANDARD
+                                                                     : LIGHT_RANGE_EXTENDED;
+}
+
+void LightSource::setRange(std::int32_t range)
+{
+    const auto channel = find();
+    const auto scales = scalesOf(channel.folder, channel.name);
+    if (range != LIGHT_RANGE_STANDARD && range != LIGHT_RANGE_EXTENDED)
+        throw Failure{ValueOutOfRange, {}};
+    writeText(
+        scales.file, range == LIGHT_RANGE_STANDARD ? scales.finest : scales.coarsest, rulesRemedy);
 }
 
 } // namespace linuxunit

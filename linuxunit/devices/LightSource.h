@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace linuxunit {
@@ -14,6 +15,10 @@ class LightSource
 public:
     /** Illuminance in lux. */
     double lux();
+    /** LightRange: the finest of the scales that the sensor has is the standard range, all coarser
+     *  ones are extended; the coarsest is what is set for it. 2 for a sensor that has one scale. */
+    std::int32_t range();
+    void setRange(std::int32_t range);
     /** Throws 2 or 18 if there is none. */
     void require();
     /** Name of the IIO device, "als" say. */

@@ -8,6 +8,7 @@
 #include <cctype>
 #include <charconv>
 #include <functional>
+#include <linux/input.h>
 #include <vector>
 
 namespace linuxunit::identity {
@@ -52,15 +53,44 @@ bool hasBit(const std::string &mask, unsigned bit)
     return (bits >> (bit % wordBits) & 1U) != 0;
 }
 
-/** As udev tells touch screens: a direct device with a touch key and no pen. */
+/** As udev tells one by what a device can do. */
+bool looksLikeTouchscreen(const std::string &folder)
+{
+    const auto has = [&](const char *file, unsigned bit) {
+        return hasBit(textOf(folder + file).value_or(""), bit);
+    };
+    constexpr const char *keys = "/capabilities/key";
+    constexpr const char *axes = "/capabilities/abs";
+    const bool isDirect = has("/properties", INPUT_PROP_DIRECT);
+    const bool hasPen = has(keys, BTN_STYLUS) || has(keys, BTN_TOOL_PEN);
+    const bool isPad = has(keys, BTN_TOOL_FINGER) && !isDirect;
+    if (hasPen || isPad || !(isDirect || has(keys, BTN_TOUCH)))
+        return false;
+    if (has(axes, ABS_MT_POSITION_X) && has(axes, ABS_MT_POSITION_Y) &&
+        !(has(axes, ABS_MT_SLOT) &&
+            has(axes, ABS_MT_SLOT - 1))) // with all axes it is something else
+        return true;
+    // With the buttons of a mouse it is the pointer of a virtual machine.
+    for (unsigned button = BTN_MOUSE; button < BTN_JOYSTICK; ++button) {
+        if (has(keys, button))
+            return false;
+    }
+    return has(axes, ABS_X) && has(axes, ABS_Y);
+}
+
+/** What udev found, and rules of the machine may have set otherwise, where it knows the device. The
+ *  database is read as libudev reads it, which can't look below another root. */
 bool isTouchscreen(const std::string &folder)
 {
-    constexpr unsigned direct = 1;
-    constexpr unsigned touchKey = 0x14a;
-    constexpr unsigned penKey = 0x140;
-    const auto keys = textOf(folder + "/capabilities/key").value_or("");
-    return hasBit(textOf(folder + "/properties").value_or(""), direct) && hasBit(keys, touchKey) &&
-           !hasBit(keys, penKey);
+    for (const auto &name : namesIn(folder)) {
+        const auto number = textOf(std::string(folder).append("/").append(name).append("/dev"));
+        if (!name.starts_with("event") || !number)
+            continue;
+        const auto entry = "/run/udev/data/c" + *number;
+        if (assignedIn(entry, "E:ID_INPUT"))
+            return assignedIn(entry, "E:ID_INPUT_TOUCHSCREEN") == "1";
+    }
+    return looksLikeTouchscreen(folder);
 }
 
 bool hasRadio(const char *type)

@@ -25,7 +25,9 @@ std::string sharedName(const std::string &channel)
     return name;
 }
 
-std::optional<std::string> fileOf(
+} // namespace
+
+std::optional<std::string> iioFile(
     const std::string &folder, const std::string &channel, const char *what)
 {
     const auto type = channel.substr(0, channel.find('_', sizeof "in_" - 1));
@@ -37,8 +39,6 @@ std::optional<std::string> fileOf(
     }
     return std::nullopt;
 }
-
-} // namespace
 
 std::vector<std::string> iioDevices()
 {
@@ -57,7 +57,7 @@ bool isIioDevice(const std::string &folder, const std::string &nameOrLabel)
 
 bool hasIioScale(const std::string &folder, const std::string &channel)
 {
-    return fileOf(folder, channel, "_scale").has_value();
+    return iioFile(folder, channel, "_scale").has_value();
 }
 
 double readIio(const std::string &folder, const std::string &channel)
@@ -65,10 +65,10 @@ double readIio(const std::string &folder, const std::string &channel)
     const auto path = std::string(folder).append("/").append(channel);
     if (exists(path + "_input"))
         return readSlowReal(path + "_input");
-    const auto scale = fileOf(folder, channel, "_scale");
+    const auto scale = iioFile(folder, channel, "_scale");
     if (!scale)
         throw Failure{NotAvailable, {}};
-    const auto offset = fileOf(folder, channel, "_offset");
+    const auto offset = iioFile(folder, channel, "_offset");
     const double raw = readSlowReal(path + "_raw");
     return (raw + (offset ? readReal(*offset) : 0)) * readReal(*scale);
 }

@@ -53,4 +53,15 @@ void switchRegulator(const std::string &name, bool on)
                                       "reg-userspace-consumer in the board's description")};
 }
 
+std::vector<std::string> switchableRegulators()
+{
+    std::vector<std::string> found;
+    for (const auto &name : namesIn(consumers)) {
+        const auto folder = std::string(consumers).append("/").append(name);
+        if (exists(folder + "/state"))
+            found.push_back(textOf(folder + "/name").value_or(name));
+    }
+    return found;
+}
+
 } // namespace linuxunit

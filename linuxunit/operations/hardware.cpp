@@ -1,9 +1,11 @@
 #include "linuxunit/calls/perform.h"
+#include "linuxunit/devices/DigitalLines.h"
 #include "linuxunit/devices/Radios.h"
 #include "linuxunit/devices/identity.h"
 #include "linuxunit/kernel/texts.h"
 #include "linuxunit/machine/Machine.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 using namespace linuxunit;
@@ -55,6 +57,16 @@ DeviceCode giveFlag(HardwareHandle handle, DeviceBool *present, bool (*found)())
         identity::requireDevices();
         *present = found() ? 1 : 0;
     });
+}
+
+/** Lines that the configuration has as inputs. */
+std::uint8_t digitalInputs()
+{
+    const auto lines = configuredLines("digitalIo", "lines");
+    if (lines.empty())
+        throw Failure{NotSupported, {}};
+    return std::uint8_t(std::count_if(
+        lines.begin(), lines.end(), [](const ConfiguredLine &line) { return !line.isOutput; }));
 }
 
 /** A radio whose power is off isn't seen by anybody, and is there all the same. */
@@ -150,7 +162,7 @@ DeviceCode Hardware_getSerialCount(HardwareHandle handle, uint8_t *count)
 
 DeviceCode Hardware_getDigitalInputCount(HardwareHandle handle, uint8_t *count)
 {
-    return giveCount(handle, count, "digitalInput");
+    return giveCount(handle, count, "digitalInput", &digitalInputs);
 }
 
 DeviceCode Hardware_getConfigurableInputCount(HardwareHandle handle, uint8_t *count)

@@ -1,12 +1,23 @@
 #include "linuxunit/calls/perform.h"
 #include "linuxunit/devices/AutomaticBacklight.h"
 #include "linuxunit/devices/AveragedLight.h"
+#include "linuxunit/devices/LightSource.h"
 
 using namespace linuxunit;
 
 DeviceCode LightSensor_getIlluminance(LightSensorHandle handle, uint16_t *lux)
 {
     return perform(handle, {lux}, [&](AveragedLight &light) { *lux = light.lux(); });
+}
+
+DeviceCode LightSensor_getOperatingRange(LightSensorHandle handle, int32_t *range)
+{
+    return perform(handle, {range}, [&](LightSource &light) { *range = light.range(); });
+}
+
+DeviceCode LightSensor_setOperatingRange(LightSensorHandle handle, int32_t range)
+{
+    return perform(handle, {}, [&](LightSource &light) { light.setRange(range); });
 }
 
 DeviceCode LightSensor_startAverageCalc(LightSensorHandle handle, uint32_t averageWindowSize,

@@ -1,6 +1,8 @@
 #include "linuxunit/calls/perform.h"
+#include "linuxunit/devices/FirmwareJob.h"
 #include "linuxunit/kernel/files.h"
 #include "linuxunit/kernel/texts.h"
+#include "linuxunit/machine/Machine.h"
 
 #include <array>
 #include <optional>
@@ -39,9 +41,23 @@ std::optional<std::string> kernelVersion()
     return textOf("/proc/sys/kernel/osrelease");
 }
 
-/** Of the embedded controller, which supervises the machine. */
+std::optional<std::string> fpgaVersion()
+{
+    return installedVersion(FirmwareTarget::Fpga);
+}
+
+std::optional<std::string> frontVersion()
+{
+    return installedVersion(FirmwareTarget::Front);
+}
+
+/** Of the embedded controller, which supervises the machine, unless another one does. */
 std::optional<std::string> controllerVersion()
 {
+    if (!Machine::present()->denies("firmware")) {
+        if (auto version = installedVersion(FirmwareTarget::Supervisor))
+            return version;
+    }
     return textOf("/sys/class/dmi/id/ec_firmware_release");
 }
 
@@ -57,6 +73,18 @@ std::optional<std::string> systemVersion()
 }
 
 } // namespace
+
+DeviceCode Versions_getFPGAVersion(
+    VersionsHandle handle, uint8_t *major, uint8_t *minor, uint8_t *release, uint8_t *build)
+{
+    return give(handle, {major, minor, release, build}, &fpgaVersion);
+}
+
+DeviceCode Versions_getFrontVersion(
+    VersionsHandle handle, uint8_t *major, uint8_t *minor, uint8_t *release, uint8_t *build)
+{
+    return give(handle, {major, minor, release, build}, &frontVersion);
+}
 
 DeviceCode Versions_getVornAuxVersion(
     VersionsHandle handle, uint8_t *major, uint8_t *minor, uint8_t *release, uint8_t *build)

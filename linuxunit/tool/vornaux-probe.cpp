@@ -7,6 +7,7 @@
 #include "linuxunit/devices/Tone.h"
 #include "linuxunit/devices/identity.h"
 #include "linuxunit/kernel/files.h"
+#include "linuxunit/kernel/regulators.h"
 #include "linuxunit/kernel/texts.h"
 #include "linuxunit/machine/Machine.h"
 
@@ -94,14 +95,20 @@ void addTemperatures(Found &found)
         found.file["temperatures"] = {{"processor", processor}};
 }
 
+/** A question that names what only the integrator can tell apart; none without names. */
+void ask(Found &found, const std::string &question, const std::vector<std::string> &names)
+{
+    std::string list;
+    for (const auto &name : names)
+        list += (list.empty() ? "" : ", ") + name;
+    if (!list.empty())
+        found.notes.push_back(question + " " + list);
+}
+
 void addLeds(Found &found)
 {
-    std::string names;
-    for (const auto &name : namesIn("/sys/class/leds"))
-        names += (names.empty() ? "" : ", ") + name;
     found.file["frontLed"] = false;
-    if (!names.empty())
-        found.notes.push_back("frontLed: is one of these the front LED? " + names);
+    ask(found, "frontLed: is one of these the front LED?", namesIn("/sys/class/leds"));
 }
 
 Found probe()
@@ -117,6 +124,7 @@ Found probe()
     addDevice(found, "buzzer", [] { return Tone().name(); });
     addDevice(found, "battery", [] { return Accumulator().name(); });
     addLeds(found);
+    ask(found, "power: what do these regulators switch?", switchableRegulators());
     addVoltages(found);
     addTemperatures(found);
     found.notes.emplace_back(
