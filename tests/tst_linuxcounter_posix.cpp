@@ -28,6 +28,7 @@ private slots:
     void batteriesAreCounted();
     void olderFileHasNoBattery();
     void serviceCountsTheBattery();
+    void failedCountIsTakenBack();
     void brokenFileIsTold();
     void serviceSurvivesKill();
     void serviceRefuses();
@@ -133,6 +134,35 @@ void LinuxCounterTest::serviceCountsTheBattery()
     service.terminate();
     QVERIFY(service.waitForFinished());
     QCOMPARE(service.exitCode(), 0);
+}
+
+/** What can't be written whole leaves nothing behind, and the same counter goes on. */
+void LinuxCounterTest::failedCountIsTakenBack()
+{
+    const auto execute = [](const char *statement) {
+        sqlite3 *open = nullptr;
+        const int opened = sqlite3_open(Counters::path().c_str(), &open);
+        const int done = sqlite3_exec(open, statement, nullptr, nullptr, nullptr);
+        sqlite3_close(open);
+        return std::max(opened, done);
+    };
+    Counters counters;
+    counters.add({"first", 60, 0, 25.0});
+    QCOMPARE(execute("CREATE TRIGGER full BEFORE INSERT ON battery"
+                     " BEGIN SELECT RAISE(ABORT, 'no room'); END"),
+        SQLITE_OK);
+    const Moment later{"first", 120, 0, 25.0, linuxunit::BatteryMoment{true, 21.0}};
+    std::string said;
+    try {
+        counters.add(later);
+    } catch (const linuxunit::Failure &failure) {
+        said = failure.sentence;
+    }
+    QVERIFY2(said.find("no room") != std::string::npos, said.c_str());
+    QCOMPARE(times().front(), 1.0);
+    QCOMPARE(execute("DROP TRIGGER full"), SQLITE_OK); // nobody holds the file any longer
+    counters.add(later);
+    QCOMPARE(times().front(), 2.0);
 }
 
 void LinuxCounterTest::brokenFileIsTold()
