@@ -347,6 +347,21 @@ private slots:
         QCOMPARE(modem.ask("AT"), QByteArray("\r\nOK\r\n"));
     }
 
+    // What was on its way when the near end closed is lost, and who opens next hears whole
+    // sentences.
+    void halfASentenceIsLost()
+    {
+        const Server server;
+        {
+            const NearEnd gps("COM4", baud9600);
+            QTRY_VERIFY(gps.waiting() > 0); // the beginning of some that take their time
+        }
+        QVERIFY(server.looksAgain());
+        NearEnd gps("COM4", baud9600);
+        const QByteArray heard = gps.hear("\r\n");
+        QVERIFY2(heard.startsWith('$'), heard.constData());
+    }
+
     void crashedHoldersAreForgotten()
     {
         const Server server;
