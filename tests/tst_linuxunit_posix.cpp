@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QtTest>
 
 #include <fcntl.h>
@@ -107,6 +108,7 @@ private slots:
     void stringsStay();
     void stringsNeedAFolder();
     void damagedStoreIsNamed();
+    void probeWritesTextsAsTheyAre();
     void wrongConfigurationIsNamed_data();
     void wrongConfigurationIsNamed();
     void configurationIsReadAnew();
@@ -234,6 +236,22 @@ void LinuxUnitTest::damagedStoreIsNamed()
     unit.releaseAll();
     QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).code, 0);
     QCOMPARE(unit.call("Settings_getString", {"Gsm"}).text, QByteArray("COM1"));
+}
+
+void LinuxUnitTest::probeWritesTextsAsTheyAre()
+{
+    const LinuxUnit unit;
+    unit.write("/sys/class/dmi/id/product_name"_s, "Gr\u00f6\u00dfe 1\n");
+    const auto sensor = "/sys/class/hwmon/hwmon0"_s;
+    unit.write(sensor + "/name"_s, "K\u00f6rper\n");
+    unit.write(sensor + "/in0_label"_s, "+12V\n");
+    unit.write(sensor + "/in0_input"_s, "12000\n");
+    QProcess probe;
+    probe.start(QStringLiteral(VORN_BIN_DIR "/vornaux-probe"), QStringList());
+    QVERIFY(probe.waitForFinished());
+    const auto printed = probe.readAllStandardOutput();
+    QVERIFY2(printed.contains("\"name\": \"Gr\u00f6\u00dfe 1\""), printed.constData());
+    QVERIFY2(printed.contains("\"chip\": \"K\u00f6rper\""), printed.constData());
 }
 
 void LinuxUnitTest::wrongConfigurationIsNamed_data()

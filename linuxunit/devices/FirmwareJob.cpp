@@ -2,6 +2,7 @@
 
 #include "linuxunit/calls/Failure.h"
 #include "linuxunit/kernel/Reading.h"
+#include "linuxunit/kernel/texts.h"
 #include "linuxunit/machine/Machine.h"
 
 #include <algorithm>
@@ -56,22 +57,6 @@ struct OpenFile {
     const int descriptor;
     const int error;
 };
-
-/** As files are named here. */
-std::string utf8(const char *latin1)
-{
-    std::string text;
-    for (; *latin1; ++latin1) {
-        const auto byte = static_cast<unsigned char>(*latin1);
-        if (byte < 0x80U) {
-            text += char(byte);
-        } else {
-            text += char(0xC0U | (byte >> 6U));
-            text += char(0x80U | (byte & 0x3FU));
-        }
-    }
-    return text;
-}
 
 void requireCabinet(const OpenFile &file, const char *path)
 {

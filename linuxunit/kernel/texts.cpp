@@ -43,6 +43,21 @@ std::string latin1(std::string_view utf8)
     return text;
 }
 
+std::string utf8(std::string_view latin1)
+{
+    std::string text;
+    for (const char character : latin1) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x80U) {
+            text += character;
+        } else {
+            text += char(0xC0U | (byte >> 6U));
+            text += char(0x80U | (byte & 0x3FU));
+        }
+    }
+    return text;
+}
+
 bool isPlaceholder(std::string_view text)
 {
     return std::find(std::begin(placeholders), std::end(placeholders), text) !=

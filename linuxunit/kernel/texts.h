@@ -9,6 +9,8 @@ namespace linuxunit {
 
 /** What Latin-1 doesn't have becomes "?", and so do bytes that are no UTF-8. */
 std::string latin1(std::string_view utf8);
+/** As files and terminals have it. */
+std::string utf8(std::string_view latin1);
 
 /** What makers leave where a text should be, "To be filled by O.E.M." say: as good as none. */
 bool isPlaceholder(std::string_view text);

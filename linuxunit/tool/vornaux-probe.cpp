@@ -33,7 +33,7 @@ struct Found {
 /** What stands in the way, in words. */
 std::string reasonOf(const Failure &failure)
 {
-    return errorText(codeOf(failure));
+    return utf8(errorText(codeOf(failure)));
 }
 
 /** A section that names one device; false for one that this machine hasn't got. */
@@ -65,8 +65,8 @@ void addVoltages(Found &found)
         const auto *const rail = std::find_if(std::begin(railNames), std::end(railNames),
             [&](const RailName &name) { return voltage.label == name.label; });
         if (rail != std::end(railNames)) {
-            rails.push_back({{"channel", rail->channel}, {"chip", latin1(voltage.chip)},
-                {"input", voltage.input}});
+            rails.push_back(
+                {{"channel", rail->channel}, {"chip", voltage.chip}, {"input", voltage.input}});
             continue;
         }
         found.notes.push_back("adc: which rail is " + voltage.chip + " " + voltage.input +
@@ -115,7 +115,7 @@ Found probe()
 {
     Found found;
     try {
-        found.file["name"] = identity::firmwareText("product_name", "model");
+        found.file["name"] = utf8(identity::firmwareText("product_name", "model"));
     } catch (const Failure &failure) {
         found.notes.push_back("name: " + reasonOf(failure));
     }
