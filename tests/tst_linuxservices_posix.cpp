@@ -405,14 +405,14 @@ void LinuxServicesTest::batteryServiceLies_data()
 void LinuxServicesTest::batteryServiceLies()
 {
     QFETCH(QByteArray, properties);
+    QFETCH(int, kind);
     bus->play(upower(properties));
-    const auto answer = call("Battery_getVoltageLevel");
-    QTEST(kindOf(answer), "kind");
-    QTEST(unit->textOf(answer), "text");
+    QTRY_COMPARE(kindOf(call("Battery_getVoltageLevel")), kind); // a busy machine is late at first
+    QTEST(unit->textOf(call("Battery_getVoltageLevel")), "text");
     bus->play("UP = 'org.freedesktop.UPower'\n"
               "manager = service(UP, '/org/freedesktop/UPower', UP)\n"
               "manager.AddMethod(UP, 'EnumerateDevices', '', 's', 'ret = \"none\"')");
-    QCOMPARE(kindOf(call("Battery_getVoltageLevel")), 104);
+    QTRY_COMPARE(kindOf(call("Battery_getVoltageLevel")), 104);
 }
 
 void LinuxServicesTest::batteryServiceIsLateAndDies()
@@ -615,7 +615,8 @@ void LinuxServicesTest::firmwareVersionsAreSpoilt()
     unit->write("/unit.json"_s, R"({"firmware": {"fpga": "a1b2"}})");
     bus->play(fwupd("pass") + "fwupd.AddMethod(FW, 'GetDevices', '', '" + signature + "', \"\"\"" +
               reply + "\"\"\")\n");
-    QTEST(kindOf(call("Versions_getFPGAVersion")), "kind");
+    QFETCH(int, kind);
+    QTRY_COMPARE(kindOf(call("Versions_getFPGAVersion")), kind);
 }
 
 QTEST_GUILESS_MAIN(LinuxServicesTest)

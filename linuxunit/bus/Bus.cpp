@@ -67,6 +67,14 @@ Connection &connection(Desk &all)
     return *all.connection;
 }
 
+/** Throws 2 for a machine without a bus: it is no slow one, however busy it is. With the mutex
+ *  taken. */
+void requireBus(const Desk &all)
+{
+    if (!all.connection && !Connection::isPossible())
+        throw Failure{NotSupported, {}};
+}
+
 std::string keyOf(const BusCall &call)
 {
     std::string key = call.service + " " + call.path + " " + call.interface + " " + call.method;
@@ -111,9 +119,7 @@ json readFromBus(const BusCall &call, Deadline until)
 {
     auto &all = desk();
     std::unique_lock lock(all.mutex);
-    // A machine without a bus is no slow one, however busy it is.
-    if (!all.connection && !Connection::isPossible())
-        throw Failure{NotSupported, {}};
+    requireBus(all);
     auto &entry = all.sources[keyOf(call)];
     if (!entry)
         entry = std::make_shared<Source>();
@@ -135,6 +141,7 @@ json orderOnBus(const BusCall &call)
 {
     auto &all = desk();
     std::unique_lock lock(all.mutex);
+    requireBus(all);
     const auto source = std::make_shared<Source>();
     begin(all, source, call);
     if (!all.news.wait_for(lock, longestWait, [&] { return source->rounds > 0; }))

@@ -80,13 +80,13 @@ std::int32_t chargingStatusOf(int state)
 }
 
 /** Of a battery that UPower alone knows, a UPS say. */
-std::int32_t powerSourceOf(int state)
+std::int32_t powerSourceOf(int state, Deadline until)
 {
     if (state == Discharging || state == Empty)
         return POWER_BATTERY;
     if (state == Charging || state == Full || state == PendingCharge)
         return POWER_EXTERNAL;
-    const auto onBattery = upower::isOnBattery();
+    const auto onBattery = upower::isOnBattery(until);
     if (!onBattery)
         throw Failure{NotAvailable, {}};
     return *onBattery ? POWER_BATTERY : POWER_EXTERNAL;
@@ -145,14 +145,14 @@ std::string Accumulator::fileOf(const char *name)
 }
 
 /** What UPower says of the battery. */
-json Accumulator::known()
+json Accumulator::known(Deadline until)
 {
     const auto place = folder();
     if (!place.empty()) {
-        const auto battery = upower::batteryOfKernel(place.substr(place.rfind('/') + 1));
+        const auto battery = upower::batteryOfKernel(place.substr(place.rfind('/') + 1), until);
         return battery ? *battery : throw Failure{NotSupported, {}};
     }
-    const auto battery = upower::otherBattery(Machine::present()->text("battery", "device"));
+    const auto battery = upower::otherBattery(Machine::present()->text("battery", "device"), until);
     if (!battery)
         throw Failure{wasThere ? NotAvailable : NotSupported, {}};
     wasThere = true;
@@ -210,8 +210,9 @@ std::int32_t Accumulator::chargingStatus()
 std::int32_t Accumulator::powerSource()
 {
     const auto place = folder();
+    const auto until = soon();
     if (place.empty())
-        return powerSourceOf(valueOf(known(), "State", 0));
+        return powerSourceOf(valueOf(known(until), "State", 0), until);
     if (const auto fed = isFed())
         return *fed ? POWER_EXTERNAL : POWER_BATTERY;
     const auto file = fileOf("status");
@@ -220,7 +221,7 @@ std::int32_t Accumulator::powerSource()
         return POWER_BATTERY;
     if (status == "Charging" || status == "Full" || status == "Not charging")
         return POWER_EXTERNAL;
-    return powerSourceOf(0);
+    return powerSourceOf(0, until);
 }
 
 std::int16_t Accumulator::celsius()

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "linuxunit/bus/Bus.h"
+
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
@@ -32,7 +33,7 @@ private:
     std::optional<std::string> find();
     std::string folder();
     std::string fileOf(const char *name);
-    nlohmann::json known();
+    nlohmann::json known(Deadline until = soon());
     std::string text(const char *file, const char *property);
 
     bool wasThere = false;
