@@ -825,7 +825,9 @@ void LinuxUnitTest::ledShowsColorsAndBlinks()
     unit.write("/etc/vornaux/unit.json"_s,
         R"({"frontLed": {"red": "red:indicator", "green": "green:indicator"}})");
     QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 0, 0}));
+    QCOMPARE(unit.call("FrontLED_getSignal").numbers, (std::vector<double>{1, 0}));
     QCOMPARE(unit.call("FrontLED_setStandardColor", {5.0}).code, 0);
+    QCOMPARE(unit.call("FrontLED_getSignal").numbers, (std::vector<double>{1, 100}));
     QCOMPARE(read("red:indicator/brightness"), QByteArray("255"));
     QCOMPARE(unit.call("FrontLED_getStandardColor").numbers, std::vector<double>{5});
     QCOMPARE(unit.call("FrontLED_setColor", {7.0, 0.0, 0.0}).code, 0);

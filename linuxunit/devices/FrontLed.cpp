@@ -101,10 +101,11 @@ bool isDark(const FrontLed::Color &color)
     return color == FrontLed::Color{};
 }
 
-FrontLed::Signal keptSignal(Store &store)
+/** @param unset the duty cycle as long as nobody has set any, percent */
+FrontLed::Signal keptSignal(Store &store, std::uint8_t unset = always)
 {
     const auto hertz = std::clamp(store.number("FrontLED.hertz", 1), slowest, fastest);
-    const auto duty = std::clamp<double>(store.number("FrontLED.dutyCycle", always), 0, always);
+    const auto duty = std::clamp<double>(store.number("FrontLED.dutyCycle", unset), 0, always);
     return {hertz, std::uint8_t(duty)};
 }
 
@@ -354,9 +355,9 @@ void FrontLed::setStandardColor(std::int32_t number)
 
 FrontLed::Signal FrontLed::signal()
 {
-    find();
+    const std::uint8_t shown = isDark(color()) ? 0 : always;
     Store store;
-    return keptSignal(store);
+    return keptSignal(store, shown);
 }
 
 void FrontLed::setSignal(const Signal &signal)

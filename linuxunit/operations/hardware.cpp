@@ -59,14 +59,18 @@ DeviceCode giveFlag(HardwareHandle handle, DeviceBool *present, bool (*found)())
     });
 }
 
-/** Lines that the configuration has as inputs. */
+/** Lines that the configuration has as inputs. A machine without any says so, and its menu dims the
+ *  page; nobody counts where there are outputs alone, which the page is for as well. */
 std::uint8_t digitalInputs()
 {
+    if (Machine::present()->denies("digitalIo"))
+        return 0;
     const auto lines = configuredLines("digitalIo", "lines");
-    if (lines.empty())
+    const auto inputs = std::count_if(
+        lines.begin(), lines.end(), [](const ConfiguredLine &line) { return !line.isOutput; });
+    if (inputs == 0 && !lines.empty())
         throw Failure{NotSupported, {}};
-    return std::uint8_t(std::count_if(
-        lines.begin(), lines.end(), [](const ConfiguredLine &line) { return !line.isOutput; }));
+    return std::uint8_t(inputs);
 }
 
 /** A radio whose power is off isn't seen by anybody, and is there all the same. */
