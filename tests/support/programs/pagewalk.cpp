@@ -2,47 +2,15 @@
 #include "frame/tabDlg.h"
 #include "frame/window/TabIndex.h"
 #include "frame/window/VornSettings.h"
-#include "frame/window/graphicalMode.h"
+#include "tests/support/shownText.h"
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QComboBox>
 #include <QElapsedTimer>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QSlider>
-#include <QSpinBox>
-#include <QTextEdit>
 #include <QTimer>
 
 #include <cstdio>
 
 namespace {
-
-QString shownOn(const QWidget *widget)
-{
-    if (const auto *label = qobject_cast<const QLabel *>(widget))
-        return label->text();
-    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
-        return button->text() + (button->isChecked() ? QStringLiteral(" on") : QString());
-    if (const auto *edit = qobject_cast<const QLineEdit *>(widget))
-        return edit->text();
-    if (const auto *box = qobject_cast<const QComboBox *>(widget))
-        return box->currentText();
-    if (const auto *slider = qobject_cast<const QSlider *>(widget))
-        return QString::number(slider->value());
-    if (const auto *bar = qobject_cast<const QProgressBar *>(widget))
-        return QString::number(bar->value());
-    if (const auto *spin = qobject_cast<const QAbstractSpinBox *>(widget))
-        return spin->text();
-    if (const auto *text = qobject_cast<const QTextEdit *>(widget))
-        return text->toPlainText();
-    if (const auto *text = qobject_cast<const QPlainTextEdit *>(widget))
-        return text->toPlainText();
-    return {};
-}
 
 /** Timers would ask as often as the machine's speed lets them. */
 void holdTimers(const QObject &object)
@@ -55,7 +23,7 @@ void print(const QWidget &page)
 {
     std::printf("%s\n", page.metaObject()->className());
     for (const auto *widget : page.findChildren<QWidget *>()) {
-        const QString text = shownOn(widget);
+        const QString text = support::shownText(widget);
         if (!text.isEmpty()) {
             std::printf("  %s %s%s\n", qPrintable(widget->objectName()), qPrintable(text),
                 widget->isVisible() ? "" : " (hidden)");
