@@ -112,6 +112,26 @@ private slots:
         QVERIFY(result.image.bytes.empty());
     }
 
+    // What vornunit and the journal of a job tell people.
+    void saysWhy()
+    {
+        const QByteArray good = hexRecord(0, 0, "abcd") + '\n';
+        const QByteArray tail = '\n' + end + '\n';
+        const std::pair<QByteArray, const char *> refused[] = {
+            {"00000001FF\n", "begin with a colon"}, {":000001FF" + tail, "impossible length"},
+            {":0000000G00" + tail, "no hexadecimal digit"},
+            {":0100000041424344" + tail, "length field is wrong"},
+            {":0100000041BF" + tail, "checksum is wrong"}, {hexRecord(6, 0) + tail, "unknown type"},
+            {hexRecord(2, 0, "x") + tail, "its type"}, {end, "no data"},
+            {good + good + end, "given twice"},
+            {hexRecord(0, 0xFFFF, "ab") + tail, "end of its segment"},
+            {hexFile(QByteArray(64 * 1024 + 1, 'x')), "controller's memory takes"}};
+        for (const auto &[text, why] : refused) {
+            const auto said = read(text).reason;
+            QVERIFY2(said.ends_with(why), said.c_str());
+        }
+    }
+
     void reads_data()
     {
         QTest::addColumn<QByteArray>("text");
