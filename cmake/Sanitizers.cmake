@@ -3,6 +3,20 @@ set(VORN_SANITIZE "" CACHE STRING "Sanitizers, as the compiler's -fsanitize take
 if(VORN_SANITIZE)
     add_compile_options(-fsanitize=${VORN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${VORN_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        # C functions are declared again by whoever loads them by name, with their own names for records.
+        add_compile_options(-fno-sanitize=function)
+        # One runtime for a program, its libraries and what is loaded before them.
+        if(VORN_SANITIZE MATCHES "address")
+            execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-runtime-dir
+                OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+            add_link_options(-shared-libasan -Wl,-rpath,${runtime})
+        endif()
+    endif()
+    # Compilers have no common name for it. Tests of memory ask.
+    if(VORN_SANITIZE MATCHES "address")
+        add_compile_definitions(VORN_ADDRESS_SANITIZER)
+    endif()
 endif()
 
 # What tests find in their environment, so that a finding ends them and says where it is. strndup is

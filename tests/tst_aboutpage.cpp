@@ -65,7 +65,7 @@ QByteArray content(const QString &path)
 }
 
 // A sanitizer's own book-keeping is no part of the program's memory.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VORN_ADDRESS_SANITIZER
 constexpr bool instrumented = true;
 #else
 constexpr bool instrumented = false;

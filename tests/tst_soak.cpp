@@ -47,7 +47,7 @@ private slots:
         // The toolkit opens and closes a few late; what a page leaves is there hundreds of times.
         QVERIFY2(after.handles < before.handles + 10,
             qPrintable("%1 after %2"_s.arg(after.handles).arg(before.handles)));
-#if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed for a while
+#if !defined(VORN_ADDRESS_SANITIZER) // which keeps what was freed for a while
         const double grown = double(residentMemory()) / 1e6 - megabytes;
         QVERIFY2(grown < 8, qPrintable("grown by %1 MB"_s.arg(grown)));
 #endif

@@ -175,7 +175,7 @@ private slots:
     /** A log of a gigabyte takes no more memory than one of a line. */
     void hugeLog()
     {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VORN_ADDRESS_SANITIZER
         constexpr int size = 20'000'000; // it counts its own memory, and takes its time
 #else
         constexpr int size = 1'000'000'000;
@@ -195,7 +195,7 @@ print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, file=sys.stderr)
         QFile::remove(folder->filePath("huge.txt"_s));
         const int kilobytes = words.trimmed().toInt();
         QVERIFY2(kilobytes > 0, words.constData());
-#ifndef __SANITIZE_ADDRESS__
+#ifndef VORN_ADDRESS_SANITIZER
         QVERIFY2(kilobytes < 64 * 1024, words.constData());
 #endif
     }
