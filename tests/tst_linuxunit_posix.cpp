@@ -307,17 +307,23 @@ void LinuxUnitTest::backlightIsScaledWithoutDrift()
     QFETCH(int, highest);
     LinuxUnit unit;
     addPanel(unit, QByteArray::number(highest) + '\n', QByteArray::number(highest) + '\n');
-    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{255});
+    // A loaded machine may not read in time, and says so.
+    const auto told = [&] {
+        auto answer = unit.call("Backlight_getIntensity");
+        for (int tries = 0; answer.code == 18 && tries < 50; ++tries)
+            answer = unit.call("Backlight_getIntensity");
+        return answer.numbers;
+    };
+    QCOMPARE(told(), std::vector<double>{255});
     for (int intensity = 0; intensity <= 255; ++intensity) {
         QCOMPARE(unit.call("Backlight_setIntensity", {double(intensity)}).code, 0);
         const auto raw = unit.read(QLatin1String(panel) + "/brightness"_s).toInt();
         QVERIFY(std::abs(raw - intensity * highest / 255.0) <= 0.5);
-        QCOMPARE(
-            unit.call("Backlight_getIntensity").numbers, std::vector<double>{double(intensity)});
+        QCOMPARE(told(), std::vector<double>{double(intensity)});
     }
     // What others set is read as it is.
     unit.write(QLatin1String(panel) + "/brightness"_s, "0\n");
-    QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{0});
+    QTRY_COMPARE(told(), std::vector<double>{0});
 }
 
 void LinuxUnitTest::backlightPowerAndHealth()

@@ -2,6 +2,7 @@
 
 #include "linuxunit/bus/Bus.h"
 #include "linuxunit/calls/Failure.h"
+#include "linuxunit/kernel/Reading.h"
 #include "linuxunit/kernel/files.h"
 
 namespace linuxunit {
@@ -18,6 +19,7 @@ void writeBrightness(const std::string &subsystem, const std::string &name, std:
             orderOnBus({"org.freedesktop.login1", "/org/freedesktop/login1/session/auto",
                 "org.freedesktop.login1.Session", "SetBrightness",
                 {subsystem, name, std::uint32_t(level)}});
+            forgetReading(path + "/brightness");
         } catch (const Failure &failure) {
             if (failure.kind == DaemonSilent)
                 throw;

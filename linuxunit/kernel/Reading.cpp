@@ -230,4 +230,11 @@ double readSlowReal(const std::string &path)
     return realIn(path, readSlowText(path));
 }
 
+void forgetReading(const std::string &path)
+{
+    const auto own = presentPool();
+    const std::lock_guard lock(own->mutex);
+    own->sources.erase(rooted(path));
+}
+
 } // namespace linuxunit

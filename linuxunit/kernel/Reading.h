@@ -9,7 +9,7 @@
  * of the library, which begin with the first such reading and end with the last handle. A call
  * waits for 100 ms at most. What isn't there by then is answered with the last value, if that isn't
  * older than `keptFor`, else with 18; the reading goes on, and serves the next call. Each file is
- * read by one thread at a time, however many ask. Any thread.
+ * read by one thread at a time, however many ask, unless it was written meanwhile. Any thread.
  */
 namespace linuxunit {
 
@@ -22,5 +22,8 @@ std::string readSlowText(const std::string &path);
 std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::string> &paths);
 std::int64_t readSlowNumber(const std::string &path);
 double readSlowReal(const std::string &path);
+/** What was read of that file, or is being read, answers no later call: it holds something else
+ * now. */
+void forgetReading(const std::string &path);
 
 } // namespace linuxunit

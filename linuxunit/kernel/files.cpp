@@ -1,6 +1,7 @@
 #include "linuxunit/kernel/files.h"
 
 #include "linuxunit/calls/Failure.h"
+#include "linuxunit/kernel/Reading.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -216,6 +217,7 @@ void writeText(const std::string &path, std::string_view text, const std::string
     do {
         written = ::write(file.descriptor, text.data(), text.size());
     } while (written < 0 && errno == EINTR);
+    forgetReading(path);
     if (written < 0)
         throw writeFailure(path, errno, remedy);
     if (std::size_t(written) != text.size())
