@@ -28,7 +28,8 @@ QString preloaded()
     ::dl_iterate_phdr(
         [](dl_phdr_info *object, std::size_t, void *found) {
             const std::string_view file = object->dlpi_name;
-            if (file.find("/libasan.so") == file.npos && file.find("/libclang_rt.asan-") == file.npos)
+            if (file.find("/libasan.so") == file.npos &&
+                file.find("/libclang_rt.asan-") == file.npos)
                 return 0;
             *static_cast<std::string *>(found) = std::string(file) + " libstdc++.so.6 ";
             return 1;
