@@ -3,6 +3,7 @@
 #include "report/systemReport.h"
 #include "virtualunit/VirtualUnit.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -58,6 +59,7 @@ class VornreportTest : public PageTest
 
 private slots:
     void init();
+    void cleanup();
     void helps();
     void refusesWrongUsage_data();
     void refusesWrongUsage();
@@ -100,6 +102,14 @@ void VornreportTest::init()
     folder = std::make_unique<QTemporaryDir>();
     if (report.isEmpty())
         report = generateSystemReport().toLatin1();
+}
+
+/** A console outlives its program by a moment on Windows, and holds the folder meanwhile. */
+void VornreportTest::cleanup()
+{
+    folder->setAutoRemove(false);
+    QTRY_VERIFY(QDir(folder->path()).removeRecursively());
+    DeviceTest::cleanup();
 }
 
 Outcome VornreportTest::run(const QStringList &arguments, const QByteArray &input) const
