@@ -17,6 +17,7 @@
 #include <QSpinBox>
 #include <QStyleOptionButton>
 #include <QTabWidget>
+#include <QTextDocument>
 
 #include <memory>
 
