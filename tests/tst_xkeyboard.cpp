@@ -115,8 +115,9 @@ private:
 private slots:
     void initTestCase()
     {
-        if (!isKeyboardInstalled())
-            QSKIP("Qt's on-screen keyboard isn't installed");
+        if (QT_VERSION_MAJOR == 5 && !isKeyboardInstalled())
+            QSKIP("packages.txt lists Qt 6's on-screen keyboard alone");
+        QVERIFY2(isKeyboardInstalled(), "Qt's on-screen keyboard of packages.txt is missing");
         server = std::make_unique<XServer>(screen);
         QVERIFY(server->isRunning());
         QVERIFY(server->manage());
