@@ -153,6 +153,10 @@ private slots:
         page.show();
         QCOMPARE(calls(), QStringList());
         QCOMPARE(page.info->toPlainText(), text);
+        // Nor does a choice wait for it.
+        page.hide();
+        page.selection->setCurrentIndex(2);
+        QCOMPARE(page.info->toPlainText(), adcDataText());
     }
 
     void selects_data()

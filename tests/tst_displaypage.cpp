@@ -376,6 +376,17 @@ private slots:
         QVERIFY(timer.isActive());
     }
 
+    void unknownHealthKeepsTheCaption()
+    {
+        tabBacklightDlg page;
+        HeldTimer timer(&page);
+        page.show();
+        fault("Backlight_getHealthStatus"_s, 2);
+        QVERIFY(timer.fire());
+        QCOMPARE(text(page, "label_hwstatus1"), "status:   "_s);
+        QCOMPARE(boxes(&page), QStringList());
+    }
+
     void sliderSetsTheIntensity_data()
     {
         QTest::addColumn<Qt::Key>("key");

@@ -436,6 +436,16 @@ private slots:
         VornSettings window;
         QCOMPARE(entries(window), expectedEntries({absent}));
         QCOMPARE(visibleClass(window), "tabMenuDlg"_s);
+        QStringList pages;
+        for (const tabDlg *page : pagesOf(window))
+            pages << latin1(page->metaObject()->className());
+        QStringList expected;
+        for (const PageRow &row : pageRows) {
+            const bool stoodInFor = (row.index == 5 && absent == "heater"_s) ||
+                                    (row.index == 15 && absent == "telematics"_s);
+            expected << (stoodInFor ? "tabDlg"_s : latin1(row.className));
+        }
+        QCOMPARE(pages, expected);
     }
 
     // A query that fails says nothing, not even if its out value were left at "absent".

@@ -142,6 +142,8 @@ private slots:
         QStringList captions;
         for (int i = 0; i < tabs(page)->count(); ++i)
             captions << tabs(page)->tabText(i);
+        QCOMPARE(captions.size(), 1 + (radios & 1) + (radios >> 2 & 1));
+        QCOMPARE(captions.constFirst(), "Settings"_s);
         for (const auto &row : rows) {
             const bool present = radios & row.bit;
             for (const char *name : {row.box, row.startupBox}) {
