@@ -111,8 +111,9 @@ int main(int argc, char **argv)
     CLI::App app("Counts how long this machine runs, at which temperatures, and how often it was "
                  "started, for the Linux unit. It is a service, and runs until it is ended.",
         "vornaux-counter");
+    app.footer("Exit codes: 0 ended as asked, 1 the counters can't be kept, 2 wrong usage.");
     int interval = longestInterval;
-    app.add_option("--interval", interval, "seconds from one count to the next, 55 at most")
+    app.add_option("--interval", interval, "Seconds from one count to the next, 55 at most")
         ->check(CLI::Range(1, longestInterval));
     app.callback([&] {
         try {

@@ -155,10 +155,11 @@ int main(int argc, char **argv)
         "be edited; what is missing, and what only you can know, on the standard error "
         "stream.",
         "vornaux-probe");
+    app.footer("Exit codes: 0 done, 1 the file is wrong or can't be read, 2 wrong usage.");
     std::string file;
     bool printsSchema = false;
-    app.add_option("--check", file, "hold this file to the schema instead")->type_name("FILE");
-    app.add_flag("--schema", printsSchema, "print the schema instead");
+    app.add_option("--check", file, "Holds this file to the schema instead")->type_name("FILE");
+    app.add_flag("--schema", printsSchema, "Prints the schema instead");
     app.callback([&] {
         if (printsSchema) {
             std::cout << machineSchema;
