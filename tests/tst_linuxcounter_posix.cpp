@@ -196,6 +196,20 @@ private slots:
         QCOMPARE(second.exitCode(), 0);
     }
 
+    /** Which start this is can't be told, so nothing is counted until it can. */
+    void serviceNamesWhatIsMissing()
+    {
+        QProcess service;
+        service.start(QStringLiteral(VORN_BIN_DIR "/vornaux-counter"), QStringList());
+        service.setReadChannel(QProcess::StandardError);
+        QTRY_VERIFY(service.canReadLine());
+        QCOMPARE(service.readLine(),
+            QByteArray("vornaux-counter: /proc/sys/kernel/random/boot_id is missing\n"));
+        service.terminate();
+        QVERIFY(service.waitForFinished());
+        QCOMPARE(service.exitCode(), 0);
+    }
+
     void serviceRefuses()
     {
         const auto program = QStringLiteral(VORN_BIN_DIR "/vornaux-counter");

@@ -11,6 +11,8 @@
 #include <csignal>
 #include <ctime>
 #include <iostream>
+#include <optional>
+#include <string>
 
 namespace {
 
@@ -58,11 +60,24 @@ std::optional<BatteryMoment> batteryNow()
     return moment;
 }
 
+/** What tells one start of the machine from another. */
+std::string presentStart()
+{
+    constexpr char path[] = "/proc/sys/kernel/random/boot_id";
+    try {
+        return readText(path);
+    } catch (const Failure &failure) {
+        if (!failure.sentence.empty())
+            throw;
+        throw Failure{ReadFailed, std::string(path) + " is missing"};
+    }
+}
+
 Moment present()
 {
     const double running = secondsOf(CLOCK_MONOTONIC);
-    return {readText("/proc/sys/kernel/random/boot_id"), running,
-        std::max(secondsOf(CLOCK_BOOTTIME) - running, 0.0), celsius(), batteryNow()};
+    return {presentStart(), running, std::max(secondsOf(CLOCK_BOOTTIME) - running, 0.0), celsius(),
+        batteryNow()};
 }
 
 /** False when the process is asked to end. */
