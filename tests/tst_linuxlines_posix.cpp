@@ -49,12 +49,6 @@ gpiod_line *lineNamed(const char *name)
     return found == lines.end() ? nullptr : &found->second;
 }
 
-/** The kind of a code: what its number in front, which tells sentences apart, leaves. */
-int kindOf(const LinuxUnit::Answer &answer)
-{
-    return answer.code % 1000;
-}
-
 } // namespace
 
 extern "C" {
@@ -190,7 +184,7 @@ private slots:
         playKernel();
         kernel->refuse(number);
         const auto answer = unit->call("Can_setBaudrate", {1.0, rate});
-        QTEST(kindOf(answer), "kind");
+        QTEST(answer.kind(), "kind");
         if (number == EPERM)
             QCOMPARE(unit->textOf(answer),
                 QByteArray("No permission to set the bit rate of can2; it takes "
@@ -222,7 +216,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         playKernel();
         kernel->lie(bytes);
-        QTEST(kindOf(unit->call("Can_getBaudrate", {1.0})), "kind");
+        QTEST(unit->call("Can_getBaudrate", {1.0}).kind(), "kind");
         kernel->tellTruth();
         QCOMPARE(unit->call("Can_getBaudrate", {1.0}).code, 0);
     }
@@ -297,15 +291,15 @@ private slots:
         QCOMPARE(unit->call("DigIO_getDigIO").numbers, std::vector<double>{1});
         lines["IN1"].error = EBUSY;
         auto answer = unit->call("DigIO_getDigIO");
-        QCOMPARE(kindOf(answer), 107);
+        QCOMPARE(answer.kind(), 107);
         QCOMPARE(unit->textOf(answer), QByteArray("The GPIO line IN1 is in use by heartbeat"));
         lines["IN1"].error = EACCES;
         answer = unit->call("DigIO_getDigIO");
-        QCOMPARE(kindOf(answer), 101);
+        QCOMPARE(answer.kind(), 101);
         QVERIFY(unit->textOf(answer).startsWith(
             "No permission to use the GPIO line IN1; add yourself"));
         lines["IN1"].error = EIO;
-        QCOMPARE(kindOf(unit->call("DigIO_getDigIO")), 102);
+        QCOMPARE(unit->call("DigIO_getDigIO").kind(), 102);
         configure(R"({"digitalIo": {"lines": [{"line": "IN1", "chip": "gpiochip9"}]}})");
         QCOMPARE(unit->call("DigIO_getDigIO").code, 18);
         configure(R"({"digitalIo": {"lines": [{"line": "IN2", "chip": "gpiochip7"}]}})");
@@ -364,7 +358,7 @@ private slots:
         // What drivers alone may switch can be read.
         QCOMPARE(unit->call("Power_getExtFanPowerStatus").numbers, std::vector<double>{1});
         const auto refused = unit->call("Power_setExtFanPowerStatus", {0.0});
-        QCOMPARE(kindOf(refused), 103);
+        QCOMPARE(refused.kind(), 103);
         QVERIFY2(
             unit->textOf(refused).startsWith("The regulator vcc-fan can't be switched from here"),
             unit->textOf(refused).constData());
@@ -388,16 +382,16 @@ private slots:
         QCOMPARE(unit->call("Power_getCanPowerStatus").code, 18);
         QCOMPARE(unit->call("Power_setCanPowerStatus", {1.0}).code, 18);
         unit->write(folder + "/state"_s, state);
-        QTEST(kindOf(unit->call("Power_getCanPowerStatus")), "kind");
+        QTEST(unit->call("Power_getCanPowerStatus").kind(), "kind");
         unit->remove(folder + "/state"_s);
         unit->link(folder + "/state"_s, "/proc/self/mem"); // EIO
-        QCOMPARE(kindOf(unit->call("Power_getCanPowerStatus")), 102);
+        QCOMPARE(unit->call("Power_getCanPowerStatus").kind(), 102);
         unit->remove(folder + "/state"_s);
         unit->write(folder + "/state"_s, "enabled\n");
         QVERIFY(QFile::setPermissions(unit->path(folder + "/state"_s), QFile::ReadOwner));
         const auto answer = unit->call("Power_setCanPowerStatus", {0.0});
         if (::geteuid() != 0) {
-            QCOMPARE(kindOf(answer), 101);
+            QCOMPARE(answer.kind(), 101);
             QVERIFY(unit->textOf(answer).contains("state; add yourself to group"));
         }
     }
@@ -436,7 +430,7 @@ private slots:
         QCOMPARE(unit->read("/sys/class/rfkill/rfkill1/soft"_s), QByteArray("1"));
         QCOMPARE(unit->call("Telematics_getWLANPowerStatus").numbers, std::vector<double>{0});
         unit->write("/sys/class/rfkill/rfkill0/soft"_s, "on\n");
-        QCOMPARE(kindOf(unit->call("Telematics_getWLANPowerStatus")), 104);
+        QCOMPARE(unit->call("Telematics_getWLANPowerStatus").kind(), 104);
         configure(R"({"telematics": false})");
         QCOMPARE(unit->call("Telematics_getAvailable").code, 2);
         QCOMPARE(unit->call("Telematics_getWLANPowerStatus").code, 2);
@@ -467,7 +461,7 @@ private slots:
         QCOMPARE(unit->read(folder + "/soft"_s), QByteArray("0"));
         QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").numbers, std::vector<double>{0});
         lines["GSM"].error = EACCES;
-        QCOMPARE(kindOf(unit->call("Telematics_setGPRSPowerStatus", {1.0})), 101);
+        QCOMPARE(unit->call("Telematics_setGPRSPowerStatus", {1.0}).kind(), 101);
         configure(R"({"telematics": false})");
         QCOMPARE(unit->call("Telematics_getGPRSPowerStatus").code, 2);
     }
@@ -480,7 +474,7 @@ private slots:
         unit->write(folder + "/soft"_s, "1\n");
         unit->write(folder + "/hard"_s, "1\n");
         const auto answer = unit->call("Telematics_setBTPowerStatus", {1.0});
-        QCOMPARE(kindOf(answer), 103);
+        QCOMPARE(answer.kind(), 103);
         QCOMPARE(unit->textOf(answer), QByteArray("hci0 is held off by a switch on the machine"));
         QCOMPARE(unit->call("Telematics_setBTPowerStatus", {0.0}).code, 0);
         QCOMPARE(unit->call("Telematics_getBTPowerStatus").numbers, std::vector<double>{0});

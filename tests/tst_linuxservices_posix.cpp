@@ -17,12 +17,6 @@ namespace {
 
 constexpr int longestCall = 150; ///< milliseconds, with what the machine's load adds
 
-/** The kind of a code: what its number in front, which tells sentences apart, leaves. */
-int kindOf(const LinuxUnit::Answer &answer)
-{
-    return answer.code % 1000;
-}
-
 // A disk on a cable, a stick, an NVMe one and an eMMC; the service's order is none of these.
 const QByteArray drives = R"py(
 UD = 'org.freedesktop.UDisks2'
@@ -143,12 +137,12 @@ private slots:
 
     void configuredDrives()
     {
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s, R"({"smart": {"drives": ["INTEL_SSDSC2", "Gone"]}})");
+        unit->write(
+            "/etc/vornaux/unit.json"_s, R"({"smart": {"drives": ["INTEL_SSDSC2", "Gone"]}})");
         bus->play(drivesWith(used));
         QCOMPARE(call("Smart_getDeviceSerial").text, QByteArray("BTPR1475"));
         QCOMPARE(call("Smart_getDeviceSerial2").code, 18);
-        unit->write("/unit.json"_s, R"({"smart": false})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"smart": false})");
         QCOMPARE(call("Smart_getDeviceSerial").code, 2);
     }
 
@@ -181,7 +175,7 @@ private slots:
         QFETCH(int, kind);
         bus->play(drivesWith(reply));
         const auto answer = call("Smart_getRemainingLifetime");
-        QCOMPARE(kindOf(answer), kind);
+        QCOMPARE(answer.kind(), kind);
         if (kind == 0)
             QTEST(answer.numbers.at(0), "percent");
         if (kind == 109)
@@ -277,7 +271,7 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
                   "logind.AddMethod('', 'PowerOff', 'b', '', \"\"\"" +
                   reply + "\"\"\")");
         const auto answer = call("Firmware_shutDown");
-        QTEST(kindOf(answer), "kind");
+        QTEST(answer.kind(), "kind");
         QTEST(unit->textOf(answer), "text");
         QTRY_VERIFY(bus->calls().contains("PowerOff False"));
     }
@@ -303,13 +297,12 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
         QCOMPARE(call("Battery_getPowerSource").numbers, std::vector<double>{0});
         QCOMPARE(call("Battery_getVoltageLevel").code, 2);
         QCOMPARE(call("Battery_getTemperature").numbers, std::vector<double>{32});
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s, R"({"battery": {"device": "hiddev0"}})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"battery": {"device": "hiddev0"}})");
         QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{1});
-        unit->write("/unit.json"_s, R"({"battery": {"device": "hiddev1"}})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"battery": {"device": "hiddev1"}})");
         QCOMPARE(call("Battery_isAvailable").numbers, std::vector<double>{0});
         QCOMPARE(call("Battery_getVoltageLevel").code, 18);
-        unit->write("/unit.json"_s, R"({"battery": false})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"battery": false})");
         QCOMPARE(call("Battery_isAvailable").code, 2);
     }
 
@@ -363,12 +356,12 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
         QFETCH(int, kind);
         bus->play(upower(properties));
         QTRY_COMPARE(
-            kindOf(call("Battery_getVoltageLevel")), kind); // a busy machine is late at first
+            call("Battery_getVoltageLevel").kind(), kind); // a busy machine is late at first
         QTEST(unit->textOf(call("Battery_getVoltageLevel")), "text");
         bus->play("UP = 'org.freedesktop.UPower'\n"
                   "manager = service(UP, '/org/freedesktop/UPower', UP)\n"
                   "manager.AddMethod(UP, 'EnumerateDevices', '', 's', 'ret = \"none\"')");
-        QTRY_COMPARE(kindOf(call("Battery_getVoltageLevel")), 104);
+        QTRY_COMPARE(call("Battery_getVoltageLevel").kind(), 104);
     }
 
     void batteryServiceIsLateAndDies()
@@ -396,13 +389,12 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
         bus->play(logind + "s', 'ret = \"challenge\"')");
         QCOMPARE(call("Config_getSuspendMaxTime").numbers, std::vector<double>{0});
         QCOMPARE(call("Config_setSuspendMaxTime", {0.0}).code, 0);
-        QCOMPARE(kindOf(call("Config_setSuspendMaxTime", {5.0})), 109);
+        QCOMPARE(call("Config_setSuspendMaxTime", {5.0}).kind(), 109);
         bus->play(logind + "s', 'ret = \"na\"')");
         QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
         bus->play(logind + "i', 'ret = 1')");
-        QCOMPARE(kindOf(call("Config_getSuspendMaxTime")), 104);
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s, R"({"config": false})");
+        QCOMPARE(call("Config_getSuspendMaxTime").kind(), 104);
+        unit->write("/etc/vornaux/unit.json"_s, R"({"config": false})");
         QCOMPARE(call("Config_getSuspendMaxTime").code, 2);
     }
 
@@ -418,7 +410,7 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
             QVERIFY(!bus->calls().contains("SetBrightness"));
             return;
         }
-        QCOMPARE(kindOf(answer), 101);
+        QCOMPARE(answer.kind(), 101);
         QVERIFY(unit->textOf(answer).contains("/sys/class/backlight/panel/brightness; "));
         bus->play(
             "session = service('org.freedesktop.login1', '/org/freedesktop/login1/session/auto', "
@@ -506,8 +498,7 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
         unit->write("/new.hex"_s, "MSCF");
         const auto path = QFile::encodeName(unit->path("/new.hex"_s));
         QCOMPARE(call("Firmware_startFrontUpgrade", {path.constData(), 0.0}).code, 2);
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s, R"({"firmware": {"front": "a1b2"}})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"firmware": {"front": "a1b2"}})");
         QCOMPARE(call("Firmware_startFrontUpgrade", {path.constData(), 0.0}).code, 0);
         QTRY_COMPARE(firmwareStatus().state, std::int32_t(FIRMWARE_DONE));
         QVERIFY(bus->calls().contains("Install \"a1b2\""));
@@ -519,8 +510,7 @@ manager.AddObject('/org/freedesktop/UDisks2/block_devices/mmcblk1', UD + '.Block
         QCOMPARE(call("Versions_getSSVersion").code, 2);
         unit->write("/sys/class/dmi/id/ec_firmware_release"_s, "1.20\n");
         QCOMPARE(call("Versions_getSSVersion").numbers, (std::vector<double>{1, 20, 0, 0}));
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s,
+        unit->write("/etc/vornaux/unit.json"_s,
             R"({"firmware": {"fpga": "a1b2", "front": "11111111-2222", "supervisor": "c3"}})");
         QCOMPARE(call("Versions_getFPGAVersion").code, 2); // nobody knows
         bus->play(fwupd("pass") + R"py(
@@ -532,7 +522,7 @@ fwupd.AddMethod(FW, 'GetDevices', '', 'aa{sv}', """ret = [
         QCOMPARE(call("Versions_getFPGAVersion").numbers, (std::vector<double>{2, 0, 17, 0}));
         QCOMPARE(call("Versions_getFrontVersion").numbers, (std::vector<double>{5, 6, 7, 8}));
         QCOMPARE(call("Versions_getSSVersion").code, 18);
-        unit->write("/unit.json"_s, R"({"firmware": false})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"firmware": false})");
         QCOMPARE(call("Versions_getFPGAVersion").code, 2);
         QCOMPARE(call("Versions_getSSVersion").numbers, (std::vector<double>{1, 20, 0, 0}));
     }
@@ -561,12 +551,11 @@ fwupd.AddMethod(FW, 'GetDevices', '', 'aa{sv}', """ret = [
     {
         QFETCH(QByteArray, signature);
         QFETCH(QByteArray, reply);
-        qputenv("VORNAUX_CONFIG", "/unit.json");
-        unit->write("/unit.json"_s, R"({"firmware": {"fpga": "a1b2"}})");
+        unit->write("/etc/vornaux/unit.json"_s, R"({"firmware": {"fpga": "a1b2"}})");
         bus->play(fwupd("pass") + "fwupd.AddMethod(FW, 'GetDevices', '', '" + signature +
                   "', \"\"\"" + reply + "\"\"\")\n");
         QFETCH(int, kind);
-        QTRY_COMPARE(kindOf(call("Versions_getFPGAVersion")), kind);
+        QTRY_COMPARE(call("Versions_getFPGAVersion").kind(), kind);
     }
 
 private:

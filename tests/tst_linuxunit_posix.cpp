@@ -16,12 +16,6 @@ using support::operator""_s;
 
 namespace {
 
-/** The kind of a code: what its number in front, which tells sentences apart, leaves. */
-int kindOf(const LinuxUnit::Answer &answer)
-{
-    return answer.code % 1000;
-}
-
 constexpr const char *panel = "/sys/class/backlight/rpi_backlight";
 
 void addPanel(const LinuxUnit &unit, const QByteArray &highest, const QByteArray &level)
@@ -171,7 +165,7 @@ private slots:
         LinuxUnit unit;
         unit.write("/state"_s, "no folder");
         const auto answer = unit.call("Settings_setString", {"Gsm", "COM1"});
-        QCOMPARE(kindOf(answer), 106);
+        QCOMPARE(answer.kind(), 106);
         QVERIFY2(unit.textOf(answer).contains("unit.db can't be used: Not a directory"),
             unit.textOf(answer).constData());
         // The sentence has a code of its own, and keeps it.
@@ -186,10 +180,10 @@ private slots:
         QCOMPARE(unit.call("Settings_getString", {"Gsm"}).code, 26);
         unit.write("/state/vornaux/unit.db"_s, QByteArray(8192, 'x'));
         const auto answer = unit.call("Settings_getString", {"Gsm"});
-        QCOMPARE(kindOf(answer), 106);
+        QCOMPARE(answer.kind(), 106);
         QVERIFY2(unit.textOf(answer).endsWith("unit.db can't be used: file is not a database"),
             unit.textOf(answer).constData());
-        QCOMPARE(kindOf(unit.call("Settings_setString", {"Gsm", "COM1"})), 106);
+        QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).kind(), 106);
         unit.remove("/state/vornaux/unit.db"_s);
         unit.releaseAll();
         QCOMPARE(unit.call("Settings_setString", {"Gsm", "COM1"}).code, 0);
@@ -228,7 +222,7 @@ private slots:
         addPanel(unit, "255\n", "100\n");
         unit.write("/etc/vornaux/unit.json"_s, text);
         const auto answer = unit.call("Backlight_getIntensity");
-        QCOMPARE(kindOf(answer), 105);
+        QCOMPARE(answer.kind(), 105);
         const auto told = unit.textOf(answer);
         QVERIFY2(told.startsWith("/etc/vornaux/unit.json, line "), told.constData());
         QVERIFY2(told.contains(words), told.constData());
@@ -301,7 +295,7 @@ private slots:
         unit.remove(QLatin1String(panel) + "/brightness"_s);
         unit.link(QLatin1String(panel) + "/brightness"_s, "/proc/self/mem");
         const auto answer = unit.call("Backlight_getIntensity");
-        QCOMPARE(kindOf(answer), 102);
+        QCOMPARE(answer.kind(), 102);
         QCOMPARE(
             unit.textOf(answer), QByteArray("Reading /sys/class/backlight/rpi_backlight/brightness "
                                             "failed: Input/output error"));
@@ -344,7 +338,7 @@ private slots:
         else
             unit.remove(QLatin1String(panel) + "/brightness"_s);
         const auto answer = unit.call("Backlight_getIntensity");
-        QCOMPARE(kindOf(answer), spoilt.kind);
+        QCOMPARE(answer.kind(), spoilt.kind);
         QVERIFY2(unit.textOf(answer).contains(spoilt.words), unit.textOf(answer).constData());
         unit.write(QLatin1String(panel) + "/brightness"_s, "7\n");
         QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{7});
@@ -362,7 +356,7 @@ private slots:
             QCOMPARE(unit.call("Backlight_getIntensity").numbers, std::vector<double>{3});
             return;
         }
-        QCOMPARE(kindOf(answer), 101);
+        QCOMPARE(answer.kind(), 101);
         QVERIFY2(
             unit.textOf(answer).startsWith("No permission to write "
                                            "/sys/class/backlight/rpi_backlight/brightness; add "
@@ -415,9 +409,9 @@ private slots:
         unit.write(folder + "/in_illuminance_raw"_s, "16777216\n");
         QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{65535});
         unit.write(folder + "/in_illuminance_raw"_s, "-9\n");
-        QCOMPARE(kindOf(unit.call("LightSensor_getIlluminance")), 104);
+        QCOMPARE(unit.call("LightSensor_getIlluminance").kind(), 104);
         unit.write(folder + "/in_illuminance_raw"_s, "inf\n");
-        QCOMPARE(kindOf(unit.call("LightSensor_getIlluminance")), 104);
+        QCOMPARE(unit.call("LightSensor_getIlluminance").kind(), 104);
         unit.remove(folder);
         QCOMPARE(unit.call("LightSensor_getIlluminance").code, 18);
     }
@@ -468,8 +462,8 @@ private slots:
         unit.write(folder + "/in_illuminance_raw"_s, "400\n");
         unit.write(folder + "/in_illuminance_scale"_s, "0.5\n");
         unit.write(folder + "/in_illuminance_scale_available"_s, available);
-        QTEST(kindOf(unit.call("LightSensor_getOperatingRange")), "kind");
-        QTEST(kindOf(unit.call("LightSensor_setOperatingRange", {0.0})), "kind");
+        QTEST(unit.call("LightSensor_getOperatingRange").kind(), "kind");
+        QTEST(unit.call("LightSensor_setOperatingRange", {0.0}).kind(), "kind");
         QCOMPARE(unit.read(folder + "/in_illuminance_scale"_s), QByteArray("0.5\n"));
     }
 
@@ -614,7 +608,7 @@ private slots:
         "board": {"chip": "gone"},
         "processor": [{"chip": "coretemp", "label": "Package id 0", "kind": "box"}]}})");
         const auto nonsense = unit.call("Diagnostics_getSSTemp");
-        QCOMPARE(kindOf(nonsense), 104);
+        QCOMPARE(nonsense.kind(), 104);
         QVERIFY(unit.textOf(nonsense).endsWith("temp1_input tells of -280 degrees C"));
         QCOMPARE(unit.call("Diagnostics_getPCBTemp").code, 18);
         QCOMPARE(unit.call("Diagnostics_getPMTemp", {0.0}).numbers, (std::vector<double>{51, 1}));
@@ -763,10 +757,10 @@ private slots:
         QCOMPARE(unit.call("Battery_getPowerSource").numbers, std::vector<double>{1});
         write("BAT1/health", "Dead\n");
         const auto dead = unit.call("Battery_getHwErrorStatus");
-        QCOMPARE(kindOf(dead), 104);
+        QCOMPARE(dead.kind(), 104);
         QVERIFY(unit.textOf(dead).endsWith("health tells of \"Dead\""));
         write("BAT1/capacity", "65535\n");
-        QCOMPARE(kindOf(unit.call("Battery_getVoltageLevel")), 104);
+        QCOMPARE(unit.call("Battery_getVoltageLevel").kind(), 104);
         write("BAT1/present", "0\n");
         QCOMPARE(unit.call("Battery_isAvailable").numbers, std::vector<double>{0});
         QCOMPARE(unit.call("Battery_getVoltageLevel").code, 18);
@@ -925,7 +919,7 @@ private slots:
         QCOMPARE(unit.call("FrontLED_setNrOfPulses", {2.0}).code, 18);
         QCOMPARE(unit.call("FrontLED_getNrOfPulses").numbers, std::vector<double>{99});
         unit.link(folder + "/pattern"_s, "/proc/self/mem");
-        QCOMPARE(kindOf(unit.call("FrontLED_setNrOfPulses", {2.0})), 103);
+        QCOMPARE(unit.call("FrontLED_setNrOfPulses", {2.0}).kind(), 103);
     }
 
     void multicolorLedKeepsItsOrder()
@@ -1006,7 +1000,7 @@ private slots:
         QCOMPARE(unit.call("Config_setStartupTriggerConfig", {4.0}).code, 5);
         QCOMPARE(unit.call("Config_getShortButtonPressAction").numbers, std::vector<double>{2});
         QCOMPARE(unit.call("Config_setLongButtonPressAction", {2.0}).code, 5); // no word for it
-        QCOMPARE(kindOf(unit.call("Config_getLongButtonPressAction")), 104);
+        QCOMPARE(unit.call("Config_getLongButtonPressAction").kind(), 104);
         QCOMPARE(unit.call("Config_getPowerOnStartup").numbers, std::vector<double>{1});
         QCOMPARE(unit.call("Config_setPowerOnStartup", {0.0}).code, 0);
         QCOMPARE(unit.read(folder + "power_on"_s), QByteArray("0"));
@@ -1034,12 +1028,12 @@ private slots:
         "heatingTempLimit": {"file": "/sys/devices/platform/supervisor/value"},
         "canStartupPower": {"file": "/sys/devices/platform/supervisor/value", "values": ["off", "on"]}}})");
         unit.write(file, content);
-        QTEST(kindOf(unit.call("Config_getHeatingTempLimit")), "ofNumber");
-        QTEST(kindOf(unit.call("Config_getCanStartupPowerConfig")), "ofWords");
+        QTEST(unit.call("Config_getHeatingTempLimit").kind(), "ofNumber");
+        QTEST(unit.call("Config_getCanStartupPowerConfig").kind(), "ofWords");
         unit.remove(file);
         unit.link(file, "/proc/self/mem"); // EIO
-        QCOMPARE(kindOf(unit.call("Config_getHeatingTempLimit")), 102);
-        QCOMPARE(kindOf(unit.call("Config_setHeatingTempLimit", {0.0})), 103);
+        QCOMPARE(unit.call("Config_getHeatingTempLimit").kind(), 102);
+        QCOMPARE(unit.call("Config_setHeatingTempLimit", {0.0}).kind(), 103);
         unit.remove(file);
         unit.write(file, "on\n");
         QVERIFY(QFile::setPermissions(unit.path(file), QFile::ReadOwner));

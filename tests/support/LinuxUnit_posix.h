@@ -26,6 +26,9 @@ public:
         DeviceCode code = -1;
         std::vector<double> numbers; ///< out values in their order; fields of a record likewise
         QByteArray text;
+
+        /** The kind of the code: what its number in front, which tells sentences apart, leaves. */
+        DeviceCode kind() const { return code % 1000; }
     };
     using Value = std::variant<double, const char *>;
 
