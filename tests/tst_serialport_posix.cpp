@@ -97,6 +97,7 @@ double processorSeconds()
 std::function<int(pollfd *, nfds_t, int)> pollInstead;
 std::function<int(int, int *)> queueInstead; // the bytes that wait to be sent
 std::function<int()> drainInstead;
+std::function<int(const char *)> openInstead;
 
 int failure(int error)
 {
@@ -113,6 +114,8 @@ int systemIoctl(int handle, unsigned long request, void *argument) __asm__("__re
 int testIoctl(int handle, unsigned long request, void *argument) __asm__("__wrap_ioctl");
 int systemDrain(int handle) __asm__("__real_tcdrain");
 int testDrain(int handle) __asm__("__wrap_tcdrain");
+int systemOpen(const char *path, int flags, mode_t mode) __asm__("__real_open");
+int testOpen(const char *path, int flags, mode_t mode) __asm__("__wrap_open");
 int systemStat(int handle, struct stat *status) __asm__("__real_fstat");
 int testStat(int handle, struct stat *status) __asm__("__wrap_fstat");
 }
@@ -143,6 +146,11 @@ int testDrain(int handle)
     return drainInstead ? drainInstead() : systemDrain(handle);
 }
 
+int testOpen(const char *path, int flags, mode_t mode)
+{
+    return openInstead ? openInstead(path) : systemOpen(path, flags, mode);
+}
+
 class SerialPortPosixTest : public SerialTest
 {
     Q_OBJECT
@@ -154,6 +162,7 @@ private slots:
         pollInstead = {};
         queueInstead = {};
         drainInstead = {};
+        openInstead = {};
     }
 
     void namesThatAreNoLine_data()
@@ -202,6 +211,20 @@ private slots:
         const QByteArray path = line.path();
         QVERIFY(path.startsWith("/dev/"));
         QVERIFY(Port(serialOpen(path.constData() + 5)) != nullptr);
+    }
+
+    // They count from 1, the system's own lines from 0.
+    void comNamesAreTheSystemsLines()
+    {
+        QList<QByteArray> asked;
+        openInstead = [&asked](const char *path) {
+            asked << path;
+            return failure(ENOENT);
+        };
+        for (const char *name : {"COM1", "COM3", "COM999", "COM1000", "com3", "ttyUSB0", "/x/COM3"})
+            QCOMPARE(serialOpen(name), nullptr);
+        QCOMPARE(asked, (QList<QByteArray>{"/dev/ttyS0", "/dev/ttyS2", "/dev/ttyS998",
+                            "/dev/COM1000", "/dev/com3", "/dev/ttyUSB0", "/x/COM3"}));
     }
 
     void comNamesLieInTheFolder()
