@@ -1,6 +1,7 @@
 ; The installer. makensis gets PARTS, a folder with the files of the program, of the virtual unit and of
-; the tools, each in a folder of its own, and lists of them; VERSION, four numbers; OUTPUT, the file to
-; write; and SIGN, a command that signs the uninstaller, or nothing.
+; the tools, each in a folder of its own, and lists of them; VERSION, four numbers; QT, 6 or 5, on which it
+; depends what Windows is asked for; OUTPUT, the file to write; and SIGN, a command that signs the
+; uninstaller, or nothing.
 ;
 ; Silent: VornSettings-setup.exe /S [/UNIT | /DEMO] [/TOOLS] [/D=C:\Another folder]
 ;         (/D comes last, without quotes)
@@ -15,6 +16,7 @@ SetCompressor /SOLID lzma
 !include LogicLib.nsh
 !include MUI2.nsh
 !include TextFunc.nsh
+!include WinVer.nsh
 
 Name "VornSettings"
 OutFile "${OUTPUT}"
@@ -32,7 +34,11 @@ VIAddVersionKey "CompanyName" "Vorn"
 VIAddVersionKey "ProductName" "VornSettings"
 VIAddVersionKey "ProductVersion" "${VERSION}"
 VIAddVersionKey "FileVersion" "${VERSION}"
-VIAddVersionKey "FileDescription" "VornSettings installer"
+!if ${QT} == 5
+    VIAddVersionKey "FileDescription" "VornSettings installer for Windows 7 and 8"
+!else
+    VIAddVersionKey "FileDescription" "VornSettings installer"
+!endif
 VIAddVersionKey "LegalCopyright" ""
 
 InstType "A unit: the program alone, for the unit's own device library"
@@ -211,8 +217,32 @@ SectionEnd
     ${EndIf}
 !macroend
 
+; Qt doesn't start on older ones, and says so in words that help nobody.
+Function refuseOlderWindows
+    !if ${QT} == 5
+        StrCpy $0 "This VornSettings needs Windows 7 with Service Pack 1, or a later Windows."
+        ${If} ${AtLeastWin8}
+            Return
+        ${EndIf}
+        ${If} ${IsWin7}
+        ${AndIf} ${AtLeastServicePack} 1
+            Return
+        ${EndIf}
+    !else
+        StrCpy $0 "This VornSettings needs Windows 10 or later. \
+            For Windows 7 and 8 there is VornSettings-${VERSION}-windows7-setup.exe."
+        ${If} ${AtLeastWin10}
+            Return
+        ${EndIf}
+    !endif
+    MessageBox MB_ICONSTOP|MB_OK $0 /SD IDOK
+    SetErrorLevel 3
+    Quit
+FunctionEnd
+
 ; Without a word of the caller's: as before, and at first what is safe on a unit.
 Function .onInit
+    Call refuseOlderWindows
     SetRegView 64
     ReadRegStr $3 HKLM "${OWN}" "Kind"
     ReadRegStr $4 HKLM "${OWN}" "Folder"

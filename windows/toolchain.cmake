@@ -9,7 +9,11 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
 if(NOT VORN_WINDOWS_LIBRARIES)
-    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/libraries --path
+    set(options --path)
+    if(VORN_QT STREQUAL "Qt5")
+        list(PREPEND options --qt5)
+    endif()
+    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/libraries ${options}
         OUTPUT_VARIABLE VORN_WINDOWS_LIBRARIES OUTPUT_STRIP_TRAILING_WHITESPACE
         COMMAND_ERROR_IS_FATAL ANY)
 endif()
