@@ -231,7 +231,11 @@ Function refuseOlderWindows
     !else
         StrCpy $0 "This VornSettings needs Windows 10 or later. \
             For Windows 7 and 8 there is VornSettings-${VERSION}-windows7-setup.exe."
+        ; Wine says Windows 7 until it is told otherwise, and has what Qt asks for all the same.
+        System::Call 'kernel32::GetModuleHandle(t "ntdll.dll") p .r1'
+        System::Call 'kernel32::GetProcAddress(p r1, m "wine_get_version") p .r1'
         ${If} ${AtLeastWin10}
+        ${OrIf} $1 P<> 0
             Return
         ${EndIf}
     !endif
