@@ -413,7 +413,9 @@ private slots:
         dialogs.take(); // of the board's library
         QCOMPARE(timeless(page.info->toPlainText()), timeless(plain.toPlainText()));
         QVERIFY(page.info->blockCount() < plain.blockCount());
-        QCOMPARE(page.info->document()->lineCount(), plain.document()->lineCount());
+        // Qt 5 on Windows counts one line more, of 92,798.
+        const int lines = plain.document()->lineCount();
+        QVERIFY(qAbs(page.info->document()->lineCount() - lines) <= (QT_VERSION_MAJOR == 5 ? 1 : 0));
         QCOMPARE(page.info->verticalScrollBar()->value(), 0);
         QCOMPARE(page.info->textCursor().position(), 0);
 
@@ -441,9 +443,10 @@ private slots:
         QScrollBar *bar = page.info->verticalScrollBar();
         QVERIFY2(bar->maximum() > 100'000, qPrintable(QString::number(bar->maximum())));
         bar->setValue(50'000);
-        QVERIFY(qAbs(bar->value() - 50'000) <= 1); // Qt 5 takes the next line
+        // Qt 5 takes one of the next lines.
+        QVERIFY2(qAbs(bar->value() - 50'000) <= 3, qPrintable(QString::number(bar->value())));
         bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
-        QVERIFY(bar->value() > 50'001 && bar->value() < 50'100);
+        QVERIFY(bar->value() > 50'003 && bar->value() < 50'100);
         bar->setValue(bar->maximum());
         const QPoint bottom = page.info->viewport()->rect().bottomLeft();
         const int left = page.info->document()->characterCount() -
