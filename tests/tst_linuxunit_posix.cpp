@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <map>
 #include <set>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -392,6 +393,61 @@ private slots:
         ::close(writer);
     }
 
+    void slowDevicesDoNotBlock_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QStringList>("stuck");
+        const auto row = [](const char *name, const char *operation, const QStringList &stuck) {
+            QTest::newRow(name) << QString::fromLatin1(operation) << stuck;
+        };
+        const auto sensor = "/sys/class/hwmon/hwmon0/"_s;
+        const auto battery = "/sys/class/power_supply/BAT0/"_s;
+        const auto light = "/sys/bus/iio/devices/iio:device0/in_illuminance_"_s;
+        row("broken sensor", "Diagnostics_getPMTemp", {sensor + "temp1_fault"_s});
+        row("broken board", "Diagnostics_getPCBTemp",
+            {sensor + "temp1_fault"_s, sensor + "temp1_input"_s});
+        row("slot", "Battery_isAvailable", {battery + "present"_s});
+        row("gauge", "Battery_getVoltageLevel",
+            {battery + "present"_s, battery + "charge_now"_s, battery + "charge_full"_s});
+        row("health", "Battery_getChargingStatus", {battery + "health"_s});
+        row("charger", "Battery_getPowerSource",
+            {"/sys/class/power_supply/AC/online"_s, battery + "status"_s});
+        row("serial", "Battery_getSerialNumber", {battery + "serial_number"_s});
+        row("scale", "LightSensor_getIlluminance", {light + "scale"_s});
+        row("light", "LightSensor_getIlluminance",
+            {light + "scale"_s, light + "offset"_s, light + "raw"_s});
+    }
+
+    /** Whatever a driver has to ask its hardware for, alone or together. */
+    void slowDevicesDoNotBlock()
+    {
+        QFETCH(QString, operation);
+        QFETCH(QStringList, stuck);
+        LinuxUnit unit;
+        const std::map<const char *, const char *> files{{"hwmon/hwmon0/name", "lm75\n"},
+            {"hwmon/hwmon0/temp1_input", "40000\n"}, {"power_supply/BAT0/type", "Battery\n"},
+            {"power_supply/BAT0/status", "Not charging\n"}, {"power_supply/AC/type", "Mains\n"}};
+        for (const auto &[name, content] : files)
+            unit.write("/sys/class/"_s + QLatin1String(name), content);
+        unit.write("/sys/bus/iio/devices/iio:device0/in_illuminance_raw"_s, "209\n");
+        for (const auto &file : stuck) {
+            unit.write(file, "");
+            unit.remove(file);
+            QCOMPARE(::mkfifo(QFile::encodeName(unit.path(file)).constData(), 0600), 0);
+        }
+        QElapsedTimer timer;
+        timer.start();
+        std::vector<LinuxUnit::Value> given;
+        if (operation.endsWith("PMTemp"_s))
+            given.emplace_back(0.0);
+        unit.call(operation.toLatin1().constData(), given);
+        QVERIFY2(timer.elapsed() < 150, qPrintable(QString::number(timer.elapsed())));
+        unit.releaseAll();
+        // Whoever waits for a file gets its end, and the threads go.
+        for (const auto &file : stuck)
+            ::close(::open(QFile::encodeName(unit.path(file)).constData(), O_RDWR | O_NONBLOCK));
+    }
+
     void illuminanceIsScaled()
     {
         LinuxUnit unit;
@@ -414,6 +470,37 @@ private slots:
         QCOMPARE(unit.call("LightSensor_getIlluminance").kind(), 104);
         unit.remove(folder);
         QCOMPARE(unit.call("LightSensor_getIlluminance").code, 18);
+    }
+
+    void valuesBeyondAllNumbers()
+    {
+        LinuxUnit unit;
+        const auto light = "/sys/bus/iio/devices/iio:device0"_s;
+        unit.write(light + "/name"_s, "als\n");
+        unit.write(light + "/in_illuminance_raw"_s, "1e200\n");
+        unit.write(light + "/in_illuminance_scale"_s, "1e200\n");
+        QCOMPARE(unit.call("LightSensor_getIlluminance").kind(), 104);
+        // Neither infinite nor 0.
+        unit.write(light + "/in_illuminance_raw"_s, "1.7e308\n");
+        unit.write(light + "/in_illuminance_offset"_s, "1.7e308\n");
+        unit.write(light + "/in_illuminance_scale"_s, "0\n");
+        QCOMPARE(unit.call("LightSensor_getIlluminance").kind(), 104);
+        unit.write("/sys/class/hwmon/hwmon0/name"_s, "ina226\n");
+        unit.write("/sys/class/hwmon/hwmon0/in1_input"_s, "12040\n");
+        unit.write("/etc/vornaux/unit.json"_s, R"({"adc": {"rails": [
+        {"channel": 2, "chip": "ina226", "factor": 1e308}]}})");
+        QCOMPARE(unit.call("Adc_getVoltage", {2.0}).kind(), 104);
+        // It would be the first sensor if it were cut to 32 bits.
+        unit.write("/etc/vornaux/unit.json"_s, R"({"adc": {"rails": [
+        {"channel": 2, "chip": "ina226", "number": 4294967296}]}})");
+        QCOMPARE(unit.call("Adc_getVoltage", {2.0}).kind(), 105);
+        unit.remove("/etc/vornaux/unit.json"_s);
+        unit.write("/sys/class/hwmon/hwmon1/name"_s, "lm75\n");
+        unit.write("/sys/class/hwmon/hwmon1/temp1_input"_s, "1e300\n");
+        const auto hot = unit.call("Diagnostics_getPCBTemp");
+        QCOMPARE(hot.kind(), 104);
+        QVERIFY2(unit.textOf(hot).endsWith("temp1_input tells of 1e+297 degrees C"),
+            unit.textOf(hot).constData());
     }
 
     void lightRangeIsTheScale()
@@ -628,6 +715,17 @@ private slots:
         QCOMPARE(unit.call("Diagnostics_getPMTemp", {64.0}).code, 7);
     }
 
+    /** The kernel makes a chip of a power supply, and writes its name another way. */
+    void batteriesAreNoSensors()
+    {
+        LinuxUnit unit;
+        unit.write("/sys/class/power_supply/sbs-9-000b/type"_s, "Battery\n");
+        unit.write("/sys/class/hwmon/hwmon0/name"_s, "sbs_9_000b\n");
+        unit.write("/sys/class/hwmon/hwmon0/temp1_input"_s, "26000\n");
+        unit.link("/sys/class/hwmon/hwmon0/device"_s, "../../power_supply/sbs-9-000b");
+        QCOMPARE(unit.call("Diagnostics_getPMTemp", {0.0}).code, 2);
+    }
+
     void railsAreMapped()
     {
         LinuxUnit unit;
@@ -748,6 +846,11 @@ private slots:
         QCOMPARE(unit.call("Battery_getHwErrorStatus").numbers, std::vector<double>{0});
         QCOMPARE(unit.call("Battery_getSerialNumber").text, QByteArray("123"));
         QCOMPARE(unit.call("Battery_getTimes").code, 2);
+        // What feeds a pen doesn't feed the machine.
+        write("pen_charger/type", "Wireless\n");
+        write("pen_charger/scope", "Device\n");
+        write("pen_charger/online", "1\n");
+        QCOMPARE(unit.call("Battery_getPowerSource").numbers, std::vector<double>{0});
         write("AC/online", "1\n");
         write("BAT1/status", "Not charging\n");
         write("BAT1/health", "Cold\n");
@@ -936,6 +1039,29 @@ private slots:
         QCOMPARE(unit.read(folder + "/brightness"_s), QByteArray("255"));
         QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{15, 1, 0}));
         QCOMPARE(unit.call("FrontLED_setSignal", {1.0, 100.0}).code, 0);
+    }
+
+    /** Somebody else's light: the driver shows of each intensity what the brightness leaves. */
+    void multicolorLedOfOthers()
+    {
+        LinuxUnit unit;
+        const auto folder = "/sys/class/leds/rgb:status"_s;
+        unit.write(folder + "/max_brightness"_s, "255\n");
+        unit.write(folder + "/brightness"_s, "128\n");
+        unit.write(folder + "/multi_index"_s, "red green blue\n");
+        unit.write(folder + "/multi_intensity"_s, "255 128 0\n");
+        unit.write("/etc/vornaux/unit.json"_s, R"({"frontLed": {"multicolor": "rgb:status"}})");
+        QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{8, 4, 0}));
+        unit.write(folder + "/brightness"_s, "9223372036854775807\n");
+        QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{15, 8, 0}));
+        // With one colour, which has an intensity all the same, and isn't one of the contract's.
+        unit.write(folder + "/multi_index"_s, "white\n");
+        unit.write(folder + "/multi_intensity"_s, "255\n");
+        QCOMPARE(unit.call("FrontLED_getColor").numbers, (std::vector<double>{0, 0, 0}));
+        unit.write(folder + "/multi_index"_s, "green\n");
+        QCOMPARE(unit.call("FrontLED_setColor", {3.0, 5.0, 0.0}).code, 0);
+        QCOMPARE(unit.read(folder + "/multi_intensity"_s), QByteArray("85"));
+        QCOMPARE(unit.read(folder + "/brightness"_s), QByteArray("255"));
     }
 
     void settingsAreMapped()

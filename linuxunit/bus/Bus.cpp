@@ -3,7 +3,6 @@
 #include "linuxunit/bus/Connection.h"
 #include "linuxunit/calls/Failure.h"
 #include "linuxunit/calls/handles.h"
-#include "linuxunit/kernel/Reading.h"
 
 #include <condition_variable>
 #include <map>
@@ -108,11 +107,6 @@ BusCall BusCall::properties(
     const std::string &service, const std::string &path, const std::string &interface)
 {
     return {service, path, "org.freedesktop.DBus.Properties", "GetAll", {interface}};
-}
-
-Deadline soon()
-{
-    return Clock::now() + longestWait;
 }
 
 json readFromBus(const BusCall &call, Deadline until)

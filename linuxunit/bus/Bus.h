@@ -1,6 +1,7 @@
 #pragma once
 
 #include "linuxunit/bus/message.h"
+#include "linuxunit/kernel/Reading.h"
 
 #include <chrono>
 #include <memory>
@@ -27,10 +28,6 @@ struct BusCall {
     static BusCall properties(
         const std::string &service, const std::string &path, const std::string &interface);
 };
-
-/** Until when a caller can wait that has several readings to make. */
-using Deadline = std::chrono::steady_clock::time_point;
-Deadline soon();
 
 /** The answer as it is now, waited for for 100 ms at most; else the last one, if that isn't older
  *  than 5 s; else 18. The call goes on, and its answer serves the next one. For what changes

@@ -1,7 +1,10 @@
 #include "linuxunit/calls/Failure.h"
 
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <mutex>
 
@@ -112,6 +115,27 @@ std::string errnoText(int number)
 {
     const char *text = strerrordesc_np(number);
     return text ? text : "error " + std::to_string(number);
+}
+
+std::string printable(std::string_view text)
+{
+    constexpr std::size_t shown = 40;
+    std::string beginning(text.substr(0, shown));
+    for (char &byte : beginning) {
+        if (byte < ' ' || byte > '~')
+            byte = '?';
+    }
+    return beginning;
+}
+
+std::string roundedText(double number)
+{
+    constexpr double longest = 1e15;
+    if (std::abs(number) < longest)
+        return std::to_string(std::llround(number));
+    char digits[32];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    return {digits, end};
 }
 
 Failure readFailure(const std::string &path, int number)

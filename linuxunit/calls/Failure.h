@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace linuxunit {
 
@@ -57,6 +58,11 @@ const char *errorText(DeviceCode code);
 
 /** What an error number means, never translated: "Input/output error". */
 std::string errnoText(int number);
+
+/** For a sentence: the beginning of what a file or service says, "?" for what can't be shown. */
+std::string printable(std::string_view text);
+/** Likewise a number to the nearest whole one, or as it is where that has too many digits. */
+std::string roundedText(double number);
 
 /** A failed call on a file as what the contract makes of it: 18 for EAGAIN, ENODATA and what else
  *  says "not now", for a device that went while it was asked too; the rest with path and reason. */

@@ -27,16 +27,29 @@ bool isBatteryOfMachine(const std::string &folder)
     return textOf(folder + "/type") == "Battery" && textOf(folder + "/scope") != "Device";
 }
 
-/** Whether a charger feeds the machine; nothing without a charger. */
-std::optional<bool> isFed()
+/** A number that a driver may have to ask its hardware for; nothing if it isn't to be had. */
+std::optional<std::int64_t> slowNumberOf(const std::string &file, Deadline until)
+{
+    if (!exists(file))
+        return std::nullopt;
+    try {
+        return readSlowNumber(file, until);
+    } catch (const Failure &) {
+        return std::nullopt;
+    }
+}
+
+/** Whether a charger feeds the machine; nothing without a charger. What feeds a mouse, or a pen, is
+ *  none of it. */
+std::optional<bool> isFed(Deadline until)
 {
     std::optional<bool> fed;
     for (const auto &name : namesIn(supplies)) {
         const auto folder = below(name);
-        const auto online = numberOf(folder + "/online");
-        if (textOf(folder + "/type") == "Battery" || !online)
+        if (textOf(folder + "/type") == "Battery" || textOf(folder + "/scope") == "Device")
             continue;
-        fed = fed.value_or(false) || *online > 0;
+        if (const auto online = slowNumberOf(folder + "/online", until))
+            fed = fed.value_or(false) || *online > 0;
     }
     return fed;
 }
@@ -44,7 +57,7 @@ std::optional<bool> isFed()
 /** What was told in place of a value that can be. */
 Failure impossible(const std::string &source, double value, const char *what)
 {
-    const auto told = std::isfinite(value) ? std::to_string(std::lround(value)) : "no number";
+    const auto told = std::isfinite(value) ? roundedText(value) : "no number";
     return {UnexpectedContent, latin1(source + " tells of " + told + what)};
 }
 
@@ -93,18 +106,18 @@ std::int32_t powerSourceOf(int state, Deadline until)
 }
 
 /** Nothing if the kernel doesn't tell. */
-std::optional<double> percentOf(const std::string &folder)
+std::optional<double> percentOf(const std::string &folder, Deadline until)
 {
     if (exists(folder + "/capacity"))
-        return double(readSlowNumber(folder + "/capacity"));
+        return double(readSlowNumber(folder + "/capacity", until));
     for (const char *kind : {"/charge_", "/energy_"}) {
         const auto file = folder + kind;
         if (!exists(file + "now") || !exists(file + "full"))
             continue;
-        const double full = readSlowReal(file + "full");
+        const double full = readSlowReal(file + "full", until);
         if (full <= 0)
             throw Failure{NotAvailable, {}};
-        return readSlowReal(file + "now") / full * 100;
+        return readSlowReal(file + "now", until) / full * 100;
     }
     return std::nullopt;
 }
@@ -124,20 +137,20 @@ std::optional<std::string> Accumulator::find()
 }
 
 /** Empty if the kernel hasn't got it. */
-std::string Accumulator::folder()
+std::string Accumulator::folder(Deadline until)
 {
     const auto found = find();
     wasThere = wasThere || found || !Machine::present()->text("battery", "device").empty();
     // A slot without a battery.
-    if (found && numberOf(*found + "/present") == 0)
+    if (found && slowNumberOf(*found + "/present", until) == 0)
         throw Failure{NotAvailable, {}};
     return found.value_or("");
 }
 
 /** Empty if the kernel doesn't tell it, of this battery or of any. */
-std::string Accumulator::fileOf(const char *name)
+std::string Accumulator::fileOf(const char *name, Deadline until)
 {
-    const auto place = folder();
+    const auto place = folder(until);
     if (place.empty())
         return {};
     auto file = place + "/" + name;
@@ -147,7 +160,7 @@ std::string Accumulator::fileOf(const char *name)
 /** What UPower says of the battery. */
 json Accumulator::known(Deadline until)
 {
-    const auto place = folder();
+    const auto place = folder(until);
     if (!place.empty()) {
         const auto battery = upower::batteryOfKernel(place.substr(place.rfind('/') + 1), until);
         return battery ? *battery : throw Failure{NotSupported, {}};
@@ -165,7 +178,7 @@ bool Accumulator::isAvailable()
         throw Failure{NotSupported, {}};
     if (const auto found = find()) {
         wasThere = true;
-        return numberOf(*found + "/present").value_or(1) != 0;
+        return slowNumberOf(*found + "/present", soon()).value_or(1) != 0;
     }
     const bool isKnown =
         upower::otherBattery(Machine::present()->text("battery", "device")).has_value();
@@ -175,11 +188,12 @@ bool Accumulator::isAvailable()
 
 std::uint8_t Accumulator::percent()
 {
-    if (const auto place = folder(); !place.empty()) {
-        if (const auto percent = percentOf(place))
+    const auto until = soon();
+    if (const auto place = folder(until); !place.empty()) {
+        if (const auto percent = percentOf(place, until))
             return checkedPercent(*percent, place);
     }
-    const auto battery = known();
+    const auto battery = known(until);
     // With a level of its own, "low" say, UPower makes up a percentage.
     constexpr int noLevel = 1;
     if (!battery.contains("Percentage") || valueOf(battery, "BatteryLevel", noLevel) != noLevel)
@@ -189,15 +203,17 @@ std::uint8_t Accumulator::percent()
 
 std::int32_t Accumulator::chargingStatus()
 {
-    const auto file = fileOf("status");
+    const auto until = soon();
+    const auto file = fileOf("status", until);
     if (file.empty())
-        return chargingStatusOf(valueOf(known(), "State", 0));
-    const auto status = readSlowText(file);
-    const auto health = textOf(fileOf("health")).value_or("");
+        return chargingStatusOf(valueOf(known(until), "State", 0));
+    const auto status = readSlowText(file, until);
     if (status == "Charging")
         return CHARGING_ACTIVE;
     if (status == "Full")
         return CHARGING_FULL;
+    const auto reason = status == "Not charging" ? fileOf("health", until) : std::string();
+    const auto health = reason.empty() ? std::nullopt : readSlowTexts({reason}, until).front();
     if (status == "Not charging" && health == "Cold")
         return CHARGING_TOO_COLD;
     if (status == "Not charging" && (health == "Overheat" || health == "Hot"))
@@ -209,14 +225,14 @@ std::int32_t Accumulator::chargingStatus()
 
 std::int32_t Accumulator::powerSource()
 {
-    const auto place = folder();
     const auto until = soon();
+    const auto place = folder(until);
     if (place.empty())
         return powerSourceOf(valueOf(known(until), "State", 0), until);
-    if (const auto fed = isFed())
+    if (const auto fed = isFed(until))
         return *fed ? POWER_EXTERNAL : POWER_BATTERY;
-    const auto file = fileOf("status");
-    const auto status = file.empty() ? std::string() : readSlowText(file);
+    const auto file = fileOf("status", until);
+    const auto status = file.empty() ? std::string() : readSlowText(file, until);
     if (status == "Discharging")
         return POWER_BATTERY;
     if (status == "Charging" || status == "Full" || status == "Not charging")
@@ -226,9 +242,10 @@ std::int32_t Accumulator::powerSource()
 
 std::int16_t Accumulator::celsius()
 {
-    if (const auto file = fileOf("temp"); !file.empty())
-        return checkedCelsius(readSlowReal(file) / 10, file);
-    const auto celsius = valueOf(known(), "Temperature", 0.0);
+    const auto until = soon();
+    if (const auto file = fileOf("temp", until); !file.empty())
+        return checkedCelsius(readSlowReal(file, until) / 10, file);
+    const auto celsius = valueOf(known(until), "Temperature", 0.0);
     if (celsius == 0) // as UPower says that there is none
         throw Failure{NotSupported, {}};
     return checkedCelsius(celsius, daemonName);
@@ -236,13 +253,14 @@ std::int16_t Accumulator::celsius()
 
 std::int32_t Accumulator::errorStatus()
 {
-    const auto file = fileOf("health");
+    const auto until = soon();
+    const auto file = fileOf("health", until);
     if (file.empty()) {
-        if (folder().empty())
-            known();
+        if (folder(until).empty())
+            known(until);
         throw Failure{NotSupported, {}}; // nor does UPower say
     }
-    const auto health = readSlowText(file);
+    const auto health = readSlowText(file, until);
     for (const char *sound : {"Good", "Warm", "Cool", "Hot", "Cold", "Overheat"}) {
         if (health == sound)
             return BATTERY_NO_ERROR;
@@ -255,21 +273,23 @@ std::int32_t Accumulator::errorStatus()
         return BATTERY_NOT_INITIATED;
     if (health == "Unknown" || health == "No battery" || health.empty())
         throw Failure{NotAvailable, {}};
-    throw Failure{UnexpectedContent, latin1(file + " tells of \"" + health.substr(0, 40) + "\"")};
+    throw Failure{UnexpectedContent, file + " tells of \"" + printable(health) + "\""};
 }
 
 std::string Accumulator::name()
 {
-    const auto place = folder();
-    return place.empty() ? upower::nameOf(known()) : place.substr(place.rfind('/') + 1);
+    const auto until = soon();
+    const auto place = folder(until);
+    return place.empty() ? upower::nameOf(known(until)) : place.substr(place.rfind('/') + 1);
 }
 
 std::string Accumulator::text(const char *file, const char *property)
 {
-    const auto path = fileOf(file);
-    auto text = path.empty() ? std::string() : readText(path);
+    const auto until = soon();
+    const auto path = fileOf(file, until);
+    auto text = path.empty() ? std::string() : readSlowText(path, until); // some are in the gauge
     if (isPlaceholder(text))
-        text = valueOf(known(), property, std::string());
+        text = valueOf(known(until), property, std::string());
     if (isPlaceholder(text))
         throw Failure{NotSupported, {}};
     return latin1(text);

@@ -31,9 +31,9 @@ public:
 
 private:
     std::optional<std::string> find();
-    std::string folder();
-    std::string fileOf(const char *name);
-    nlohmann::json known(Deadline until = soon());
+    std::string folder(Deadline until);
+    std::string fileOf(const char *name, Deadline until);
+    nlohmann::json known(Deadline until);
     std::string text(const char *file, const char *property);
 
     bool wasThere = false;

@@ -156,10 +156,10 @@ std::string blockName(const json &objects, const Drive &drive)
 }
 
 /** The register has two areas, and steps of ten percent: 1 is up to 10 % used, 11 is beyond all. */
-std::uint8_t cardLifetime(const json &objects, const Drive &drive)
+std::uint8_t cardLifetime(const json &objects, const Drive &drive, Deadline until)
 {
     const auto path = "/sys/block/" + blockName(objects, drive) + "/device/life_time";
-    std::istringstream text(readSlowText(path));
+    std::istringstream text(readSlowText(path, until));
     int worst = 0;
     for (int area = 0; text >> std::hex >> area;)
         worst = std::max(worst, area);
@@ -189,7 +189,7 @@ std::uint8_t Drives::lifetime(unsigned number) const
         return nvmeLifetime(drive, until);
     if (drive.interfaces.contains(ataType))
         return ataLifetime(drive, until);
-    return cardLifetime(objects, drive);
+    return cardLifetime(objects, drive, until);
 }
 
 } // namespace linuxunit

@@ -191,15 +191,6 @@ void keep(Store &store, const FrontLed::Color &color)
         store.setNumber(keyOf(i), color[i]);
 }
 
-/** Where it blinks, an LED of several colours has them in another file. */
-std::int64_t blinkLevel(
-    const FrontLed::Color &color, const std::vector<unsigned> &components, std::int64_t top)
-{
-    if (components.size() == 1)
-        return levelOf(color, components.front(), top);
-    return isDark(color) ? 0 : top;
-}
-
 void startTrigger(const std::string &folder, const std::string &trigger, std::int64_t level,
     const FrontLed::Signal &signal, const FrontLed::Train &train)
 {
@@ -219,10 +210,11 @@ std::vector<FrontLed::Lamp> FrontLed::find() const
     if (machine->section("frontLed").is_null())
         throw Failure{NotSupported, {}};
     std::vector<Lamp> lamps;
-    const auto add = [&](const std::string &name, const std::vector<unsigned> &components) {
+    const auto add = [&](const std::string &name, const std::vector<unsigned> &components,
+                         bool isMulticolor) {
         if (!exists(folderOf(name)))
             throw Failure{NotAvailable, {}};
-        lamps.push_back({name, components});
+        lamps.push_back({name, components, isMulticolor});
     };
     if (const auto name = machine->text("frontLed", "multicolor"); !name.empty()) {
         std::vector<unsigned> order;
@@ -230,12 +222,12 @@ std::vector<FrontLed::Lamp> FrontLed::find() const
             const auto *const found = std::find(std::begin(colorNames), std::end(colorNames), word);
             order.push_back(unsigned(found - std::begin(colorNames))); // 3 for one unknown to us
         }
-        add(name, order);
+        add(name, order, true);
         return lamps;
     }
     for (unsigned i = 0; i < std::size(colorNames); ++i) {
         if (const auto name = machine->text("frontLed", colorNames[i]); !name.empty())
-            add(name, {i});
+            add(name, {i}, false);
     }
     if (lamps.empty())
         throw Failure{NotSupported, {}};
@@ -249,24 +241,25 @@ FrontLed::Color FrontLed::color()
     const auto kept = keptColor(store);
     Color shown{};
     const auto component = [](std::int64_t value, std::int64_t top) {
-        return std::uint8_t(
-            std::clamp<std::int64_t>((value * topOfColor + top / 2) / top, 0, topOfColor));
+        const auto level = std::clamp<std::int64_t>(value, 0, top);
+        return std::uint8_t((level * topOfColor + top / 2) / top);
     };
     for (const auto &lamp : lamps) {
         const auto top = highest(lamp.name);
         const auto level = readNumber(folderOf(lamp.name) + "/brightness");
-        if (lamp.components.size() == 1) {
+        if (!lamp.isMulticolor) {
             shown[lamp.components.front()] = component(level, top);
             continue;
         }
-        const auto parts = wordsOf(readText(folderOf(lamp.name) + "/multi_intensity"));
+        const auto file = folderOf(lamp.name) + "/multi_intensity";
+        const auto parts = wordsOf(readText(file));
         for (std::size_t i = 0; i < parts.size() && i < lamp.components.size(); ++i) {
+            // What is shown of an intensity is as much as the LED's brightness is of its top.
+            const auto intensity = std::clamp<std::int64_t>(numberIn(file, parts[i]), 0, top);
+            const auto bright = std::clamp<std::int64_t>(level, 0, top);
             if (lamp.components[i] < shown.size())
-                shown[lamp.components[i]] =
-                    component(numberIn(folderOf(lamp.name) + "/multi_intensity", parts[i]), top);
+                shown[lamp.components[i]] = component((intensity * bright + top / 2) / top, top);
         }
-        if (level == 0)
-            shown = {};
     }
     // In the dark phase of its blinking, off, or coarser than the contract's steps.
     return isDark(kept) ? shown : kept;
@@ -276,7 +269,7 @@ void FrontLed::show(const std::vector<Lamp> &lamps, const Color &color)
 {
     for (const auto &lamp : lamps) {
         const auto top = highest(lamp.name);
-        if (lamp.components.size() == 1) {
+        if (!lamp.isMulticolor) {
             writeBrightness("leds", lamp.name, levelOf(color, lamp.components.front(), top));
             continue;
         }
@@ -295,7 +288,10 @@ void FrontLed::blink(
         const auto folder = folderOf(lamp.name);
         if (!exists(folder + "/trigger"))
             continue;
-        const auto level = blinkLevel(color, lamp.components, highest(lamp.name));
+        // Where it blinks, an LED of several colours has them in another file.
+        const auto top = highest(lamp.name);
+        const auto level = !lamp.isMulticolor ? levelOf(color, lamp.components.front(), top)
+                                              : (isDark(color) ? 0 : top);
         const auto trigger = triggerFor(lamp.name, signal, train);
         if (!trigger.empty() && level > 0)
             startTrigger(folder, trigger, level, signal, train);

@@ -49,6 +49,7 @@ private:
     struct Lamp {
         std::string name;                 ///< below /sys/class/leds
         std::vector<unsigned> components; ///< of the colour, in the order of the LED
+        bool isMulticolor;                ///< it may be so with a single component, too
     };
 
     std::vector<Lamp> find() const;

@@ -128,7 +128,7 @@ void Radios::switchTo(const std::string &type, bool on) const
     for (const auto &folder : folders) {
         writeText(folder + "/soft", on ? "0" : "1", rulesRemedy);
         if (on && readNumber(folder + "/hard") != 0)
-            throw Failure{WriteFailed, textOf(folder + "/name").value_or(type) +
+            throw Failure{WriteFailed, printable(textOf(folder + "/name").value_or(type)) +
                                            " is held off by a switch on the machine"};
     }
 }

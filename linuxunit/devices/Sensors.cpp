@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <tuple>
@@ -94,10 +95,13 @@ ProcessorSensorKind kindNamed(const std::string &name)
     return ProcessorSensorKind(found - std::begin(names));
 }
 
-bool isBattery(const std::string &chip)
+/** The kernel makes a chip of each power supply: of the supply's name, where "-" has become "_".
+ *  @param parent name of the chip's device */
+bool isBattery(const std::string &chip, const std::string &parent)
 {
-    const auto place = below("/sys/class/power_supply", chip);
-    return exists(place) || chip.starts_with("BAT") || chip.starts_with("ucsi_source_psy");
+    constexpr const char *supplies = "/sys/class/power_supply";
+    return exists(below(supplies, chip)) || (!parent.empty() && exists(below(supplies, parent))) ||
+           chip.starts_with("BAT") || chip.starts_with("ucsi_source_psy");
 }
 
 void addChips(std::vector<Temperature> &all, std::set<std::string> &zonesOfChips)
@@ -106,7 +110,7 @@ void addChips(std::vector<Temperature> &all, std::set<std::string> &zonesOfChips
         const auto parent = linkName(chip.folder + "/device");
         if (parent.starts_with("thermal_zone"))
             zonesOfChips.insert(parent);
-        if (isBattery(chip.name))
+        if (isBattery(chip.name, parent))
             continue;
         for (const auto &input : inputsOf(chip, "temp")) {
             const auto file = below(chip.folder, input);
@@ -151,10 +155,29 @@ const Sensor *findNamed(const std::vector<Sensor> &all, const nlohmann::json &wa
     return nullptr;
 }
 
-bool isFaulty(const Temperature &sensor)
+/** Where the chip tells that the sensor is broken, which it may have to be asked for; empty if it
+ *  can't tell. */
+std::string faultFileOf(const Temperature &sensor)
 {
-    const auto file = sensor.file.substr(0, sensor.file.size() - inputEnding.size());
-    return sensor.file.ends_with(inputEnding) && numberOf(file + "_fault").value_or(0) != 0;
+    if (!sensor.file.ends_with(inputEnding))
+        return {};
+    auto file = sensor.file.substr(0, sensor.file.size() - inputEnding.size()) + "_fault";
+    return exists(file) ? file : std::string();
+}
+
+bool isSet(const std::string &file, const std::optional<std::string> &flag)
+{
+    try {
+        return flag && numberIn(file, *flag) != 0;
+    } catch (const Failure &) {
+        return false;
+    }
+}
+
+bool isFaulty(const Temperature &sensor, Deadline until)
+{
+    const auto file = faultFileOf(sensor);
+    return !file.empty() && isSet(file, readSlowTexts({file}, until).front());
 }
 
 /** The sensors of the walk: those of the configuration in its order, else all. */
@@ -225,8 +248,7 @@ std::int16_t celsiusIn(const std::string &file, double thousandths)
     constexpr double hottest = 1000; // no sensor of a computer is there to tell more
     const double celsius = thousandths / 1000;
     if (!(celsius >= absoluteZero && celsius <= hottest))
-        throw Failure{UnexpectedContent,
-            file + " tells of " + std::to_string(std::lround(celsius)) + " degrees C"};
+        throw Failure{UnexpectedContent, file + " tells of " + roundedText(celsius) + " degrees C"};
     return std::int16_t(std::lround(celsius));
 }
 
@@ -238,9 +260,10 @@ std::int16_t Thermometers::named(const char *which)
         throw Failure{NotSupported, {}};
     const auto all = findTemperatures();
     const auto *sensor = findNamed(all, wanted);
-    if (!sensor || isFaulty(*sensor))
+    const auto until = soon();
+    if (!sensor || isFaulty(*sensor, until))
         throw Failure{NotAvailable, {}};
-    return celsiusIn(sensor->file, readSlowReal(sensor->file));
+    return celsiusIn(sensor->file, readSlowReal(sensor->file, until));
 }
 
 std::int16_t Thermometers::supervisor()
@@ -253,9 +276,10 @@ std::int16_t Thermometers::board()
     const auto machine = Machine::present();
     if (machine->part("temperatures", "board").is_object())
         return named("board");
+    const auto until = soon();
     for (const auto &sensor : findTemperatures()) {
-        if (sensor.kind == SENSOR_BOARD && !isFaulty(sensor))
-            return celsiusIn(sensor.file, readSlowReal(sensor.file));
+        if (sensor.kind == SENSOR_BOARD && !isFaulty(sensor, until))
+            return celsiusIn(sensor.file, readSlowReal(sensor.file, until));
     }
     throw Failure{NotSupported, {}};
 }
@@ -265,12 +289,21 @@ void Thermometers::look()
     seen.clear();
     const auto sensors = walkedSensors();
     std::vector<std::string> files;
-    files.reserve(sensors.size());
+    files.reserve(2 * sensors.size());
     for (const auto &sensor : sensors)
         files.push_back(sensor.file);
+    std::map<std::string, std::size_t> faults; // places of their texts, by the sensor's file
+    for (const auto &sensor : sensors) {
+        auto fault = faultFileOf(sensor);
+        if (fault.empty())
+            continue;
+        faults[sensor.file] = files.size();
+        files.push_back(std::move(fault));
+    }
     const auto texts = readSlowTexts(files);
     for (std::size_t i = 0; i < sensors.size(); ++i) {
-        if (!texts[i] || isFaulty(sensors[i]))
+        const auto fault = faults.find(files[i]);
+        if (!texts[i] || (fault != faults.end() && isSet(fault->first, texts[fault->second])))
             continue;
         try {
             seen.push_back({sensors[i], celsiusIn(files[i], realIn(files[i], *texts[i]))});
@@ -314,7 +347,11 @@ double railVoltage(std::uint32_t channel)
             voltage->isIio
                 ? readIio(voltage->folder, voltage->input)
                 : readSlowReal(below(voltage->folder, voltage->input) + std::string(inputEnding));
-        return millivolts / 1000 * rail.value("factor", 1.0);
+        const double volts = millivolts / 1000 * rail.value("factor", 1.0);
+        if (!std::isfinite(volts))
+            throw Failure{UnexpectedContent,
+                below(voltage->folder, voltage->input) + " tells of no voltage that can be"};
+        return volts;
     }
     throw Failure{NotSupported, {}};
 }

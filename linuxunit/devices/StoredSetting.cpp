@@ -47,9 +47,8 @@ std::string chosenIn(const std::string &text)
 
 Failure beyond(const std::string &path, const std::string &text)
 {
-    constexpr std::size_t shown = 40;
-    return {UnexpectedContent, latin1(path + " holds \"" + text.substr(0, shown) +
-                                      "\", which is none of the setting's values")};
+    return {UnexpectedContent,
+        latin1(path) + " holds \"" + printable(text) + "\", which is none of the setting's values"};
 }
 
 } // namespace

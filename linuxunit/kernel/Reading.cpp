@@ -188,16 +188,22 @@ Ticket request(const std::shared_ptr<Pool> &own, const std::string &path)
 
 } // namespace
 
-std::string readSlowText(const std::string &path)
+Deadline soon()
+{
+    return Clock::now() + longestWait;
+}
+
+std::string readSlowText(const std::string &path, Deadline until)
 {
     const auto own = presentPool();
     std::unique_lock lock(own->mutex);
     const auto ticket = request(own, path);
-    own->done.wait_for(lock, longestWait, [&] { return ticket.isServed(); });
+    own->done.wait_until(lock, until, [&] { return ticket.isServed(); });
     return ticket.result();
 }
 
-std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::string> &paths)
+std::vector<std::optional<std::string>> readSlowTexts(
+    const std::vector<std::string> &paths, Deadline until)
 {
     const auto own = presentPool();
     std::unique_lock lock(own->mutex);
@@ -205,7 +211,7 @@ std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::str
     tickets.reserve(paths.size());
     for (const auto &path : paths)
         tickets.push_back(request(own, path));
-    own->done.wait_for(lock, longestWait, [&] {
+    own->done.wait_until(lock, until, [&] {
         return std::all_of(
             tickets.begin(), tickets.end(), [](const Ticket &ticket) { return ticket.isServed(); });
     });
@@ -220,14 +226,14 @@ std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::str
     return texts;
 }
 
-std::int64_t readSlowNumber(const std::string &path)
+std::int64_t readSlowNumber(const std::string &path, Deadline until)
 {
-    return numberIn(path, readSlowText(path));
+    return numberIn(path, readSlowText(path, until));
 }
 
-double readSlowReal(const std::string &path)
+double readSlowReal(const std::string &path, Deadline until)
 {
-    return realIn(path, readSlowText(path));
+    return realIn(path, readSlowText(path, until));
 }
 
 void forgetReading(const std::string &path)

@@ -16,12 +16,17 @@ namespace linuxunit {
 inline constexpr std::chrono::milliseconds longestWait{90}; ///< the rest is for what surrounds it
 inline constexpr std::chrono::seconds keptFor{5};
 
+/** Until when a caller can wait that has several readings to make. */
+using Deadline = std::chrono::steady_clock::time_point;
+Deadline soon();
+
 /** First line of the file, as readText(). */
-std::string readSlowText(const std::string &path);
+std::string readSlowText(const std::string &path, Deadline until = soon());
 /** The same of several files at once, within the same time; nothing for those that fail. */
-std::vector<std::optional<std::string>> readSlowTexts(const std::vector<std::string> &paths);
-std::int64_t readSlowNumber(const std::string &path);
-double readSlowReal(const std::string &path);
+std::vector<std::optional<std::string>> readSlowTexts(
+    const std::vector<std::string> &paths, Deadline until = soon());
+std::int64_t readSlowNumber(const std::string &path, Deadline until = soon());
+double readSlowReal(const std::string &path, Deadline until = soon());
 /** What was read of that file, or is being read, answers no later call: it holds something else
  * now. */
 void forgetReading(const std::string &path);

@@ -78,13 +78,8 @@ bool isBefore(const std::string &one, const std::string &other)
 
 Failure noNumber(const std::string &path, const std::string &text)
 {
-    constexpr std::size_t shown = 40;
-    std::string printable = text.substr(0, shown);
-    for (char &byte : printable) {
-        if (static_cast<unsigned char>(byte) < ' ' || static_cast<unsigned char>(byte) > '~')
-            byte = '?';
-    }
-    return {UnexpectedContent, path + " holds \"" + printable + "\" where a number is expected"};
+    return {
+        UnexpectedContent, path + " holds \"" + printable(text) + "\" where a number is expected"};
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "linuxunit/kernel/Reading.h"
 
 #include <cctype>
+#include <cmath>
 #include <optional>
 
 namespace linuxunit {
@@ -65,12 +66,18 @@ double readIio(const std::string &folder, const std::string &channel)
     const auto path = std::string(folder).append("/").append(channel);
     if (exists(path + "_input"))
         return readSlowReal(path + "_input");
-    const auto scale = iioFile(folder, channel, "_scale");
-    if (!scale)
+    const auto scaleFile = iioFile(folder, channel, "_scale");
+    if (!scaleFile)
         throw Failure{NotAvailable, {}};
-    const auto offset = iioFile(folder, channel, "_offset");
-    const double raw = readSlowReal(path + "_raw");
-    return (raw + (offset ? readReal(*offset) : 0)) * readReal(*scale);
+    const auto offsetFile = iioFile(folder, channel, "_offset");
+    // A driver gives these two behind the lock that it holds while it measures.
+    const auto until = soon();
+    const double scale = readSlowReal(*scaleFile, until);
+    const double offset = offsetFile ? readSlowReal(*offsetFile, until) : 0;
+    const double value = (readSlowReal(path + "_raw", until) + offset) * scale;
+    if (!std::isfinite(value))
+        throw Failure{UnexpectedContent, path + "_raw and its scale are no number together"};
+    return value;
 }
 
 } // namespace linuxunit

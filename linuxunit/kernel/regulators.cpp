@@ -37,8 +37,7 @@ bool isRegulatorOn(const std::string &name)
         return state == "enabled";
     if (state == "unknown" || state.empty())
         throw Failure{NotAvailable, {}};
-    throw Failure{
-        UnexpectedContent, latin1(folder + "/state tells of \"" + state.substr(0, 40) + "\"")};
+    throw Failure{UnexpectedContent, folder + "/state tells of \"" + printable(state) + "\""};
 }
 
 void switchRegulator(const std::string &name, bool on)
