@@ -26,6 +26,7 @@ private slots:
         QTest::newRow("reply") << Check(checkModemReply) << "reply"_s;
 #ifdef VORN_LINUXUNIT
         QTest::newRow("unitfile") << Check(checkUnitFile) << "unitfile"_s;
+        QTest::newRow("kernelfiles") << Check(checkKernelFiles) << "kernelfiles"_s;
 #endif
         QTest::newRow("trace") << Check(checkTrace) << "trace"_s;
     }

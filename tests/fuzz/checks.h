@@ -23,3 +23,8 @@ void checkTrace(const std::uint8_t *bytes, std::size_t size);
 
 /** A description of a machine for the Linux unit, unit.json. */
 void checkUnitFile(const std::uint8_t *bytes, std::size_t size);
+
+/** The kernel's files of a machine, some of which hold these bytes, through the Linux unit: what
+ * its operations answer is what the files say. VORN_FUZZED_UNIT is the unit's library, null for the
+ *  program itself. */
+void checkKernelFiles(const std::uint8_t *bytes, std::size_t size);
