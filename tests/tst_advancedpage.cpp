@@ -775,11 +775,19 @@ private slots:
         QCOMPARE(boxes(&page), QStringList(verified()));
     }
 
+    void pausesBeforeResult_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::newRow("success") << 0;
+        QTest::newRow("failure") << 5;
+    }
+
     void pausesBeforeResult()
     {
+        QFETCH(int, code);
         Page page;
         prepare(page, jobs[4], "/tmp/a.hex"_s);
-        questions.answers.append({FIRMWARE_DONE, 100, 0});
+        questions.answers.append({FIRMWARE_DONE, 100, code});
         bool barShows = true;
         pauses.reset();
         pauses =

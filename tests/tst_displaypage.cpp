@@ -317,12 +317,17 @@ private slots:
         child<QLabel>(&page, "labelKLevel")->clear();
         calls();
         fault("Backlight_getIntensity"_s, code);
+        const bool absent = code == DEVICE_NOT_SUPPORTED;
+        if (!absent)
+            planBox([&] {
+                return text(page, "labelBLLevel") + (timer.isActive() ? ", goes on"_s : QString());
+            });
         QVERIFY(timer.fire());
+        QCOMPARE(behindBox(), absent ? QString() : "0, goes on"_s);
         QCOMPARE(calls(), (QStringList{"Backlight_getIntensity() = %1"_s.arg(code),
                               "Backlight_getHealthStatus() = 0 [true]"_s}));
         QCOMPARE(text(page, "labelKLevel"), "8"_s);
         QCOMPARE(text(page, "label_hwstatus1"), "status: OK"_s);
-        const bool absent = code == DEVICE_NOT_SUPPORTED;
         QCOMPARE(
             boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIntensity"_s)});
         QCOMPARE(child<QSlider>(&page, "sliderBacklightLevel")->isVisible(), !absent);
@@ -425,8 +430,10 @@ private slots:
         page.show();
         fault(operation, code);
         calls();
+        planBox([&] { return text(page, "labelBLLevel"); });
         type(page, "sliderBacklightLevel", Qt::Key_Right);
         click(&page, "checkBoxLedDim");
+        QCOMPARE(behindBox(), "1"_s);
         QCOMPARE(calls(),
             failing({"Backlight_setIntensity(1) = 0"_s, "Backlight_setLedDimming(0) = 0"_s},
                 operation, code));

@@ -368,8 +368,11 @@ private slots:
         tabLEDDlg page;
         page.show();
         page.hide();
-        openFailing(page, operation, code, operation);
         const bool absent = code == DEVICE_NOT_SUPPORTED;
+        if (!absent)
+            planBox([&] { return child<QComboBox>(&page, "comboBoxColor")->currentText(); });
+        openFailing(page, operation, code, operation);
+        QCOMPARE(behindBox(), absent ? QString() : "Blue"_s);
         QCOMPARE(child<QComboBox>(&page, "comboBoxColor")->isVisible(), !absent);
         QCOMPARE(child<QComboBox>(&page, "comboBoxColor")->currentIndex(), absent ? 1 : 6);
     }
@@ -383,8 +386,11 @@ private slots:
         tabLEDDlg page;
         page.show();
         page.hide();
-        openFailing(page, operation, code, operation);
         const bool absent = code == DEVICE_NOT_SUPPORTED;
+        if (!absent)
+            planBox([&] { return text(page, "label_customcolor"); });
+        openFailing(page, operation, code, operation);
+        QCOMPARE(behindBox(), absent ? QString() : "R:0 G:0 B:15"_s);
         QCOMPARE(child<QLabel>(&page, "label_customcolor")->isVisible(), !absent);
         QCOMPARE(text(page, "label_customcolor"), absent ? "R:0 G:0 B:15"_s : "Undefined"_s);
         QCOMPARE(swatch(page), grey);
@@ -420,9 +426,12 @@ private slots:
         QFETCH(QString, operation);
         QFETCH(int, code);
         tabLEDDlg page;
-        openFailing(page, operation, code, "getEnabledDuringStartup"_s);
         const bool absent = code == DEVICE_NOT_SUPPORTED;
         const auto *group = child<QGroupBox>(&page, "groupFrontLED");
+        if (!absent)
+            planBox([&] { return group->isEnabled() ? "enabled"_s : "disabled"_s; });
+        openFailing(page, operation, code, "getEnabledDuringStartup"_s);
+        QCOMPARE(behindBox(), absent ? QString() : "enabled"_s);
         QCOMPARE(group->isVisible(), !absent);
         QCOMPARE(group->isEnabled(), absent);
         QCOMPARE(button(page), "On"_s);
@@ -455,7 +464,9 @@ private slots:
         tabLEDDlg page;
         open(page);
         fault(operation, code);
+        planBox([&] { return button(page); });
         click(&page, "buttonOff");
+        QCOMPARE(behindBox(), "On out of step"_s); // the caption comes last
         QCOMPARE(calls(), QStringList{"FrontLED_setOff() = %1"_s.arg(code)});
         QCOMPARE(boxes(&page), QStringList{errorBox(code, "setOff"_s)});
         QCOMPARE(button(page), "Off"_s);
@@ -577,8 +588,12 @@ private slots:
         QFETCH(int, code);
         tabLEDDlg page;
         open(page);
+        click(&page, "buttonOff");
+        calls();
         fault(operation, code);
+        planBox([&] { return button(page); });
         QTest::keyClick(child<QComboBox>(&page, "comboBoxColor"), Qt::Key_Up);
+        QCOMPARE(behindBox(), "Off"_s);
         const auto read = operation == "FrontLED_setStandardColor"_s
                               ? readBlue
                               : "FrontLED_getColor() = 0 [15, 0, 0]"_s;
@@ -666,7 +681,9 @@ private slots:
         tabLEDDlg page;
         open(page);
         fault(operation, code);
+        planBox([&] { return text(page, "labelDutyC"); });
         QTest::keyClick(child<QSlider>(&page, "sliderDutyC"), Qt::Key_Right);
+        QCOMPARE(behindBox(), "Duty cycle\n 50% on"_s);
         QCOMPARE(calls(), QStringList{"FrontLED_setSignal(2, 51) = %1"_s.arg(code)});
         QCOMPARE(boxes(&page), QStringList{errorBox(code, "setSignal"_s)});
         QCOMPARE(text(page, "labelDutyC"), "Duty cycle\n 51% on"_s);
@@ -724,8 +741,11 @@ private slots:
         tabLEDDlg page;
         open(page);
         fault(operation, code);
+        planBox([&] { return button(page); });
         QTest::keyClick(child<QSpinBox>(&page, "spinBoxPulses"), Qt::Key_Up);
         QTest::keyClick(child<QSpinBox>(&page, "spinBoxIdleTime"), Qt::Key_Down);
+        // The change of the pulses, if it was a good one, has switched it on.
+        QCOMPARE(behindBox(), operation == "FrontLED_setIdleTime"_s ? "On"_s : "Off"_s);
         const auto send = "FrontLED_setSignal(2, 0) = 0"_s;
         QCOMPARE(calls(), failing({send, "FrontLED_setNrOfPulses(4) = 0"_s, send,
                                       "FrontLED_setIdleTime(9) = 0"_s},
@@ -784,10 +804,12 @@ private slots:
         tabLEDDlg page;
         open(page);
         fault(operation, code, 1);
+        const auto *group = child<QGroupBox>(&page, "groupFrontLED");
+        planBox([&] { return group->isEnabled() ? "enabled"_s : "disabled"_s; });
         click(&page, "checkEnFrontLED");
+        QCOMPARE(behindBox(), "enabled"_s);
         QCOMPARE(calls(), QStringList{"FrontLED_setEnabledDuringStartup(1) = %1"_s.arg(code)});
         QCOMPARE(boxes(&page), QStringList{errorBox(code, "setEnabledDuringStartup"_s)});
-        const auto *group = child<QGroupBox>(&page, "groupFrontLED");
         QVERIFY(!group->isEnabled());
         page.hide();
         page.show();

@@ -97,14 +97,13 @@ private slots:
             "Off disabled: Cannot be started when automatic backlight is running"_s;
         for (int opening = 0; opening < 2; ++opening) {
             calls();
-            QString buttonBehind;
-            planBox(page, buttonBehind);
+            planBox([&] { return button(page); });
             page.show();
             QCOMPARE(calls(), QStringList{"LightSensor_startAverageCalc(1, 0, 100, 0) = 20"_s});
             QCOMPARE(boxes(&page),
                 QStringList{errorBox(20,
                     "startAverageCalc.\r\nThe light sensor cannot be started when automatic backlight is running.\r\nError"_s)});
-            QCOMPARE(buttonBehind, refused);
+            QCOMPARE(behindBox(), refused);
             QCOMPARE(button(page), refused);
             QVERIFY(!timer.isActive());
             calls();
@@ -138,15 +137,14 @@ private slots:
         const HeldTimer timer(&page);
         calls();
         fault(operation, code);
-        QString buttonBehind;
-        planBox(page, buttonBehind);
+        planBox([&] { return button(page); });
         page.show();
         QCOMPARE(calls(), failing({start}, operation, code));
         const bool refused = code == DEVICE_AUTOMATIC_BACKLIGHT_RUNS;
         QCOMPARE(button(page),
             refused ? "Off disabled: Cannot be started when automatic backlight is running"_s
                     : "Off disabled: Error: startAverageCalc"_s);
-        QCOMPARE(buttonBehind, button(page));
+        QCOMPARE(behindBox(), button(page));
         const QStringList texts = boxes(&page);
         QCOMPARE(texts.size(), 1);
         if (!refused)
@@ -503,14 +501,6 @@ private:
         if (!button->toolTip().isEmpty())
             state += ": "_s + button->toolTip();
         return state;
-    }
-    /** Accepts the next box, and tells what the button is behind it. */
-    void planBox(const tabLightSensorDlg &page, QString &buttonBehind)
-    {
-        dialogs.plan([this, &page, &buttonBehind](QDialog *box) {
-            buttonBehind = button(page);
-            box->accept();
-        });
     }
 };
 

@@ -639,6 +639,26 @@ private slots:
         dialogs.take();
     }
 
+    // A page that has something to tell when it shows does so below the former title.
+    void titleFollowsThePage()
+    {
+        fault("Versions_getVornAuxVersion"_s, 5);
+        VornSettings window;
+        window.show();
+        QString title;
+        QString shown;
+        dialogs.plan([&](QDialog *box) {
+            title = titleStrip(window);
+            shown = visibleClass(window);
+            box->accept();
+        });
+        window.showTab(1);
+        QCOMPARE(dialogs.take().size(), 1);
+        QCOMPARE(title, "Menu"_s);
+        QCOMPARE(shown, "tabVersionDlg"_s);
+        QCOMPARE(titleStrip(window), "Version"_s);
+    }
+
     void dimmedEntryLeadsNowhere()
     {
         setUnit("Hardware.hasDisplay"_s, "0"_s);

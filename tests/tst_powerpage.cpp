@@ -123,7 +123,18 @@ private slots:
                 checkedBefore << box->objectName();
         }
         fault(operation, code);
+        const auto disabledBoxes = [&page] {
+            QStringList names;
+            for (const auto *box : page.findChildren<QCheckBox *>()) {
+                if (!box->isEnabled())
+                    names << box->objectName();
+            }
+            return "disabled: "_s + names.join(QLatin1Char(' '));
+        };
+        if (code != 2)
+            planBox(disabledBoxes);
         mode->setCurrentIndex(now ? 1 : 0);
+        QCOMPARE(behindBox(), code == 2 ? QString() : "disabled: "_s);
         QCOMPARE(pageCalls(), failing(now ? currentReads : startupReads, operation, code));
         for (const auto *box : page.findChildren<QCheckBox *>()) {
             QCOMPARE(box->isVisible(), !(affected(box) && code == 2));

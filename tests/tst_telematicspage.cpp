@@ -303,10 +303,13 @@ private slots:
         QFETCH(int, code);
         fault(operation, code);
         tabTelematicsDlg page;
-        page.show();
         const bool startup = operation.contains("StartUp"_s);
         const bool antenna = operation.contains("Antenna"_s);
         const bool silent = startup || (code == 2 && !antenna);
+        if (antenna)
+            planBox([&] { return child<QLabel>(&page, "label_GPSantenna")->text(); });
+        page.show();
+        QCOMPARE(behindBox(), antenna ? "GPS antenna status: OK"_s : QString()); // the form's
         const QString name = operation.mid(int(qstrlen("Telematics_")));
         QCOMPARE(boxes(&page), silent ? QStringList() : QStringList({errorBox(code, name)}));
         for (const auto *box : page.findChildren<QCheckBox *>()) {
@@ -551,7 +554,12 @@ private slots:
     {
         tabTelematicsDlg page;
         page.show();
+        const auto *toggle = child<QWidget>(&page, "buttonToggleData");
+        planBox([&] {
+            return text(page, "editGpsDate") + (toggle->isVisible() ? " with button"_s : QString());
+        });
         tabs(page)->setCurrentIndex(1);
+        QCOMPARE(behindBox(), "INVALID"_s);
         const auto seen = dialogs.take();
         QCOMPARE(seen.size(), 1);
         QCOMPARE(seen[0].title, "Vornsettings"_s);
@@ -559,7 +567,7 @@ private slots:
         QCOMPARE(seen[0].icon, QMessageBox::Critical);
         QVERIFY(!gpsPort.load());
         // The tab stays usable, and its thread has nothing to read.
-        QVERIFY(child<QWidget>(&page, "buttonToggleData")->isVisible());
+        QVERIFY(toggle->isVisible());
         QElapsedTimer clock;
         clock.start();
         tabs(page)->setCurrentIndex(0);
@@ -635,15 +643,23 @@ private slots:
         const QStringList gpsPower{"Telematics_getGPSPowerStatus() = 0 [1]"_s};
 
         {
-            SkippedPauses pauses;
+            bool isOpen = false;
+            SkippedPauses pauses([&](int) { isOpen = gsmPort; });
             tabs(page)->setCurrentIndex(2);
             QCOMPARE(pauses.take(), std::vector<int>{50}); // for the line to settle
+            QVERIFY(isOpen);
         }
         QCOMPARE(calls(), status + gsmPower);
         tabs(page)->setCurrentIndex(0);
         QCOMPARE(calls(), status);
 
-        tabs(page)->setCurrentIndex(1);
+        {
+            bool isOpen = false;
+            SkippedPauses pauses([&](int) { isOpen = gpsPort.load(); });
+            tabs(page)->setCurrentIndex(1);
+            QCOMPARE(pauses.take(), std::vector<int>{50});
+            QVERIFY(isOpen);
+        }
         QStringList made;
         QVERIFY(QTest::qWaitFor([&] { return (made += calls()).size() == 12; }));
         QCOMPARE(made, status + gpsPower +
@@ -766,7 +782,14 @@ private slots:
         tabTelematicsDlg page;
         page.show();
         child<QLineEdit>(&page, "lineEditGSMdev")->setText("COM17"_s);
+        setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
         tabs(page)->setCurrentIndex(2);
+        tabs(page)->setCurrentIndex(0);
+        setUnit("Telematics.gprsPowerStatus"_s, "1"_s);
+        const auto *send = child<QWidget>(&page, "pushButtonCall");
+        planBox([&] { return send->isEnabled() ? "ready"_s : "refused"_s; });
+        tabs(page)->setCurrentIndex(2);
+        QCOMPARE(behindBox(), "ready"_s);
         const auto seen = dialogs.take();
         QCOMPARE(seen.size(), 1);
         QCOMPARE(seen[0].title, "Vornsettings"_s);
@@ -795,6 +818,22 @@ private slots:
         QVERIFY(!gsmPort);
         tabs(page)->setCurrentIndex(2);
         QVERIFY2(gsmPort, "nobody else holds it");
+    }
+
+    void failureComesBeforeTheViewsAreCleared()
+    {
+        useLines();
+        setUnit("Telematics.gprsPowerStatus"_s, "0"_s);
+        tabTelematicsDlg page;
+        page.show();
+        tabs(page)->setCurrentIndex(2);
+        fault("Telematics_getWLANPowerStatus"_s, 5);
+        const auto *console = child<QPlainTextEdit>(&page, "textEditGSM");
+        planBox([&] { return console->toPlainText(); });
+        tabs(page)->setCurrentIndex(0);
+        QCOMPARE(behindBox(), "Please enable GSM/GPRS power!"_s);
+        QCOMPARE(boxes(&page), QStringList{errorBox(5, "getWLANPowerStatus"_s)});
+        QCOMPARE(console->toPlainText(), QString());
     }
 
     void gsmTabInTheGpsTabsPlace_data()

@@ -615,6 +615,22 @@ private slots:
         QCOMPARE(pauses->take(), oneDump);
     }
 
+    void dumpPausesBeforeEachRead()
+    {
+        Page page;
+        calls();
+        QStringList made;
+        pauses.reset();
+        pauses = std::make_unique<SkippedPauses>([&](int) { made += calls() << "pause"_s; });
+        page.show();
+        made += calls();
+        QStringList expected{made.value(0)};
+        for (const QString &call : dumpCalls())
+            expected << "pause"_s << call;
+        QCOMPARE(made, expected);
+        QVERIFY(made.first().startsWith("Touch_getMode("_s));
+    }
+
     void calibrates_data()
     {
         QTest::addColumn<int>("points");

@@ -173,3 +173,16 @@ QStringList PageTest::boxes(const QWidget *page)
         texts << (box.parent == page ? QString() : "elsewhere: "_s) + box.text + difference(box);
     return texts;
 }
+
+void PageTest::planBox(std::function<QString()> shown)
+{
+    dialogs.plan([this, shown = std::move(shown)](QDialog *box) {
+        shownBehindBox = shown();
+        box->accept();
+    });
+}
+
+QString PageTest::behindBox()
+{
+    return std::exchange(shownBehindBox, {});
+}

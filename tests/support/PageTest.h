@@ -5,6 +5,8 @@
 #include <QComboBox>
 #include <QTimer>
 
+#include <functional>
+
 namespace support {
 
 /** The captions of a list's items, in order. */
@@ -78,4 +80,13 @@ protected:
      *  boxes in title, text format, icon, buttons, modality and parent says so beside its text, as
      *  support::box() has it. */
     QStringList boxes(const QWidget *page);
+
+    /** Accepts the next box, and keeps what this tells of the page while it is open. A box must
+     * come. */
+    void planBox(std::function<QString()> shown);
+    /** That, once; empty if no box has come. */
+    QString behindBox();
+
+private:
+    QString shownBehindBox;
 };
