@@ -177,6 +177,12 @@ private slots:
             return;
         }
         QCOMPARE(boxes(&page), QStringList(errorBox(code, "getDigIO"_s)));
+        // The next showing tells it anew.
+        page.hide();
+        page.show();
+        QCOMPARE(calls(), asked);
+        QCOMPARE(timer.isActive(), false);
+        QCOMPARE(boxes(&page), QStringList(errorBox(code, "getDigIO"_s)));
     }
 
     void hiddenInputsStayHidden()

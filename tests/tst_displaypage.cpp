@@ -335,8 +335,15 @@ private slots:
         QCOMPARE(timer.isActive(), absent);
         page.hide();
         page.show();
+        // The same once more, as often as the page shows,
+        QVERIFY(timer.fire());
+        QCOMPARE(
+            boxes(&page), absent ? QStringList() : QStringList{errorBox(code, "getIntensity"_s)});
+        QCOMPARE(timer.isActive(), absent);
+        page.hide();
+        page.show();
         QVERIFY(timer.isActive());
-        // The intensity that was read last is still the known one.
+        // and then the intensity that was read last is still the known one.
         clearFaults();
         calls();
         QVERIFY(timer.fire());
