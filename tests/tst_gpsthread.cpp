@@ -24,6 +24,8 @@ namespace {
 
 constexpr int patience = 20'000; // milliseconds that a slow machine may take
 
+std::atomic<bool> openAtRelease{false}; ///< the line, when the thread's handle was given back
+
 constexpr char rmc[] = "$GPRMC,123519.000,A,4807.038,N,01131.000,E,022.4,084.4,230324,,,A*00\r\n";
 
 /** For a thread, which closes it. */
@@ -110,6 +112,15 @@ public:
 };
 
 } // namespace
+
+/** Stands before the library's own operation, to which it hands on. */
+void Telematics_release(TelematicsHandle handle)
+{
+    using Operation = void (*)(TelematicsHandle);
+    static const auto library = reinterpret_cast<Operation>(deviceProcedure("Telematics_release"));
+    openAtRelease = gpsPort != nullptr;
+    library(handle);
+}
 
 class GpsThreadTest : public DeviceTest
 {
@@ -467,6 +478,18 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(reader.labels.size(), 2, 6000);
         QVERIFY(reader.stop());
         QVERIFY(reader.labels.size() <= 3); // one for each silence: no spinning
+        QVERIFY(gpsPort == nullptr);
+    }
+
+    void handleGoesBeforeTheLine()
+    {
+        PseudoTerminal line;
+        gpsPort = openLine(line);
+        openAtRelease = false;
+        Reader reader;
+        reader.start();
+        QVERIFY(reader.stop(line));
+        QVERIFY(openAtRelease);
         QVERIFY(gpsPort == nullptr);
     }
 
