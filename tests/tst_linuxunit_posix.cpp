@@ -1,6 +1,7 @@
 #include "tests/support/LinuxUnit_posix.h"
 #include "tests/support/literals.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -640,6 +641,26 @@ private slots:
         QCOMPARE(unit.call("Backlight_startAutomaticBL").code, 0);
         unit.releaseAll();
         QCOMPARE(unit.call("Backlight_getAutomaticBLStatus").numbers, std::vector<double>{0});
+    }
+
+    /** Neither what reads for a call, nor what the control begins while that ends. */
+    void nothingRunsBehindTheLastHandle()
+    {
+        LinuxUnit unit;
+        addPanel(unit, "255\n", "100\n");
+        addLight(unit, "1000\n");
+        unit.write("/sys/class/power_supply/BAT0/type"_s, "Battery\n");
+        const auto stuck = QFile::encodeName(unit.path("/sys/class/power_supply/BAT0/capacity"_s));
+        QCOMPARE(::mkfifo(stuck.constData(), 0600), 0);
+        const auto threads = [] { return QDir("/proc/self/task"_s).count(); };
+        const auto before = threads();
+        for (int round = 0; round < 6; ++round) {
+            QCOMPARE(unit.call("Battery_getVoltageLevel").code, 18);
+            QCOMPARE(unit.call("Backlight_startAutomaticBL").code, 0);
+            unit.releaseAll(); // which takes a moment, since one of them is stuck
+            ::close(::open(stuck.constData(), O_RDWR | O_NONBLOCK));
+            QTRY_COMPARE(threads(), before);
+        }
     }
 
     void averageForgivesFlashes()

@@ -60,7 +60,7 @@ void endConnection()
 Connection &connection(Desk &all)
 {
     if (!all.connection) {
-        atLastRelease(&endConnection);
+        atLastRelease(Runner::Service, &endConnection);
         all.connection = std::make_unique<Connection>();
     }
     return *all.connection;

@@ -22,7 +22,7 @@ struct Registry {
     // Grows with each handle: an address is never used again, so that a stale handle stays unknown.
     std::deque<char> addresses;
     std::unordered_map<const void *, Record> records;
-    std::vector<void (*)()> hooks;
+    std::map<Runner, std::vector<void (*)()>> hooks;
 
     Record *find(Family family, const void *handle)
     {
@@ -58,7 +58,7 @@ void releaseHandle(Family family, const void *handle) noexcept
     try {
         auto &all = registry();
         std::map<std::type_index, std::shared_ptr<void>> objects; // end outside of the lock
-        std::vector<void (*)()> hooks;
+        std::map<Runner, std::vector<void (*)()>> hooks;
         {
             const std::lock_guard lock(all.mutex);
             auto *record = all.find(family, handle);
@@ -70,8 +70,10 @@ void releaseHandle(Family family, const void *handle) noexcept
                 hooks = all.hooks;
         }
         objects.clear(); // may wait for a thread
-        for (auto *hook : hooks)
-            hook();
+        for (const auto &[runner, functions] : hooks) {
+            for (auto *hook : functions)
+                hook();
+        }
     } catch (const std::exception &) {
         // Nobody to tell.
     }
@@ -103,12 +105,13 @@ void keep(Family family, const void *handle, std::type_index type, std::shared_p
         record->kept[type] = std::move(object);
 }
 
-void atLastRelease(void (*function)())
+void atLastRelease(Runner runner, void (*function)())
 {
     auto &all = registry();
     const std::lock_guard lock(all.mutex);
-    if (std::find(all.hooks.begin(), all.hooks.end(), function) == all.hooks.end())
-        all.hooks.push_back(function);
+    auto &hooks = all.hooks[runner];
+    if (std::find(hooks.begin(), hooks.end(), function) == hooks.end())
+        hooks.push_back(function);
 }
 
 } // namespace linuxunit

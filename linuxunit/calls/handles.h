@@ -39,8 +39,12 @@ std::shared_ptr<T> kept(Device *handle)
     return object;
 }
 
+/** What may run behind the calls: what reads and writes by itself ends before what it does so by.
+ */
+enum class Runner { Control, Service };
+
 /** Called when the last handle of all families has been released: nothing of the library may run
  *  then. At most once for each function; it may run again when there were handles in between. */
-void atLastRelease(void (*function)());
+void atLastRelease(Runner runner, void (*function)());
 
 } // namespace linuxunit

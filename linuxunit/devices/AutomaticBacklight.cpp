@@ -196,14 +196,18 @@ void start()
     end(own);
     if (!own.lock.take())
         return; // another process was quicker
+    const auto tell = [&own](bool isRunning) {
+        const std::lock_guard lock(own.mutex); // others may be asking
+        own.isEnding = false;
+        own.isRunning = isRunning;
+    };
     try {
         Store().setNumber(wish, 1);
-        own.isEnding = false;
-        own.isRunning = true;
-        atLastRelease(&endWithHandles);
+        tell(true);
+        atLastRelease(Runner::Control, &endWithHandles);
         own.thread = std::thread(regulate);
     } catch (...) {
-        own.isRunning = false;
+        tell(false);
         own.lock.close();
         throw;
     }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 namespace linuxunit {
@@ -148,9 +149,29 @@ void endThreads()
 
 void startThread(const std::shared_ptr<Pool> &own)
 {
-    atLastRelease(&endThreads);
+    atLastRelease(Runner::Service, &endThreads);
     auto &worker = own->workers.emplace_back();
-    worker.thread = std::thread(serve, own, std::ref(worker));
+    try {
+        worker.thread = std::thread(serve, own, std::ref(worker));
+    } catch (...) {
+        own->workers.pop_back();
+        throw;
+    }
+}
+
+/** One more thread for the reading that was put last into the queue. If the system has none to
+ * give, those that run serve it later; without any of them it is thrown out again. */
+void startForIt(const std::shared_ptr<Pool> &own, Source &source)
+{
+    try {
+        startThread(own);
+    } catch (const std::system_error &) {
+        if (!own->workers.empty())
+            return;
+        own->queue.pop_back();
+        source.isRunning = false;
+        throw;
+    }
 }
 
 /** A reading that was asked for. All with the pool's mutex taken. */
@@ -179,8 +200,9 @@ Ticket request(const std::shared_ptr<Pool> &own, const std::string &path)
     if (!source->isRunning) {
         source->isRunning = true;
         own->queue.emplace_back(path, source);
-        if (own->idle < own->queue.size() && own->workers.size() < mostThreads)
-            startThread(own);
+        // Of those that end nobody looks at one more.
+        if (!own->isEnding && own->idle < own->queue.size() && own->workers.size() < mostThreads)
+            startForIt(own, *source);
         own->work.notify_one();
     }
     return ticket;

@@ -131,12 +131,13 @@ public:
     Tree()
     {
         // In memory, where there is such a place: an input takes a hundred files.
-        std::string name = std::filesystem::exists("/dev/shm")
-                               ? "/dev/shm"
-                               : std::filesystem::temp_directory_path().string();
-        name += "/kernelfiles-XXXXXX";
-        REQUIRE(::mkdtemp(name.data()));
-        root = name;
+        for (const std::filesystem::path &place :
+            {std::filesystem::path("/dev/shm"), std::filesystem::temp_directory_path()}) {
+            std::string name = place / "kernelfiles-XXXXXX";
+            if (root.empty() && ::mkdtemp(name.data()))
+                root = name;
+        }
+        REQUIRE(!root.empty());
         write("/etc/vornaux/unit.json", unit);
         for (const char *device :
             {"/sys/class/net/eth0", "/sys/class/net/can0", "/sys/class/tty/ttyS0"})
