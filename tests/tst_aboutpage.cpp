@@ -415,7 +415,8 @@ private slots:
         QVERIFY(page.info->blockCount() < plain.blockCount());
         // Qt 5 on Windows counts one line more, of 92,798.
         const int lines = plain.document()->lineCount();
-        QVERIFY(qAbs(page.info->document()->lineCount() - lines) <= (QT_VERSION_MAJOR == 5 ? 1 : 0));
+        QVERIFY(
+            qAbs(page.info->document()->lineCount() - lines) <= (QT_VERSION_MAJOR == 5 ? 1 : 0));
         QCOMPARE(page.info->verticalScrollBar()->value(), 0);
         QCOMPARE(page.info->textCursor().position(), 0);
 

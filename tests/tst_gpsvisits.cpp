@@ -110,8 +110,9 @@ private slots:
             opened = std::min(opened, support::openHandles() - handles);
             growth = std::min(growth, support::allocatedMemory() - memory);
         }
-        // A queue may grow in one round, and the system or the toolkit open something for itself; a leak
-        // grows in all of them. The smallest object of a visit is the thread, of some hundred bytes.
+        // A queue may grow in one round, and the system or the toolkit open something for itself; a
+        // leak grows in all of them. The smallest object of a visit is the thread, of some hundred
+        // bytes.
         QVERIFY2(opened < 10, qPrintable(QString::number(opened)));
         QVERIFY(support::threads() < threads + 10);
         QVERIFY2(growth < visits * 64, qPrintable(QString::number(growth)));
