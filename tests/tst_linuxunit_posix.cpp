@@ -723,6 +723,25 @@ private slots:
         QCOMPARE(unit.call("Diagnostics_getPMTemp", {1.0}).code, 7);
     }
 
+    /** Its thermal zone answers EINVAL, as files of namespaces do. */
+    void disabledZoneIsNotAvailable()
+    {
+        LinuxUnit unit;
+        const auto temp = "/sys/class/thermal/thermal_zone0/temp"_s;
+        unit.write("/sys/class/thermal/thermal_zone0/type"_s, "board-thermal\n");
+        unit.link(temp, "/proc/self/ns/uts");
+        unit.write("/etc/vornaux/unit.json"_s,
+            R"({"temperatures": {"supervisor": {"chip": "board-thermal"}}})");
+        QCOMPARE(unit.call("Diagnostics_getPCBTemp").code, 18);
+        QCOMPARE(unit.call("Diagnostics_getSSTemp").code, 18);
+        QCOMPARE(unit.call("Diagnostics_getPMTemp", {0.0}).code, 7); // none that a walk could show
+        unit.remove(temp);
+        unit.write(temp, "41000\n");
+        QCOMPARE(unit.call("Diagnostics_getPCBTemp").numbers, std::vector<double>{41});
+        QCOMPARE(unit.call("Diagnostics_getPMTemp", {0.0}).numbers,
+            (std::vector<double>{41, SENSOR_BOARD}));
+    }
+
     void sixtyFourSensors()
     {
         LinuxUnit unit;
@@ -1181,6 +1200,9 @@ private slots:
         unit.link(file, "/proc/self/mem"); // EIO
         QCOMPARE(unit.call("Config_getHeatingTempLimit").kind(), 102);
         QCOMPARE(unit.call("Config_setHeatingTempLimit", {0.0}).kind(), 103);
+        unit.remove(file);
+        unit.link(file, "/proc/self/oom_score_adj"); // EINVAL for what is no number
+        QCOMPARE(unit.call("Config_setCanStartupPowerConfig", {0.0}).kind(), 103);
         unit.remove(file);
         unit.write(file, "on\n");
         QVERIFY(QFile::setPermissions(unit.path(file), QFile::ReadOwner));

@@ -148,6 +148,7 @@ Failure readFailure(const std::string &path, int number)
     case ENOENT:
     case EBUSY:
     case ETIMEDOUT:
+    case EINVAL: // a thermal zone that is disabled; a reading has no argument that could be wrong
         return {NotAvailable, {}};
     case EACCES:
     case EPERM:

@@ -65,7 +65,8 @@ std::string printable(std::string_view text);
 std::string roundedText(double number);
 
 /** A failed call on a file as what the contract makes of it: 18 for EAGAIN, ENODATA and what else
- *  says "not now", for a device that went while it was asked too; the rest with path and reason. */
+ *  says "not now", for a device that went while it was asked too; the rest with path and reason.
+ *  EINVAL is a moment's of a reading, and of a writing the value's. */
 Failure readFailure(const std::string &path, int number);
 /** @param remedy what the user can do about missing rights: "add yourself to group video" */
 Failure writeFailure(const std::string &path, int number, const std::string &remedy);
