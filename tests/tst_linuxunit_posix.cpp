@@ -529,6 +529,41 @@ private slots:
         QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
     }
 
+    /** What stands beside a value in the folder of a sensor is none, nor of another value. */
+    void companionsAreNoLight()
+    {
+        LinuxUnit unit;
+        const auto write = [&](const char *name, const char *content) {
+            unit.write("/sys/bus/iio/devices/iio:device0/"_s + QLatin1String(name), content);
+        };
+        write("name", "als\n");
+        write("in_illuminance_scale", "0.5\n");
+        write("in_illuminance_offset", "1\n");
+        write("in_illuminance_calibscale", "2\n");
+        write("in_illuminance_hysteresis", "3\n");
+        write("in_illuminance_integration_time", "0.1\n");
+        write("in_illuminance_scale_available", "1 0.5\n");
+        write("in_intensity_both_raw", "7\n");
+        write("in_intensity_scale_available", "1 0.5\n");
+        QCOMPARE(unit.call("LightSensor_getIlluminance").code, 2);
+        QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+        unit.remove("/sys/bus/iio/devices/iio:device0/in_illuminance_scale_available"_s);
+        write("in_illuminance_raw", "400\n");
+        write("in_illuminance_calibscale_available", "1 2\n");
+        write("in_illuminance_integration_time_available", "0.1 0.2\n");
+        write("in_proximity_scale_available", "1 0.5\n");
+        QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{201});
+        QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+        QCOMPARE(unit.call("LightSensor_setOperatingRange", {1.0}).code, 2);
+        // The driver scales by itself what it gives as an input; its scale is no range of that.
+        unit.remove("/sys/bus/iio/devices/iio:device0/in_illuminance_raw"_s);
+        write("in_illuminance0_input", "32\n");
+        write("in_illuminance0_scale", "0.1\n");
+        write("in_illuminance_scale_available", "1 0.1\n");
+        QCOMPARE(unit.call("LightSensor_getIlluminance").numbers, std::vector<double>{32});
+        QCOMPARE(unit.call("LightSensor_getOperatingRange").code, 2);
+    }
+
     void spoiltLightRange_data()
     {
         QTest::addColumn<QByteArray>("available");
@@ -787,6 +822,38 @@ private slots:
         QCOMPARE(unit.call("Adc_getVoltage", {5.0}).code, 2);
         QCOMPARE(unit.call("Adc_getVoltage", {1.0}).code, 6);
         QCOMPARE(unit.call("Adc_getVoltage", {24.0}).code, 6);
+    }
+
+    /** A channel has a scale of its own or one of its kind, and none of another channel. */
+    void companionsAreNoVoltages()
+    {
+        LinuxUnit unit;
+        const auto write = [&](const char *name, const char *content) {
+            unit.write("/sys/bus/iio/devices/iio:device0/"_s + QLatin1String(name), content);
+        };
+        write("name", "ad7606\n");
+        write("in_voltage0_raw", "1000\n");
+        write("in_voltage0_scale", "2\n");
+        write("in_voltage0_offset", "500\n");
+        write("in_voltage0_scale_available", "2 4\n");
+        write("in_voltage0_mean_raw", "900\n");
+        write("in_voltage0_peak_raw", "1100\n");
+        write("in_voltage0_vref_raw", "100\n");
+        write("in_voltage1_vcc_raw", "200\n");
+        unit.write("/etc/vornaux/unit.json"_s, R"({"adc": {"rails": [
+        {"channel": 0, "chip": "ad7606"},
+        {"channel": 2, "chip": "ad7606", "input": "in_voltage0_vref"},
+        {"channel": 3, "chip": "ad7606", "input": "in_voltage1_vcc"},
+        {"channel": 4, "chip": "ad7606", "input": "in_voltage0_peak"}]}})");
+        QCOMPARE(unit.call("Adc_getVoltage", {0.0}).numbers, std::vector<double>{3});
+        QCOMPARE(unit.call("Adc_getVoltage", {2.0}).code, 18);
+        QCOMPARE(unit.call("Adc_getVoltage", {3.0}).code, 18);
+        QCOMPARE(unit.call("Adc_getVoltage", {4.0}).code, 18);
+        write("in_voltage_scale", "10\n");
+        QCOMPARE(unit.call("Adc_getVoltage", {0.0}).numbers, std::vector<double>{3});
+        QCOMPARE(unit.call("Adc_getVoltage", {2.0}).numbers, std::vector<double>{1});
+        QCOMPARE(unit.call("Adc_getVoltage", {3.0}).numbers, std::vector<double>{2});
+        QCOMPARE(unit.call("Adc_getVoltage", {4.0}).code, 18);
     }
 
     void identityIsTold()

@@ -61,6 +61,12 @@ std::vector<std::string> inputsOf(const Chip &chip, std::string_view beginning)
     return inputs;
 }
 
+/** An average or a peak of an IIO channel, beside it; no channel of its own. */
+bool isDerived(const std::string &channel)
+{
+    return channel.ends_with("_mean") || channel.ends_with("_peak");
+}
+
 /** What chips and zones of these names measure. The first that the name begins with counts. */
 struct KindOfName {
     const char *beginning;
@@ -232,8 +238,8 @@ std::vector<Voltage> findVoltages()
             if (!name.starts_with("in_voltage") ||
                 (!name.ends_with("_raw") && !name.ends_with(inputEnding)))
                 continue;
-            if (name.ends_with("_raw") &&
-                (!hasIioScale(folder, channel) || exists(below(folder, channel) + "_input")))
+            if (name.ends_with("_raw") && (isDerived(channel) || !hasIioScale(folder, channel) ||
+                                              exists(below(folder, channel) + "_input")))
                 continue;
             all.push_back({folder, textOf(folder + "/name").value_or(""), channel,
                 textOf(below(folder, channel) + "_label").value_or(""), true});

@@ -13,13 +13,13 @@ namespace {
 
 constexpr const char *allDevices = "/sys/bus/iio/devices";
 
-/** in_voltage3 shares in_voltage_scale with its like; in_voltage0-voltage1
- * in_voltage-voltage_scale.
+/** in_voltage3 shares in_voltage_scale with its like, and so does in_voltage3_vcc;
+ * in_voltage0-voltage1 in_voltage-voltage_scale.
  */
 std::string sharedName(const std::string &channel)
 {
     std::string name;
-    for (const char byte : channel) {
+    for (const char byte : channel.substr(0, channel.find('_', sizeof "in_" - 1))) {
         if (std::isdigit(static_cast<unsigned char>(byte)) == 0)
             name += byte;
     }
@@ -31,9 +31,9 @@ std::string sharedName(const std::string &channel)
 std::optional<std::string> iioFile(
     const std::string &folder, const std::string &channel, const char *what)
 {
-    const auto type = channel.substr(0, channel.find('_', sizeof "in_" - 1));
-    for (const auto &name :
-        {channel + what, sharedName(channel) + what, type + what, std::string(what + 1)}) {
+    // Its own, of all of its kind, of all inputs, of the device.
+    for (const auto &name : {channel + what, sharedName(channel) + what, std::string("in") + what,
+             std::string(what + 1)}) {
         const auto path = std::string(folder).append("/").append(name);
         if (exists(path))
             return path;
