@@ -867,8 +867,10 @@ private slots:
         write("/sys/class/dmi/id/product_version", "V1.0 \xC2\xB5\n");
         write("/proc/device-tree/serial-number", QByteArray("00000001\0", 9));
         write("/sys/class/net/eth0/type", "1\n");
+        write("/sys/class/net/eth0/uevent", "INTERFACE=eth0\n");
         write("/sys/class/net/eth0/device/vendor", "0x8086\n");
         write("/sys/class/net/wlan0/type", "1\n");
+        write("/sys/class/net/wlan0/uevent", "INTERFACE=wlan0\n");
         write("/sys/class/net/wlan0/device/vendor", "0x8086\n");
         write("/sys/class/net/wlan0/wireless/x", "");
         write("/sys/class/net/lo/type", "772\n");
@@ -906,6 +908,42 @@ private slots:
         QCOMPARE(unit.call("Hardware_getMainManufacturingDate").text,
             QByteArray("Mai 2021, Gera \xE4?"));
         QCOMPARE(unit.call("Hardware_getUsbCount").numbers, std::vector<double>{4});
+    }
+
+    /** The ports of a built-in switch are a machine's sockets; what joins the switch to the
+     *  processor has none. */
+    void portsOfSwitchesAreCounted()
+    {
+        LinuxUnit unit;
+        const auto add = [&](const char *name, const char *type, const char *kind) {
+            const auto folder = "/sys/class/net/"_s + QLatin1String(name);
+            unit.write(folder + "/type"_s, type);
+            unit.write(folder + "/uevent"_s, kind);
+            unit.write(folder + "/device/uevent"_s, "");
+        };
+        add("eth0", "1\n", "INTERFACE=eth0\nIFINDEX=2\n");
+        unit.write("/sys/class/net/eth0/dsa/tagging"_s, "dsa\n");
+        for (const char *port : {"lan1", "lan2", "lan3", "wan"})
+            add(port, "1\n", "DEVTYPE=dsa\nINTERFACE=lan\n");
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{4});
+        add("eth1", "1\n", "INTERFACE=eth1\n"); // beside the switch
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{5});
+        // What a port gives to virtual machines, and what else has a device: none has a socket.
+        add("eth1v0", "1\n", "INTERFACE=eth1v0\n");
+        unit.write("/sys/class/net/eth1v0/device/physfn/uevent"_s, "");
+        add("usb0", "1\n", "DEVTYPE=gadget\nINTERFACE=usb0\n");
+        add("wwan0", "1\n", "DEVTYPE=wwan\nINTERFACE=wwan0\n");
+        add("ib0", "32\n", "INTERFACE=ib0\n");
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{5});
+        // It would pass for another socket.
+        unit.write("/sys/class/net/wwan0/uevent"_s, "soup\n");
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{5});
+        unit.remove("/sys/class/net/wwan0/uevent"_s);
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{5});
+        QCOMPARE(unit.call("Hardware_getCanCount").numbers, std::vector<double>{0});
+        add("can0", "280\n", "INTERFACE=can0\n");
+        QCOMPARE(unit.call("Hardware_getCanCount").numbers, std::vector<double>{1});
+        QCOMPARE(unit.call("Hardware_getEthernetCount").numbers, std::vector<double>{5});
     }
 
     void versionsAreTold()

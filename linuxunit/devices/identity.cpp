@@ -8,7 +8,10 @@
 #include <cctype>
 #include <charconv>
 #include <functional>
+#include <iterator>
 #include <linux/input.h>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 namespace linuxunit::identity {
@@ -100,10 +103,30 @@ bool hasRadio(const char *type)
 }
 
 constexpr const char *networks = "/sys/class/net";
+constexpr std::string_view portOfSwitch = "dsa"; // DEVTYPE
 
 bool isOfType(const std::string &folder, int type)
 {
     return numberOf(folder + "/type") == type && exists(folder + "/device");
+}
+
+/** The kernel's word for what an interface is, "wwan", which plain ones lack. Nothing if it can't
+ * be asked: an interface without its word would pass for one with a socket. */
+std::optional<std::string> kindOf(const std::string &folder)
+{
+    const auto file = folder + "/uevent";
+    if (!assignedIn(file, "INTERFACE"))
+        return std::nullopt;
+    return assignedIn(file, "DEVTYPE").value_or("");
+}
+
+/** What joins a built-in switch to the processor has a folder by which the switch is set, and what
+ * a port gives to virtual machines leads to that port. */
+bool hasSocket(const std::string &folder)
+{
+    constexpr const char *others[] = {"/wireless", "/phy80211", "/dsa", "/device/physfn"};
+    return std::none_of(std::begin(others), std::end(others),
+        [&](const char *name) { return exists(folder + name); });
 }
 
 } // namespace
@@ -139,9 +162,9 @@ std::uint8_t ethernetCount()
 {
     constexpr int ethernet = 1; // ARPHRD_ETHER, which radios have too
     return count(networks, [](const std::string &folder) {
-        const auto kind = assignedIn(folder + "/uevent", "DEVTYPE").value_or("");
-        return isOfType(folder, ethernet) && kind.empty() && !exists(folder + "/wireless") &&
-               !exists(folder + "/phy80211");
+        const auto kind = kindOf(folder);
+        return kind && (kind->empty() || *kind == portOfSwitch) && isOfType(folder, ethernet) &&
+               hasSocket(folder);
     });
 }
 

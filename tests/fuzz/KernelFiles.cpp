@@ -42,7 +42,7 @@ constexpr Row rows[] = {
     {Room::Identity, "/etc/os-release", "ID=debian\nVERSION_ID=\"12\"\n"},
     {Room::Identity, "/proc/sys/kernel/osrelease", "6.1.0-13-amd64\n"},
     {Room::Identity, "/sys/class/net/eth0/type", "1\n"},
-    {Room::Identity, "/sys/class/net/eth0/uevent", nullptr},
+    {Room::Identity, "/sys/class/net/eth0/uevent", "INTERFACE=eth0\n"},
     {Room::Identity, "/sys/class/net/can0/type", "280\n"},
     {Room::Identity, "/sys/class/tty/ttyS0/type", "4\n"},
     {Room::Identity, "/sys/class/drm/card0-eDP-1/status", "connected\n"},

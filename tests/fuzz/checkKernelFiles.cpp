@@ -149,14 +149,12 @@ void checkHardware()
     checkText(UNIT(Hardware_getMainProductArticleNumber), handle, {ProductSku});
     checkText(UNIT(Hardware_getUnitSerialNumber), handle, {ProductSerial, TreeSerial});
     const auto ethernet = ASK(std::uint8_t, Hardware_getEthernetCount, handle);
-    const auto are = [](std::int64_t type) {
-        return (whole(EthernetType) == type ? 1 : 0) + (whole(CanType) == type ? 1 : 0);
-    };
-    constexpr std::int64_t ether = 1;
-    HOLDS(ethernet && *ethernet <= are(ether));
-    HOLDS(text(EthernetUevent) || *ethernet == are(ether));
+    // The other interface doesn't say what it is.
+    const int sockets = whole(EthernetType) == 1 ? 1 : 0;
+    HOLDS(ethernet && *ethernet <= sockets);
+    HOLDS(text(EthernetUevent) != "INTERFACE=eth0\n" || *ethernet == sockets);
     const auto can = ASK(std::uint8_t, Hardware_getCanCount, handle);
-    HOLDS(can && *can == are(280));
+    HOLDS(can && *can == (whole(EthernetType) == 280 ? 1 : 0) + (whole(CanType) == 280 ? 1 : 0));
     const auto serial = ASK(std::uint8_t, Hardware_getSerialCount, handle);
     HOLDS(serial && *serial == (whole(SerialType).value_or(0) != 0 ? 1 : 0));
     for (const auto operation :
