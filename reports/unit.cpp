@@ -17,7 +17,7 @@ namespace reports {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::int32_t ok = 0;
 constexpr std::int32_t notSupported = 2;
@@ -77,7 +77,7 @@ constexpr std::string_view sensorNames[] = {"JIDA CPU temp", "JIDA box temp",
     "JIDA video temp", "JIDA other temp", "JIDA unknown temp"};
 
 /** Whether a unit can hold it. One value that it can't would have the whole profile refused. */
-bool canHold(std::string_view name, const Json &value)
+bool canHold(std::string_view name, const OrderedJson &value)
 {
     using virtualunit::Kind;
     const std::size_t index = virtualunit::findProperty(name);
@@ -179,10 +179,10 @@ public:
         addEquipment();
         addFaults();
         std::string name = report.name();
-        Json json{{"description", "the unit of the report " + name}, {"values", values}};
+        OrderedJson json{{"description", "the unit of the report " + name}, {"values", values}};
         if (!faults.empty())
             json["faults"] = faults;
-        return {json.dump(4, ' ', false, Json::error_handler_t::replace) + "\n", untold()};
+        return {json.dump(4, ' ', false, OrderedJson::error_handler_t::replace) + "\n", untold()};
     }
 
 private:
@@ -255,7 +255,7 @@ private:
             setValue(item, *entry);
     }
 
-    void set(std::string_view property, Json value)
+    void set(std::string_view property, OrderedJson value)
     {
         if (canHold(property, value))
             values[std::string(property)] = std::move(value);
@@ -544,8 +544,8 @@ private:
 
     const Report &report;
     std::map<std::string, Observed> observed; ///< by operation
-    Json values = Json::object();
-    Json faults = Json::object();
+    OrderedJson values = OrderedJson::object();
+    OrderedJson faults = OrderedJson::object();
     std::set<std::string> shown; ///< equipment that is there as on a fresh unit
 };
 

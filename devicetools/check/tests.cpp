@@ -4,7 +4,7 @@ namespace check {
 
 namespace {
 
-constexpr Test all[] = {
+constexpr Test allTests[] = {
     {"functions", "Every function of the contract is there under its plain name.", Needs::Nothing,
         allFunctionsAreThere},
     {"answers", "Every operation that reads returns: no crash, no exit, no endless call.",
@@ -86,6 +86,6 @@ constexpr Test all[] = {
 
 } // namespace
 
-const std::span<const Test> tests = all;
+const std::span<const Test> tests = allTests;
 
 } // namespace check

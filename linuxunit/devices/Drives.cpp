@@ -18,7 +18,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr const char *service = "org.freedesktop.UDisks2";
+constexpr const char *udisks = "org.freedesktop.UDisks2";
 constexpr const char *driveType = "org.freedesktop.UDisks2.Drive";
 constexpr const char *ataType = "org.freedesktop.UDisks2.Drive.Ata";
 constexpr const char *nvmeType = "org.freedesktop.UDisks2.NVMe.Controller";
@@ -37,11 +37,11 @@ struct Drive {
 
 json allObjects(Deadline until)
 {
-    auto objects = readFromBus({service, "/org/freedesktop/UDisks2",
+    auto objects = readFromBus({udisks, "/org/freedesktop/UDisks2",
                                    "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", {}},
         until);
     if (!objects.is_object())
-        throw Failure{UnexpectedContent, std::string(service) + " tells of no objects"};
+        throw Failure{UnexpectedContent, std::string(udisks) + " tells of no objects"};
     return objects;
 }
 
@@ -107,7 +107,7 @@ std::uint8_t percentLeft(double percent)
 json attributesOf(const Drive &drive, const std::string &interface, Deadline until)
 {
     return readFromBus(
-        {service, drive.path, interface, "SmartGetAttributes", {BusOptions()}}, until);
+        {udisks, drive.path, interface, "SmartGetAttributes", {BusOptions()}}, until);
 }
 
 std::uint8_t nvmeLifetime(const Drive &drive, Deadline until)
@@ -128,7 +128,7 @@ std::uint8_t ataLifetime(const Drive &drive, Deadline until)
     const auto attributes = attributesOf(drive, ataType, until);
     if (!attributes.is_array())
         throw Failure{
-            UnexpectedContent, std::string(service) + " tells of no attributes of " + drive.path};
+            UnexpectedContent, std::string(udisks) + " tells of no attributes of " + drive.path};
     constexpr std::size_t name = 1; ///< in (ysqiiixia{sv})
     constexpr std::size_t normalised = 3;
     for (const auto wear : wearAttributes) {

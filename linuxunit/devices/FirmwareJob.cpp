@@ -19,7 +19,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr const char *service = "org.freedesktop.fwupd";
+constexpr const char *fwupd = "org.freedesktop.fwupd";
 constexpr std::uint8_t complete = 100; ///< percent
 
 /** A job of any handle. */
@@ -74,7 +74,7 @@ void requireCabinet(const OpenFile &file, const char *path)
 /** Throws 2 if there is none. */
 void requireService()
 {
-    readFromBus(BusCall::properties(service, "/", service));
+    readFromBus(BusCall::properties(fwupd, "/", fwupd));
 }
 
 /** The service's name of the device; empty for one that the configuration doesn't name. */
@@ -108,9 +108,9 @@ std::optional<std::string> installedVersion(FirmwareTarget target)
     const auto name = nameOf(target);
     if (name.empty())
         return std::nullopt;
-    const auto devices = readFromBus({service, "/", service, "GetDevices", {}});
+    const auto devices = readFromBus({fwupd, "/", fwupd, "GetDevices", {}});
     if (!devices.is_array())
-        throw Failure{UnexpectedContent, std::string(service) + " tells of no devices"};
+        throw Failure{UnexpectedContent, std::string(fwupd) + " tells of no devices"};
     const auto found = std::find_if(
         devices.begin(), devices.end(), [&](const json &device) { return isDevice(device, name); });
     const auto version =
@@ -146,9 +146,9 @@ void FirmwareJob::start(FirmwareTarget target, const char *path)
     }
     const BusOptions options{{"reason", std::string("update")}, {"filename", utf8(path)},
         {"allow-reinstall", true}, {"allow-older", true}};
-    job.emplace(BusCall{service, "/", service, "Install",
-                    {device, BusDescriptor{file.descriptor}, options}},
-        service);
+    job.emplace(
+        BusCall{fwupd, "/", fwupd, "Install", {device, BusDescriptor{file.descriptor}, options}},
+        fwupd);
 }
 
 FirmwareUpgradeStatus FirmwareJob::status(bool wait)
@@ -182,7 +182,7 @@ void FirmwareJob::follow()
     } catch (const Failure &failure) {
         const bool isGone = failure.kind == NotAvailable || failure.kind == NotSupported;
         end(FIRMWARE_FAILED,
-            codeOf(isGone ? Failure{DaemonSilent, std::string(service) + " ended while it worked"}
+            codeOf(isGone ? Failure{DaemonSilent, std::string(fwupd) + " ended while it worked"}
                           : failure));
     }
 }

@@ -10,7 +10,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr const char *service = "org.freedesktop.UPower";
+constexpr const char *upower = "org.freedesktop.UPower";
 constexpr const char *manager = "/org/freedesktop/UPower";
 constexpr const char *deviceType = "org.freedesktop.UPower.Device";
 
@@ -37,13 +37,13 @@ bool isKernels(const std::string &nativePath)
 
 std::optional<json> firstBattery(const std::function<bool(const json &)> &fits, Deadline until)
 {
-    const auto paths = answerTo({service, manager, service, "EnumerateDevices", {}}, until);
+    const auto paths = answerTo({upower, manager, upower, "EnumerateDevices", {}}, until);
     if (!paths.is_null() && !paths.is_array())
-        throw Failure{UnexpectedContent, std::string(service) + " tells of no devices"};
+        throw Failure{UnexpectedContent, std::string(upower) + " tells of no devices"};
     for (const auto &path : paths) {
         if (!path.is_string())
             continue;
-        const auto device = answerTo(BusCall::properties(service, path, deviceType), until);
+        const auto device = answerTo(BusCall::properties(upower, path, deviceType), until);
         const int type = valueOf(device, "Type", 0);
         if ((type == Battery || type == Ups) && valueOf(device, "PowerSupply", false) &&
             valueOf(device, "IsPresent", false) && fits(device))
@@ -77,7 +77,7 @@ std::string nameOf(const json &battery)
 
 std::optional<bool> isOnBattery(Deadline until)
 {
-    const auto daemon = answerTo(BusCall::properties(service, manager, service), until);
+    const auto daemon = answerTo(BusCall::properties(upower, manager, upower), until);
     if (!daemon.is_object() || !daemon.contains("OnBattery") || !daemon["OnBattery"].is_boolean())
         return std::nullopt;
     return daemon["OnBattery"].get<bool>();

@@ -53,10 +53,10 @@ enum PortType { AtPort = 3, PositionPort = 5 };
 /** First port of that type of any modem. */
 std::optional<std::string> portOf(PortType type)
 {
-    constexpr const char *service = "org.freedesktop.ModemManager1";
+    constexpr const char *modemManager = "org.freedesktop.ModemManager1";
     json objects;
     try {
-        objects = readFromBus({service, "/org/freedesktop/ModemManager1",
+        objects = readFromBus({modemManager, "/org/freedesktop/ModemManager1",
             "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", {}});
     } catch (const Failure &) {
         return std::nullopt;
@@ -64,8 +64,9 @@ std::optional<std::string> portOf(PortType type)
     if (!objects.is_object())
         return std::nullopt;
     for (const auto &object : objects) {
-        const auto modem =
-            object.is_object() ? object.value(std::string(service) + ".Modem", json()) : json();
+        const auto modem = object.is_object()
+                               ? object.value(std::string(modemManager) + ".Modem", json())
+                               : json();
         const auto ports = modem.is_object() ? modem.value("Ports", json()) : json();
         if (!ports.is_array())
             continue;

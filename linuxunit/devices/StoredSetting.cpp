@@ -16,7 +16,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr const char *remedy = "give group vornaux the right to it by a rule of your own";
+constexpr const char *settingRemedy = "give group vornaux the right to it by a rule of your own";
 
 /** The first file that fits, by name; empty if there is none. */
 std::string firstMatch(const std::string &pattern)
@@ -94,7 +94,7 @@ void StoredSetting::setNumber(double value, double lowest, double highest) const
     const double raw = value / factor;
     if (!(value >= lowest && value <= highest && std::abs(raw) < double(INT64_MAX)))
         throw Failure{ValueOutOfRange, {}};
-    writeText(file, std::to_string(std::llround(raw)), remedy);
+    writeText(file, std::to_string(std::llround(raw)), settingRemedy);
 }
 
 std::int32_t StoredSetting::choice(std::int32_t first, std::int32_t last) const
@@ -117,7 +117,7 @@ void StoredSetting::setChoice(std::int32_t value, std::int32_t first, std::int32
     const auto index = std::size_t(value - first);
     if (value < first || value > last || (!words.empty() && index >= words.size()))
         throw Failure{ValueOutOfRange, {}};
-    writeText(file, words.empty() ? std::to_string(value) : words[index], remedy);
+    writeText(file, words.empty() ? std::to_string(value) : words[index], settingRemedy);
 }
 
 } // namespace linuxunit

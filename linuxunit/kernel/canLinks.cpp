@@ -24,8 +24,8 @@ namespace {
 
 constexpr const char *kernelOfRoot = "/run/vornaux/rtnetlink";
 constexpr std::size_t longestMessage = 65536;
-constexpr suseconds_t longestWait = 90000; ///< microseconds
-constexpr unsigned sequence = 1;           ///< each socket has one request at a time
+constexpr suseconds_t answerWait = 90000; ///< microseconds
+constexpr unsigned sequence = 1;          ///< each socket has one request at a time
 
 /** A line to the kernel. */
 class Line
@@ -38,7 +38,7 @@ public:
         if (descriptor < 0)
             throw Failure{
                 ReadFailed, "The kernel's network interfaces can't be asked: " + errnoText(errno)};
-        const timeval limit{0, longestWait};
+        const timeval limit{0, answerWait};
         ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
         isThere = !isOtherRoot() || connectToRoot();

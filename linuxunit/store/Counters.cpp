@@ -2,6 +2,7 @@
 
 #include "linuxunit/calls/Failure.h"
 #include "linuxunit/kernel/files.h"
+#include "linuxunit/store/Store.h"
 
 #include <algorithm>
 #include <array>
@@ -14,9 +15,8 @@ namespace linuxunit {
 
 namespace {
 
-constexpr int longestWait = 80;         ///< milliseconds, for another process
 constexpr double longestMeasured = 120; ///< seconds for which a temperature stands
-constexpr const char *folder = "/var/lib/vornaux";
+constexpr const char *countersFolder = "/var/lib/vornaux";
 
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
 
@@ -124,7 +124,7 @@ std::optional<BatteryCounted> batteryOf(sqlite3 *database)
     return counted;
 }
 
-void bind(const Statement &statement, int place, const std::optional<double> &value)
+void bindMeasured(const Statement &statement, int place, const std::optional<double> &value)
 {
     if (value)
         sqlite3_bind_double(statement.get(), place, *value);
@@ -142,8 +142,8 @@ void write(sqlite3 *database, const Row &row)
              counted.at60To70, counted.at70To80, counted.above80})
         sqlite3_bind_double(statement.get(), place++, value);
     sqlite3_bind_int64(statement.get(), place++, counted.powerCycles);
-    bind(statement, place++, counted.coldest);
-    bind(statement, place++, counted.hottest);
+    bindMeasured(statement, place++, counted.coldest);
+    bindMeasured(statement, place++, counted.hottest);
     sqlite3_bind_double(statement.get(), place++, row.running);
     sqlite3_bind_double(statement.get(), place++, row.suspended);
     sqlite3_bind_text(statement.get(), place, row.boot.c_str(), -1, SQLITE_TRANSIENT);
@@ -160,8 +160,8 @@ void write(sqlite3 *database, BatteryCounted &counted)
     int place = 1;
     for (const double *value : timesOf(counted))
         sqlite3_bind_double(statement.get(), place++, *value);
-    bind(statement, place++, counted.coldest);
-    bind(statement, place, counted.hottest);
+    bindMeasured(statement, place++, counted.coldest);
+    bindMeasured(statement, place, counted.hottest);
     if (sqlite3_step(statement.get()) != SQLITE_DONE)
         fail(database);
 }
@@ -252,7 +252,7 @@ Database openFile()
     Database database(open, &sqlite3_close);
     if (code != SQLITE_OK)
         fail(open);
-    sqlite3_busy_timeout(open, longestWait);
+    sqlite3_busy_timeout(open, databaseWait);
     return database;
 }
 
@@ -276,7 +276,7 @@ void Counters::Closer::operator()(sqlite3 *open) const
 
 std::string Counters::path()
 {
-    return rooted(std::string(folder) + "/counters.db");
+    return rooted(std::string(countersFolder) + "/counters.db");
 }
 
 Counted Counters::read()
@@ -301,7 +301,7 @@ BatteryCounted Counters::readBattery()
 Counters::Counters()
 {
     std::error_code error;
-    std::filesystem::create_directories(rooted(folder), error);
+    std::filesystem::create_directories(rooted(countersFolder), error);
     if (error)
         throw Failure{StoreFailed, path() + " can't be used: " + errnoText(error.value())};
     sqlite3 *open = nullptr;
@@ -310,7 +310,7 @@ Counters::Counters()
     database.reset(open);
     if (code != SQLITE_OK)
         fail(open);
-    sqlite3_busy_timeout(open, longestWait);
+    sqlite3_busy_timeout(open, databaseWait);
     // What is committed is on the disk.
     execute(open, "PRAGMA synchronous = FULL");
     execute(open,

@@ -15,7 +15,6 @@ namespace linuxunit {
 
 namespace {
 
-constexpr int longestWait = 80; ///< milliseconds, for another process
 constexpr const char *systemFolder = "/var/lib/vornaux";
 
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
@@ -34,7 +33,7 @@ Statement prepare(sqlite3 *database, const std::string &path, const char *text)
     return {statement, &sqlite3_finalize};
 }
 
-void bind(const Statement &statement, int place, const std::string &bytes)
+void bindBytes(const Statement &statement, int place, const std::string &bytes)
 {
     // Blobs, so that bytes come back as they were, whatever encoding they have.
     sqlite3_bind_blob64(statement.get(), place, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
@@ -85,7 +84,7 @@ bool Store::openToRead()
         database.reset();
         fail(path, reason);
     }
-    sqlite3_busy_timeout(open, longestWait);
+    sqlite3_busy_timeout(open, databaseWait);
     return true;
 }
 
@@ -112,7 +111,7 @@ void Store::openToWrite()
         database.reset();
         fail(path, reason);
     }
-    sqlite3_busy_timeout(open, longestWait);
+    sqlite3_busy_timeout(open, databaseWait);
     constexpr const char *layout =
         "CREATE TABLE IF NOT EXISTS kept(area TEXT NOT NULL, key BLOB NOT NULL, value BLOB NOT "
         "NULL, PRIMARY KEY(area, key)) WITHOUT ROWID";
@@ -134,7 +133,7 @@ std::optional<std::string> Store::value(Area area, const std::string &key)
     const auto statement =
         prepare(database.get(), path, "SELECT value FROM kept WHERE area = ?1 AND key = ?2");
     sqlite3_bind_text(statement.get(), 1, nameOf(area), -1, SQLITE_STATIC);
-    bind(statement, 2, key);
+    bindBytes(statement, 2, key);
     const int code = sqlite3_step(statement.get());
     if (code == SQLITE_DONE)
         return std::nullopt;
@@ -151,8 +150,8 @@ void Store::setValue(Area area, const std::string &key, const std::string &value
     const auto statement =
         prepare(database.get(), path, "INSERT OR REPLACE INTO kept VALUES(?1, ?2, ?3)");
     sqlite3_bind_text(statement.get(), 1, nameOf(area), -1, SQLITE_STATIC);
-    bind(statement, 2, key);
-    bind(statement, 3, value);
+    bindBytes(statement, 2, key);
+    bindBytes(statement, 3, value);
     if (sqlite3_step(statement.get()) != SQLITE_DONE)
         fail(path, sqlite3_errmsg(database.get()));
 }

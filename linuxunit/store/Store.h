@@ -8,6 +8,8 @@ struct sqlite3;
 
 namespace linuxunit {
 
+inline constexpr int databaseWait = 80; ///< milliseconds, for another process
+
 /**
  * What the library remembers across runs: the strings of the Settings family, and settings that
  * the kernel has no place for, such as the frequency of the next tone. An SQLite file below

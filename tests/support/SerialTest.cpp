@@ -11,9 +11,9 @@ void SerialTest::addSpeeds()
 {
     QTest::addColumn<int>("baud");
     QTest::addColumn<int>("speed");
-    constexpr std::pair<int, int> speeds[] = {{0, 1200}, {2, 2400}, {3, 4800}, {4, 9600},
-        {5, 19200}, {6, 38400}, {7, 57600}, {8, 115200}};
-    for (const auto &[baud, speed] : speeds)
+    constexpr std::pair<int, int> rows[] = {{0, 1200}, {2, 2400}, {3, 4800}, {4, 9600}, {5, 19200},
+        {6, 38400}, {7, 57600}, {8, 115200}};
+    for (const auto &[baud, speed] : rows)
         QTest::addRow("%d", speed) << baud << speed;
 }
 

@@ -88,21 +88,21 @@ JournalFile &journalFile()
 }
 
 /** Never destroyed: threads may still call while the process ends. */
-struct Record {
+struct CallRecord {
     std::mutex mutex;
     std::vector<Call> calls;
     unsigned lastThread = 0;
     unsigned generation = 0;
 };
 
-Record &record()
+CallRecord &record()
 {
-    static auto *const only = new Record;
+    static auto *const only = new CallRecord;
     return *only;
 }
 
 /** The record's mutex is held. */
-unsigned threadNumber(Record &calls)
+unsigned threadNumber(CallRecord &calls)
 {
     thread_local unsigned number = 0;
     thread_local unsigned numberedIn = 0;
