@@ -13,6 +13,10 @@ if(VORN_SANITIZE)
             add_link_options(-shared-libasan -Wl,-rpath,${runtime})
         endif()
     endif()
+    # Headers are most of what compiling takes: several sources together read them once. In release each is
+    # compiled by itself.
+    set(CMAKE_UNITY_BUILD ON)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
     # Compilers have no common name for it. Tests of memory ask.
     if(VORN_SANITIZE MATCHES "address")
         add_compile_definitions(VORN_ADDRESS_SANITIZER)
