@@ -25,7 +25,6 @@ namespace {
 
 constexpr auto slowness = std::chrono::milliseconds(150); // longer than a reading may take
 constexpr std::size_t mostDescriptors = 4096;
-constexpr std::string_view nonsense = "soup 0x1f\n";
 
 std::atomic<FaultOf> faultOf = nullptr;
 std::array<std::atomic<FileFault>, mostDescriptors> faultOfDescriptor;

@@ -17,6 +17,9 @@ enum class FileFault : unsigned char {
     Slow,     ///< tells after longer than anybody waits
 };
 
+/** What a file of `Nonsense` holds. */
+inline constexpr std::string_view nonsense = "soup 0x1f\n";
+
 /** The fault of a file or folder now, by its path on the machine, as "/sys/class/hwmon". Called
  *  from any thread. */
 using FaultOf = FileFault (*)(std::string_view path);
