@@ -112,7 +112,7 @@ bool isOfType(const std::string &folder, int type)
 
 /** The kernel's word for what an interface is, "wwan", which plain ones lack. Nothing if it can't
  * be asked: an interface without its word would pass for one with a socket. */
-std::optional<std::string> kindOf(const std::string &folder)
+std::optional<std::string> interfaceKind(const std::string &folder)
 {
     const auto file = folder + "/uevent";
     if (!assignedIn(file, "INTERFACE"))
@@ -162,7 +162,7 @@ std::uint8_t ethernetCount()
 {
     constexpr int ethernet = 1; // ARPHRD_ETHER, which radios have too
     return count(networks, [](const std::string &folder) {
-        const auto kind = kindOf(folder);
+        const auto kind = interfaceKind(folder);
         return kind && (kind->empty() || *kind == portOfSwitch) && isOfType(folder, ethernet) &&
                hasSocket(folder);
     });
