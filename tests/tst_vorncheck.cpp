@@ -253,6 +253,19 @@ private slots:
         QVERIFY(settings() == before);
     }
 
+    /** It moves the brightness while it runs, the more the slower the unit answers. */
+    void automaticLeavesTheBrightness()
+    {
+        QCOMPARE(virtualunit::loadProfile("full"), std::string());
+        QCOMPARE(virtualunit::setDelay("Backlight_getAutomaticBLStatus", 500), std::string());
+        const auto before = settings();
+        const auto found = findings(check(
+            {"--write"_s, "--only"_s, "write-automatic"_s, QStringLiteral(VORN_DEVICE_LIBRARY)},
+            0));
+        QCOMPARE(found, QStringList());
+        QCOMPARE(settings().at("Backlight.intensity"), before.at("Backlight.intensity"));
+    }
+
     /** Which has stored no image to compare with; never does it get one. */
     void virtualUnitVerifiesFirmware()
     {

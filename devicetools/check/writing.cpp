@@ -158,11 +158,20 @@ std::vector<std::vector<double>> readAll(Session &session, const std::vector<Set
     return all;
 }
 
-/** Calls that need no values to be given back what they switched. */
+/** Whether it runs; and, as it moves the brightness while it does, the brightness of a unit where
+ * it doesn't. */
 void rememberAutomatic(Session &session, Restorer &restorer)
 {
-    restorer.remember(question(
-        runsAutomatic(session) ? "Backlight_startAutomaticBL" : "Backlight_stopAutomaticBL"));
+    if (runsAutomatic(session))
+        return restorer.remember(question("Backlight_startAutomaticBL"));
+    const auto brightness = question("Backlight_getIntensity");
+    if (session.has(brightness.operation->name) && session.has("Backlight_setIntensity")) {
+        const auto answer = session.ask(brightness);
+        if (answer.code == DEVICE_OK)
+            restorer.remember(
+                question("Backlight_setIntensity", {answer.number(*brightness.operation, 1)}));
+    }
+    restorer.remember(question("Backlight_stopAutomaticBL"));
 }
 
 Question withTexts(Question asked, const char *key, const char *value = nullptr)
