@@ -533,9 +533,7 @@ private slots:
     void companionsAreNoLight()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *name, const char *content) {
-            unit.write("/sys/bus/iio/devices/iio:device0/"_s + QLatin1String(name), content);
-        };
+        const auto write = unit.writerIn("/sys/bus/iio/devices/iio:device0/");
         write("name", "als\n");
         write("in_illuminance_scale", "0.5\n");
         write("in_illuminance_offset", "1\n");
@@ -715,9 +713,7 @@ private slots:
     void sensorsAreWalked()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *path, const char *content) {
-            unit.write("/sys/class/"_s + QLatin1String(path), content);
-        };
+        const auto write = unit.writerIn("/sys/class/");
         write("hwmon/hwmon0/name", "acpitz\n");
         write("hwmon/hwmon0/temp1_input", "27800\n");
         unit.link("/sys/class/hwmon/hwmon0/device"_s, "../../thermal/thermal_zone0");
@@ -828,9 +824,7 @@ private slots:
     void companionsAreNoVoltages()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *name, const char *content) {
-            unit.write("/sys/bus/iio/devices/iio:device0/"_s + QLatin1String(name), content);
-        };
+        const auto write = unit.writerIn("/sys/bus/iio/devices/iio:device0/");
         write("name", "ad7606\n");
         write("in_voltage0_raw", "1000\n");
         write("in_voltage0_scale", "2\n");
@@ -859,9 +853,7 @@ private slots:
     void identityIsTold()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *path, const QByteArray &content) {
-            unit.write(QLatin1String(path), content);
-        };
+        const auto write = unit.writerIn("");
         write("/sys/class/dmi/id/board_serial", "Default string\n");
         write("/sys/class/dmi/id/board_name", "UTC-510D\n");
         write("/sys/class/dmi/id/product_version", "V1.0 \xC2\xB5\n");
@@ -966,9 +958,7 @@ private slots:
     void batteryIsTold()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *path, const char *content) {
-            unit.write("/sys/class/power_supply/"_s + QLatin1String(path), content);
-        };
+        const auto write = unit.writerIn("/sys/class/power_supply/");
         write("hidpp_battery_0/type", "Battery\n");
         write("hidpp_battery_0/scope", "Device\n");
         QCOMPARE(unit.call("Battery_isAvailable").numbers, std::vector<double>{0});
@@ -1017,9 +1007,7 @@ private slots:
     void ledShowsColorsAndBlinks()
     {
         LinuxUnit unit;
-        const auto write = [&](const char *path, const char *content) {
-            unit.write("/sys/class/leds/"_s + QLatin1String(path), content);
-        };
+        const auto write = unit.writerIn("/sys/class/leds/");
         const auto read = [&](const char *path) {
             return unit.read("/sys/class/leds/"_s + QLatin1String(path));
         };

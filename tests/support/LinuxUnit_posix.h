@@ -40,6 +40,14 @@ public:
     /** Writes a file of the tree, with its folders; a link's target likewise. */
     void write(const QString &path, const QByteArray &content) const;
     void link(const QString &path, const QByteArray &target) const;
+    /** What writes files of a folder, whose name ends in "/" or is empty, by their names and
+     * contents. */
+    auto writerIn(const char *place) const
+    {
+        return [this, place](const char *name, const QByteArray &content) {
+            write(QLatin1String(place) + QLatin1String(name), content);
+        };
+    }
     QByteArray read(const QString &path) const;
     void remove(const QString &path) const;
     /** Where a path of the tree lies. */
