@@ -23,6 +23,7 @@ struct Broken {
 
 const Broken brokenLibraries[] = {
     {"missing", "fail functions", "missing: Battery_getTimes"},
+    {"missing_setter", "fail functions", "missing: Buzzer_setVolume"},
     {"missing_text", "fail functions", "missing: deviceErrorText"},
     {"loading", "fail loading", "in loading the library"},
     {"crash", "fail answers", "in Battery_getTimes"},

@@ -554,6 +554,20 @@ private slots:
         QVERIFY(run({"html"_s, "a.txt"_s, "b.txt"_s, "a.txt"_s}).out.contains(">12345678</text>"));
     }
 
+    /** Reports that don't tell whose they are may be of as many units. */
+    void unknownUnitsStayApart()
+    {
+        const QByteArray number = "Unit serial number: VU-100-004711 ";
+        QVERIFY(report.contains(number));
+        const auto failed =
+            QByteArray(report).replace(number, "Unit serial number: Error(5) Value out of range");
+        write("a.txt"_s, failed);
+        write("b.txt"_s, QByteArray(report).replace(number, "Another number: 1"));
+        const Outcome outcome = run({"html"_s, "a.txt"_s, "a.txt"_s, "b.txt"_s, "b.txt"_s});
+        QCOMPARE(outcome.exitCode, 0);
+        QVERIFY(outcome.out.contains("<title>System report: 4 units</title>"));
+    }
+
     /** What a mailed report says doesn't steer the terminal. */
     void keepsTheTerminal()
     {

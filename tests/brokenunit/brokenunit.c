@@ -681,6 +681,9 @@ __attribute__((constructor)) static void load(void)
 #ifdef BREAK_MISSING
 #    define Battery_getTimes Battery_getTimesGone
 #endif
+#ifdef BREAK_MISSING_SETTER
+#    define Buzzer_setVolume Buzzer_setVolumeGone
+#endif
 #ifdef BREAK_MISSING_TEXT
 #    define deviceErrorText deviceErrorTextGone
 #endif
