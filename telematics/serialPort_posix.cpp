@@ -66,15 +66,22 @@ bool isPseudoTerminal(int handle)
            major(status.st_rdev) <= 143;
 }
 
+/** Whether it is a line that nobody has for himself alone. Kernels before 3.8, and emulators, can't
+ * tell; they have refused all but the super user already. */
+bool isFreeLine(int handle)
+{
+    int heldByAnother = 0;
+    if (::ioctl(handle, TIOCGEXCL, &heldByAnother) != 0)
+        return ::isatty(handle) == 1;
+    return heldByAnother == 0;
+}
+
 /** Makes that open line this caller's alone. The lock is for our own kind, and goes with its
  * holder; the exclusiveness is for everybody, but lets the super user pass, who has to ask for it.
  */
 bool holdAlone(int handle)
 {
-    int heldByAnother = 0;
-    // What is no serial line knows nothing of these requests.
-    return ::flock(handle, LOCK_EX | LOCK_NB) == 0 &&
-           ::ioctl(handle, TIOCGEXCL, &heldByAnother) == 0 && heldByAnother == 0 &&
+    return ::flock(handle, LOCK_EX | LOCK_NB) == 0 && isFreeLine(handle) &&
            (isPseudoTerminal(handle) || ::ioctl(handle, TIOCEXCL) == 0);
 }
 

@@ -120,7 +120,8 @@ int systemStat(int handle, struct stat *status) __asm__("__real_fstat");
 int testStat(int handle, struct stat *status) __asm__("__wrap_fstat");
 }
 
-bool linesAreUarts = false; ///< whether terminals pass for what has wires
+bool linesAreUarts = false;  ///< whether terminals pass for what has wires
+bool holdersAreKnown = true; ///< whether the kernel is one that tells of them
 
 int testStat(int handle, struct stat *status)
 {
@@ -137,6 +138,8 @@ int testPoll(pollfd *waitedFor, nfds_t count, int wait)
 
 int testIoctl(int handle, unsigned long request, void *argument)
 {
+    if (request == TIOCGEXCL && !holdersAreKnown)
+        return failure(ENOTTY);
     return request == TIOCOUTQ && queueInstead ? queueInstead(handle, static_cast<int *>(argument))
                                                : systemIoctl(handle, request, argument);
 }
@@ -316,6 +319,14 @@ private slots:
         QCOMPARE(::ioctl(other, TIOCNXCL, nullptr), 0);
         QVERIFY(opened(line));
         ::close(other);
+    }
+
+    void holderThatNobodyKnows()
+    {
+        const QScopedValueRollback<bool> kernel(holdersAreKnown, false);
+        const PseudoTerminal line;
+        QVERIFY(opened(line));
+        QCOMPARE(serialOpen("/dev/null"), nullptr); // no line at all
     }
 
     void lineFormats_data() { addSpeeds(); }
