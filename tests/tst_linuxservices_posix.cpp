@@ -15,8 +15,6 @@ using support::operator""_s;
 
 namespace {
 
-constexpr int longestCall = 150; ///< milliseconds, with what the machine's load adds
-
 // A disk on a cable, a stick, an NVMe one and an eMMC; the service's order is none of these.
 const QByteArray drives = R"py(
 UD = 'org.freedesktop.UDisks2'
@@ -574,7 +572,7 @@ private:
         QElapsedTimer timer;
         timer.start();
         auto answer = unit->call(operation, given);
-        if (timer.elapsed() > longestCall)
+        if (timer.elapsed() > LinuxUnit::longestCall)
             QTest::qFail(operation, __FILE__, __LINE__);
         return answer;
     }

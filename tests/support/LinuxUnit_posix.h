@@ -32,6 +32,9 @@ public:
     };
     using Value = std::variant<double, const char *>;
 
+    /** Milliseconds that a call may take, with what the machine's load adds. */
+    static constexpr int longestCall = 150;
+
     LinuxUnit();
     ~LinuxUnit();
     LinuxUnit(const LinuxUnit &) = delete;
