@@ -91,11 +91,7 @@ private slots:
         child<QCheckBox>(&page, "checkBoxABLEnable")->setChecked(true);
         calls();
         fault(operation, code);
-        bool activeInBox = false;
-        dialogs.plan([&](QDialog *box) {
-            activeInBox = timer.isActive();
-            box->accept();
-        });
+        planBox([&] { return timer.isActive() ? "goes on"_s : QString(); });
         page.show();
         QCOMPARE(calls(), failing(loads, operation, code));
         const QString name = operation.mid(int(qstrlen("Backlight_")));
@@ -108,7 +104,7 @@ private slots:
             name == "getAutomaticBLStatus"_s);
         QCOMPARE(child<QCheckBox>(&page, "checkBoxLedDim")->isChecked(), name != "getLedDimming"_s);
         QVERIFY(child<QSlider>(&page, "sliderSensitivity")->isVisible());
-        QVERIFY(activeInBox);
+        QCOMPARE(behindBox(), "goes on"_s);
         QVERIFY(timer.isActive());
     }
 
@@ -510,17 +506,13 @@ private slots:
         page.show();
         fault(operation, code);
         calls();
-        int openInBox = -1;
-        dialogs.plan([&](QDialog *box) {
-            openInBox = openSettings(page);
-            box->accept();
-        });
+        planBox([&] { return QString::number(openSettings(page)); });
         click(&page, "checkBoxABLEnable");
         QCOMPARE(calls(), failing(enabling, operation, code));
         QCOMPARE(
             boxes(&page), QStringList{errorBox(code, operation.mid(int(qstrlen("Backlight_"))))});
         QVERIFY(child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-        QCOMPARE(openInBox, 2);
+        QCOMPARE(behindBox(), "2"_s);
         QCOMPARE(openSettings(page), 0);
     }
 
@@ -550,16 +542,12 @@ private slots:
         page.show();
         fault(operation, code);
         calls();
-        int openInBox = -1;
-        dialogs.plan([&](QDialog *box) {
-            openInBox = openSettings(page);
-            box->accept();
-        });
+        planBox([&] { return QString::number(openSettings(page)); });
         click(&page, "checkBoxABLEnable");
         QCOMPARE(calls(), QStringList{"Backlight_stopAutomaticBL() = %1"_s.arg(code)});
         QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAutomaticBL"_s)});
         QVERIFY(!child<QCheckBox>(&page, "checkBoxABLEnable")->isChecked());
-        QCOMPARE(openInBox, 0);
+        QCOMPARE(behindBox(), "0"_s);
         QCOMPARE(openSettings(page), 2);
     }
 

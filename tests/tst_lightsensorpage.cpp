@@ -282,15 +282,13 @@ private slots:
         QVERIFY(timer.fire());
         fault(operation, code, 1);
         calls();
-        QStringList behind;
-        dialogs.plan([&](QDialog *box) {
-            behind << button(page) << reading(page) << (timer.isActive() ? "active"_s : "stands"_s);
-            box->accept();
+        planBox([&] {
+            return button(page) + ", "_s + reading(page) +
+                   (timer.isActive() ? ", active"_s : ", stands"_s);
         });
         click(&page, "pushButtonOn");
         // The press alone has changed the button's state.
-        QCOMPARE(
-            behind, (QStringList{"On out of step"_s, "230 Lux, Range standard"_s, "active"_s}));
+        QCOMPARE(behindBox(), "On out of step, 230 Lux, Range standard, active"_s);
         QCOMPARE(calls(), failing({stop}, operation, code));
         QCOMPARE(boxes(&page), QStringList{errorBox(code, "stopAverageCalc"_s)});
         QCOMPARE(button(page), "Off"_s);
