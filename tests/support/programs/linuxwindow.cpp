@@ -311,28 +311,14 @@ QSet<std::int64_t> temperatures()
     return all;
 }
 
-Told toldByMachine()
+/** Adds what the machine tells at present. */
+void addTold(Told &told)
 {
-    Told told;
     visitNumbers(true, [&](const QString &place, const QString &number, const QString &line) {
         told.numbers[place] << number;
         if (const auto count = countIn(line))
             told.counts[count->first] = qMax(told.counts.value(count->first), count->second);
     });
-    told.temperatures = temperatures();
-    return told;
-}
-
-/** What the kernel alone tells, which the integrator may have told otherwise. */
-void addUndescribed(Told &told)
-{
-    setFileFaults(withoutDescription);
-    const Told found = toldByMachine();
-    setFileFaults(nullptr);
-    for (auto place = found.numbers.begin(); place != found.numbers.end(); ++place)
-        told.numbers[place.key()] += place.value();
-    for (auto count = found.counts.begin(); count != found.counts.end(); ++count)
-        told.counts[count.key()] = qMax(told.counts.value(count.key()), count.value());
 }
 
 /** "45°C (113°F)" or "45 °C" of a sensor: which one it is depends on those that can be read. */
@@ -458,9 +444,13 @@ int sweep(std::uint64_t seed)
     Dialogs dialogs;
     dialogs.setDefaultAnswer(denyOrClose);
     const SkippedPauses pauses;
-    Told machine = toldByMachine();
+    Told machine;
+    machine.temperatures = temperatures();
+    addTold(machine);
     const Shown described = machine.numbers;
-    addUndescribed(machine);
+    // The integrator may have told otherwise than the kernel alone does.
+    setFileFaults(withoutDescription);
+    addTold(machine);
     setFileFaults(gone);
     const Shown form = numbersOfForms();
     setFileFaults(plannedFault);
