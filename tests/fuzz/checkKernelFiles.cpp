@@ -76,6 +76,7 @@ DeviceCode timed(const Call &call)
 void checkFailure(DeviceCode code)
 {
     constexpr DeviceCode kinds = 1000;
+    // 6 is for a channel and 7 for a sensor that isn't there, 104 for what nobody understands.
     static const std::set<DeviceCode> known{
         DEVICE_NOT_SUPPORTED, 6, 7, DEVICE_DATA_NOT_AVAILABLE, 104};
     REQUIRE(known.contains(code % kinds));
@@ -375,11 +376,11 @@ void checkSettings()
     const Device<ConfigHandle> handle(DEVICE(Config));
     const auto trigger = ASK(std::int32_t, Config_getStartupTriggerConfig, handle);
     HOLDS(!trigger || (*trigger >= TRIGGER_FRONT_BUTTON && *trigger <= TRIGGER_BOTH));
-    const auto volts = ASK(double, Config_getStartupVoltageConfig, handle);
+    const auto voltage = ASK(double, Config_getStartupVoltageConfig, handle);
     auto expected = real(StartVoltage);
     if (expected)
         expected = *expected * 0.001;
-    HOLDS(volts == (expected && *expected >= 0 ? expected : std::nullopt));
+    HOLDS(voltage == (expected && *expected >= 0 ? expected : std::nullopt));
     const auto time = ASK(std::uint16_t, Config_getFrontBtnTrigTime, handle);
     HOLDS(!time || real(ButtonTime));
     const Device<PowerHandle> power(DEVICE(Power));
