@@ -444,10 +444,12 @@ private slots:
         QScrollBar *bar = page.info->verticalScrollBar();
         QVERIFY2(bar->maximum() > 100'000, qPrintable(QString::number(bar->maximum())));
         bar->setValue(50'000);
+        const int reached = bar->value();
         // Qt 5 takes one of the next lines.
-        QVERIFY2(qAbs(bar->value() - 50'000) <= 3, qPrintable(QString::number(bar->value())));
+        QVERIFY2(qAbs(reached - 50'000) <= (QT_VERSION_MAJOR == 5 ? 3 : 0),
+            qPrintable(QString::number(reached)));
         bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
-        QVERIFY(bar->value() > 50'003 && bar->value() < 50'100);
+        QVERIFY(bar->value() > reached && bar->value() < 50'100);
         bar->setValue(bar->maximum());
         const QPoint bottom = page.info->viewport()->rect().bottomLeft();
         const int left = page.info->document()->characterCount() -
