@@ -10,7 +10,6 @@
 #include <gpiod.h>
 #include <linux/if_arp.h>
 #include <map>
-#include <memory>
 #include <optional>
 #include <sched.h>
 #include <sys/wait.h>

@@ -12,9 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <functional>
-#include <memory>
 #include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>

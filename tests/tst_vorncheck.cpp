@@ -6,7 +6,6 @@
 #include <QtTest>
 
 #include <map>
-#include <vector>
 
 using namespace support;
 
