@@ -190,7 +190,7 @@ private slots:
 
     void controls_data() { addViewRows(); }
 
-    // What a control is, which value it has, and in which state it is.
+    /** What a control is, which value it has, and in which state it is. */
     void controls()
     {
         openRow();
@@ -206,7 +206,7 @@ private slots:
 
     void focus_data() { addViewRows(); }
 
-    // Each step of the focus.
+    /** Each step of the focus. */
     void focus()
     {
         openRow();
@@ -221,7 +221,7 @@ private slots:
         }
     }
 
-    // The slider counts in tenths of a hertz.
+    /** The slider counts in tenths of a hertz. */
     void ledFrequency()
     {
         window = std::make_unique<VornSettings>();
@@ -232,7 +232,7 @@ private slots:
         QCOMPARE(seen(slider)->text(QAccessible::Description), "5.7 Hz"_s);
     }
 
-    // Why an entry of the menu can't be pressed.
+    /** Why an entry of the menu can't be pressed. */
     void dimmedEntries()
     {
         useProfile("basic"_s);

@@ -324,7 +324,7 @@ private slots:
         QCOMPARE(page.file->text(), "typed"_s);
     }
 
-    // The dialog's own filters spell the suffixes in capitals, which the page then refuses.
+    /** The dialog's own filters spell the suffixes in capitals, which the page then refuses. */
     void pickedCapitalsAreRefused()
     {
         const QString path = write("firmware.MCS"_s, image);
@@ -633,7 +633,7 @@ private slots:
         QCOMPARE(boxes(&page), QStringList(verified()));
     }
 
-    // What an answer says is on the screen before the next one is asked for.
+    /** What an answer says is on the screen before the next one is asked for. */
     void answersArePaintedAtOnce()
     {
         struct Paints : QObject {
@@ -727,7 +727,7 @@ private slots:
         QCOMPARE(dialogs.take().count(), 1);
     }
 
-    // Timers of other pages run on, and what they are told while the job runs arrives.
+    /** Timers of other pages run on, and what they are told while the job runs arrives. */
     void othersWorkDuringJob()
     {
         Page page;
@@ -753,7 +753,7 @@ private slots:
         QCOMPARE(dialogs.take().count(), 1);
     }
 
-    // From the very first events on, as those of a double click.
+    /** From the very first events on, as those of a double click. */
     void pressesDuringJobAreBlocked()
     {
         Page page;
@@ -870,7 +870,7 @@ private slots:
         QCOMPARE(boxes(&page), QStringList({upgradeQuestion(), upgraded()}));
     }
 
-    // What a record says counts, whatever the query returned beside it.
+    /** What a record says counts, whatever the query returned beside it. */
     void recordOfFailingQueryCounts_data() { addFailureRows({"Firmware_getUpgradeStatus"_s}); }
 
     void recordOfFailingQueryCounts()
@@ -1057,8 +1057,8 @@ private slots:
 
     void defaultsFail_data() { addFailureRows({"Buzzer_setFrequency"_s}); }
 
-    // The page looks at no result: what fails is told as the reset tells it, and then comes the
-    // end.
+    /** The page looks at no result: what fails is told as the reset tells it, and then comes the
+     * end. */
     void defaultsFail()
     {
         QFETCH(QString, operation);

@@ -89,8 +89,8 @@ class BatteryThreadTest : public PageTest
     Q_OBJECT
 
 private slots:
-    // A whole pass takes five seconds, so one pass serves all that it can show: a thread of the
-    // test's own, and beside it that of a page.
+    /** A whole pass takes five seconds, so one pass serves all that it can show: a thread of the
+     * test's own, and beside it that of a page. */
     void followsTheBatteryAndThePageStopsIt()
     {
         setUnit("Battery.voltageLevel"_s, "63"_s);

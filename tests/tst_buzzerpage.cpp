@@ -33,7 +33,7 @@ private slots:
         setUnit("Buzzer.trigger"_s, "false"_s);
     }
 
-    // What moves a slider goes back to the device; what is there already doesn't.
+    /** What moves a slider goes back to the device; what is there already doesn't. */
     void loadsOnShow()
     {
         tabBuzzerDlg page;
@@ -156,7 +156,7 @@ private slots:
         addFailureRows({"Buzzer_getFrequency"_s, "Buzzer_getVolume"_s, "Buzzer_getTrigger"_s});
     }
 
-    // Each of the three stands alone; a label never goes with its slider.
+    /** Each of the three stands alone; a label never goes with its slider. */
     void loadFailure()
     {
         QFETCH(QString, operation);
@@ -207,7 +207,7 @@ private slots:
 
     void triggerEchoFailure_data() { addFailureRows({"Buzzer_setTrigger"_s}); }
 
-    // The button shows what was read, whatever became of the echo.
+    /** The button shows what was read, whatever became of the echo. */
     void triggerEchoFailure()
     {
         QFETCH(QString, operation);
@@ -311,7 +311,7 @@ private slots:
 
     void buttonFailure_data() { addFailureRows({"Buzzer_setTrigger"_s}); }
 
-    // The button is out of step with the device then, until the page is shown again.
+    /** The button is out of step with the device then, until the page is shown again. */
     void buttonFailure()
     {
         QFETCH(QString, operation);

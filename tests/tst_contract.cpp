@@ -309,7 +309,7 @@ class ContractTest : public QObject
     Q_OBJECT
 
 private slots:
-    // The program starts with a library that has the contract's operations and nothing else.
+    /** The program starts with a library that has the contract's operations and nothing else. */
     void programAsksForNoMore()
     {
         const QStringList wanted =

@@ -198,7 +198,7 @@ private slots:
         DeviceTest::cleanup();
     }
 
-    // The measure itself, on grounds whose contrast is known.
+    /** The measure itself, on grounds whose contrast is known. */
     void measure_data()
     {
         QTest::addColumn<QColor>("text");

@@ -107,7 +107,7 @@ private slots:
             run.errors, "VornSettings: there is no display to show the window on: " + why + '\n');
     }
 
-    // The modes without a window don't ask what there is to show one on.
+    /** The modes without a window don't ask what there is to show one on. */
     void modesWithoutDisplay()
     {
         const ProgramTree tree(tiny);

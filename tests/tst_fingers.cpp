@@ -214,7 +214,6 @@ class FingersTest : public DeviceTest
     Q_OBJECT
 
 private:
-    const QTemporaryDir settings;
     SkippedPauses pauses;
     std::unique_ptr<VornSettings> window;
 
@@ -262,12 +261,7 @@ private:
     }
 
 private slots:
-    void initTestCase()
-    {
-        // Qt keeps there how its file dialog was left, by another run too.
-        qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
-        setApplicationLook();
-    }
+    void initTestCase() { setApplicationLook(); }
 
     void init()
     {
@@ -360,7 +354,7 @@ private slots:
         QTest::newRow("touch profile") << true << 0;
     }
 
-    // A flick moves the list and chooses nothing; a tap chooses.
+    /** A flick moves the list and chooses nothing; a tap chooses. */
     void listByFinger()
     {
         QFETCH(bool, touch);
@@ -391,7 +385,7 @@ private slots:
         QVERIFY(!list->isVisible());
     }
 
-    // The press that opens a list goes on over its rows.
+    /** The press that opens a list goes on over its rows. */
     void slideIntoList()
     {
         QAbstractItemView *list = openLongList();
@@ -418,7 +412,7 @@ private slots:
         QTest::newRow("touch profile") << true;
     }
 
-    // The text follows the finger, line by line, and nothing is selected.
+    /** The text follows the finger, line by line, and nothing is selected. */
     void textByFinger()
     {
         QFETCH(bool, touch);
@@ -433,7 +427,7 @@ private slots:
         QVERIFY(!text->textCursor().hasSelection());
     }
 
-    // The Touch page's list of values is of another kind, and scrolls by pixels.
+    /** The Touch page's list of values is of another kind, and scrolls by pixels. */
     void valuesByFinger()
     {
         auto *text = show<QTextEdit>(touchTab, "textEdit");
@@ -445,7 +439,7 @@ private slots:
         QVERIFY(!text->textCursor().hasSelection());
     }
 
-    // A mouse that goes sideways first selects, and may go on down then.
+    /** A mouse that goes sideways first selects, and may go on down then. */
     void selection()
     {
         auto *text = openReport();
@@ -534,7 +528,7 @@ private slots:
             qPrintable("%1x%2"_s.arg(size.width()).arg(size.height())));
     }
 
-    // The touch screen's controller makes a right click of a long press.
+    /** The touch screen's controller makes a right click of a long press. */
     void menuOfField()
     {
         auto *field = show<QLineEdit>(heaterTab, "editHeatingTemp");
@@ -556,7 +550,7 @@ private slots:
         menu->close();
     }
 
-    // A finger on a file's row, and on its way.
+    /** A finger on a file's row, and on its way. */
     void filesByFinger()
     {
         QTemporaryDir folder;
@@ -577,7 +571,7 @@ private slots:
         QVERIFY(!dialog.isVisible());
     }
 
-    // The next dialog begins where the last file was, whoever asked.
+    /** The next dialog begins where the last file was, whoever asked. */
     void lastFolder()
     {
         QTemporaryDir folder;

@@ -110,7 +110,7 @@ private slots:
 
     void pages_data() { addViewRows(); }
 
-    // Each control of each page, buttons in either state.
+    /** Each control of each page, buttons in either state. */
     void pages()
     {
         openRow();
@@ -144,7 +144,7 @@ private slots:
         QTest::newRow("QTextEdit") << plain<QTextEdit>();
     }
 
-    // Each kind everywhere on the page, whose ground isn't the same anywhere.
+    /** Each kind everywhere on the page, whose ground isn't the same anywhere. */
     void places()
     {
         QFETCH(Make, make);
@@ -162,7 +162,7 @@ private slots:
         }
     }
 
-    // A list shows its current row, and itself as long as it has none.
+    /** A list shows its current row, and itself as long as it has none. */
     void lists()
     {
         openEmpty();
@@ -187,7 +187,7 @@ private slots:
         }
     }
 
-    // Boxes and dialogs of the window have the ring too.
+    /** Boxes and dialogs of the window have the ring too. */
     void boxes()
     {
         setUnit("Battery.available"_s, "0"_s);

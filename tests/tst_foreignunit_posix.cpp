@@ -87,7 +87,7 @@ private:
             QTest::addRow("%d", seed) << seed;
     }
 
-    // What the dialogs for files do has nothing to do with the unit.
+    /** What the dialogs for files do has nothing to do with the unit. */
     bool isWorthPressing(const QAbstractButton *button) override
     {
         return button->objectName() != "buttonFile"_s &&

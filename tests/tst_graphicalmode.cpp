@@ -72,7 +72,7 @@ private:
     }
 
 private slots:
-    // Without a battery no thread outlives its window.
+    /** Without a battery no thread outlives its window. */
     void init()
     {
         freshUnit();
@@ -80,7 +80,7 @@ private slots:
         virtualunit::startJournal();
     }
 
-    // A title bar with a system menu and a close button, no other buttons, one size.
+    /** A title bar with a system menu and a close button, no other buttons, one size. */
     void window()
     {
         bool seen = false;
@@ -159,7 +159,7 @@ private slots:
         QCOMPARE(run([](VornSettings *) { QCoreApplication::exit(42); }), 42);
     }
 
-    // The window and its pages go before the application object.
+    /** The window and its pages go before the application object. */
     void endsInOrder()
     {
         run([](VornSettings *window) {

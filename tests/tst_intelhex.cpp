@@ -112,7 +112,7 @@ private slots:
         QVERIFY(result.image.bytes.empty());
     }
 
-    // What vornunit and the journal of a job tell people.
+    /** What vornunit and the journal of a job tell people. */
     void saysWhy()
     {
         const QByteArray good = hexRecord(0, 0, "abcd") + '\n';

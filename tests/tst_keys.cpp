@@ -108,7 +108,7 @@ private:
     }
 
 private slots:
-    // The menu is the first page, and opens as all do.
+    /** The menu is the first page, and opens as all do. */
     void start()
     {
         setUnit("Battery.available"_s, "0"_s);
@@ -120,8 +120,8 @@ private slots:
 
     void order_data() { addViewRows(); }
 
-    // A page opens with the focus on its first control; Tab goes on as the eye does, then to the
-    // window's own buttons, and Shift+Tab goes the same way back.
+    /** A page opens with the focus on its first control; Tab goes on as the eye does, then to the
+     * window's own buttons, and Shift+Tab goes the same way back. */
     void order()
     {
         openRow();
@@ -137,7 +137,7 @@ private slots:
 
     void readOnlyFields_data() { addViewRows(); }
 
-    // They are no stops, but the mouse marks their text for copying.
+    /** They are no stops, but the mouse marks their text for copying. */
     void readOnlyFields()
     {
         openRow();
@@ -154,7 +154,7 @@ private slots:
         }
     }
 
-    // What can't be worked at present is passed over.
+    /** What can't be worked at present is passed over. */
     void disabledAndHiddenControls()
     {
         open({displayTab, 0});
@@ -174,7 +174,7 @@ private slots:
 
     void pressButtons_data() { addViewRows(); }
 
-    // Space and Return press the button that has the focus, once however long they are held.
+    /** Space and Return press the button that has the focus, once however long they are held. */
     void pressButtons()
     {
         openRow();
@@ -202,7 +202,7 @@ private slots:
 
     void returnElsewhere_data() { addViewRows(); }
 
-    // Return in a field, on a box or a slider presses nothing.
+    /** Return in a field, on a box or a slider presses nothing. */
     void returnElsewhere()
     {
         openRow();
@@ -228,7 +228,7 @@ private slots:
 
     void lists_data() { addViewRows(); }
 
-    // Lists open by keys, and Escape closes the list alone.
+    /** Lists open by keys, and Escape closes the list alone. */
     void lists()
     {
         openRow();
@@ -253,7 +253,7 @@ private slots:
 
     void otherKeys_data() { addViewRows(); }
 
-    // Function keys and letters have no meaning of their own, here as before.
+    /** Function keys and letters have no meaning of their own, here as before. */
     void otherKeys()
     {
         openRow();
@@ -273,7 +273,7 @@ private slots:
 
     void escape_data() { addViewRows(); }
 
-    // From wherever the focus is.
+    /** From wherever the focus is. */
     void escape()
     {
         openRow();
@@ -350,7 +350,7 @@ private slots:
                                   << QStringList({"Firmware_shutDown() = 0"_s});
     }
 
-    // Each page's main job, from the start of the program.
+    /** Each page's main job, from the start of the program. */
     void jobs()
     {
         QFETCH(int, index);
@@ -365,7 +365,7 @@ private slots:
         takeWarnings(); // the offscreen platform grabs no keyboard for lists
     }
 
-    // What a page shows, it asks the unit for.
+    /** What a page shows, it asks the unit for. */
     void temperatureIsReadAnew()
     {
         openByKeys(temperatureTab);
@@ -386,7 +386,7 @@ private slots:
         QCOMPARE(nameOf(QApplication::focusWidget()), "pushButtonVersion"_s);
     }
 
-    // A report is chosen, read to its end and saved.
+    /** A report is chosen, read to its end and saved. */
     void reportIsSaved()
     {
         const QTemporaryDir folder;
@@ -437,7 +437,7 @@ private slots:
         QCOMPARE(dialogs.take().size(), 2);
     }
 
-    // The PIN, typed and sent.
+    /** The PIN, typed and sent. */
     void pinIsSent()
     {
         PseudoTerminal modem;

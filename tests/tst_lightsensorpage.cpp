@@ -382,7 +382,8 @@ private slots:
 
     void illuminanceFailure_data() { addFailureRows({"LightSensor_getIlluminance"_s}); }
 
-    // The range is asked for in the same round all the same, and stands alone in the field then.
+    /** The range is asked for in the same round all the same, and stands alone in the field then.
+     */
     void illuminanceFailure()
     {
         QFETCH(QString, operation);
@@ -448,8 +449,8 @@ private slots:
         QCOMPARE(button(page), "Off"_s);
     }
 
-    // An empty text is the one that a new page wrote last, so only a page that stopped once writes
-    // it.
+    /** An empty text is the one that a new page wrote last, so only a page that stopped once writes
+     * it. */
     void bothAbsent()
     {
         tabLightSensorDlg page;

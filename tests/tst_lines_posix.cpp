@@ -347,8 +347,8 @@ private slots:
         QCOMPARE(modem.ask("AT"), QByteArray("\r\nOK\r\n"));
     }
 
-    // What was on its way when the near end closed is lost, and who opens next hears whole
-    // sentences.
+    /** What was on its way when the near end closed is lost, and who opens next hears whole
+     * sentences. */
     void halfASentenceIsLost()
     {
         const Server server;

@@ -15,7 +15,7 @@ using support::operator""_s;
 
 namespace {
 
-// A disk on a cable, a stick, an NVMe one and an eMMC; the service's order is none of these.
+/** A disk on a cable, a stick, an NVMe one and an eMMC; the service's order is none of these. */
 const QByteArray drives = R"py(
 UD = 'org.freedesktop.UDisks2'
 manager = service(UD, '/org/freedesktop/UDisks2', UD + '.Manager', manager=True)

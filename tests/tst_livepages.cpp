@@ -75,7 +75,7 @@ private slots:
         QCOMPARE(boxes(page.get()), QStringList(errorBox(5, QString::fromLatin1(row.errorName))));
     }
 
-    // The first reading of this page isn't the timer's, so its box doesn't hold the timer back.
+    /** The first reading of this page isn't the timer's, so its box doesn't hold the timer back. */
     void oneBoxForAFailingShow()
     {
         tabDigIODlg page;
@@ -94,8 +94,8 @@ private slots:
     }
     void stopsThoughShownAgainBehindTheBox_data() { addPages(); }
 
-    // A program can show the page again behind the box, which starts the timer; the round that
-    // opened the box comes to its end after that.
+    /** A program can show the page again behind the box, which starts the timer; the round that
+     * opened the box comes to its end after that. */
     void stopsThoughShownAgainBehindTheBox()
     {
         QFETCH(int, index);
@@ -138,8 +138,8 @@ private slots:
         QCOMPARE(boxes(&page), QStringList());
     }
 
-    // Shown again behind the box, the page reads on; the slider has the intensity already, so it
-    // isn't sent once more.
+    /** Shown again behind the box, the page reads on; the slider has the intensity already, so it
+     * isn't sent once more. */
     void roundsBehindARefusedEcho()
     {
         tabBacklightDlg page;

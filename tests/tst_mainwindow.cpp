@@ -233,7 +233,7 @@ private:
 private slots:
     void initTestCase() { setApplicationLook(); }
 
-    // Without a battery no thread outlives its window.
+    /** Without a battery no thread outlives its window. */
     void init()
     {
         DeviceTest::init();
@@ -300,7 +300,8 @@ private slots:
                 .convertToFormat(logo->pixmap(Qt::ReturnByValue).toImage().format()));
     }
 
-    // The scale of the screens is known before the application is made, so another one shows it.
+    /** The scale of the screens is known before the application is made, so another one shows it.
+     */
     void logoIsSharpOnFineScreens()
     {
         if (qApp->devicePixelRatio() == 1) {
@@ -448,7 +449,7 @@ private slots:
         QCOMPARE(pages, expected);
     }
 
-    // A query that fails says nothing, not even if its out value were left at "absent".
+    /** A query that fails says nothing, not even if its out value were left at "absent". */
     void everyQueryRefused()
     {
         for (const auto *operation : {"Hardware_hasGsm", "Hardware_getCanCount",
@@ -522,8 +523,8 @@ private slots:
                 latin1(pageRows[i].className));
     }
 
-    // Each page gives the calls of its construction when built alone; the window's start is its own
-    // queries and those calls, one page after the other, and its end gives all handles back.
+    /** Each page gives the calls of its construction when built alone; the window's start is its
+     * own queries and those calls, one page after the other, and its end gives all handles back. */
     void startAndEnd()
     {
         QStringList end{"Hardware_release()"_s};
@@ -593,8 +594,8 @@ private slots:
         QCOMPARE(titleStrip(window), "Menu"_s);
     }
 
-    // The look of a page is worked out when it shows, and is the same whether the window was drawn
-    // before that or not.
+    /** The look of a page is worked out when it shows, and is the same whether the window was drawn
+     * before that or not. */
     void hiddenPagesWaitForTheirLook()
     {
         VornSettings window;
@@ -639,7 +640,7 @@ private slots:
         dialogs.take();
     }
 
-    // A page that has something to tell when it shows does so below the former title.
+    /** A page that has something to tell when it shows does so below the former title. */
     void titleFollowsThePage()
     {
         fault("Versions_getVornAuxVersion"_s, 5);
@@ -710,8 +711,8 @@ private slots:
         QCOMPARE(titleStrip(window), "Another"_s);
     }
 
-    // With the font that stands for Arial here, every text fits its place, and every place its
-    // surroundings.
+    /** With the font that stands for Arial here, every text fits its place, and every place its
+     * surroundings. */
     void nothingIsClipped_data() { pageAtIndex_data(); }
 
     void nothingIsClipped()
@@ -752,7 +753,7 @@ private slots:
         dialogs.take();
     }
 
-    // The press alone leaves the page where it is.
+    /** The press alone leaves the page where it is. */
     void escapeGoesByTheRelease()
     {
         VornSettings window;
@@ -804,7 +805,8 @@ private slots:
         dialogs.take();
     }
 
-    // X11 repeats a held key with releases of its own: they must not go on from the menu and close.
+    /** X11 repeats a held key with releases of its own: they must not go on from the menu and
+     * close. */
     void heldEscape()
     {
         VornSettings window;

@@ -165,7 +165,7 @@ private slots:
         QCOMPARE(indices, (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
     }
 
-    // A screen reader says the caption for the picture above it.
+    /** A screen reader says the caption for the picture above it. */
     void accessibleNames_data() { addEntries(); }
 
     void accessibleNames()
@@ -179,7 +179,7 @@ private slots:
         QCOMPARE(child<QLabel>(&page, pageRows[row].label)->buddy(), button);
     }
 
-    // The page's own sheet, also over the grey of the frame's.
+    /** The page's own sheet, also over the grey of the frame's. */
     void buttonLook_data()
     {
         QTest::addColumn<QString>("outerSheet");

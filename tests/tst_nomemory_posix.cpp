@@ -26,7 +26,8 @@ void *memory(std::size_t size)
 
 } // namespace
 
-// The device library takes its memory from here too: the program's own come before the system's.
+/** The device library takes its memory from here too: the program's own come before the system's.
+ */
 void *operator new(std::size_t size)
 {
     if (void *place = memory(size))

@@ -214,7 +214,7 @@ private slots:
         QVERIFY(Port(serialOpen(path.constData() + 5)) != nullptr);
     }
 
-    // They count from 1, the system's own lines from 0.
+    /** They count from 1, the system's own lines from 0. */
     void comNamesAreTheSystemsLines()
     {
         QList<QByteArray> asked;
@@ -480,7 +480,7 @@ private slots:
         serialClose(&invalid);
     }
 
-    // Three lines at once, since each takes its seconds.
+    /** Three lines at once, since each takes its seconds. */
     void silences()
     {
         const PseudoTerminal silent;
@@ -593,7 +593,7 @@ private slots:
         QCOMPARE(asked.size(), 6); // nothing to wait for
     }
 
-    // Three lines at once, since each takes its seconds.
+    /** Three lines at once, since each takes its seconds. */
     void standstills()
     {
         const PseudoTerminal unread;

@@ -60,7 +60,7 @@ private slots:
         QVERIFY(shots.errors.startsWith("usage: vornshots"));
     }
 
-    // The window is whole on its screen, at a scale that fits.
+    /** The window is whole on its screen, at a scale that fits. */
     void screens_data()
     {
         QTest::addColumn<QSize>("screen");

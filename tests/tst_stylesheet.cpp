@@ -108,14 +108,14 @@ private:
 private slots:
     void initTestCase() { setApplicationLook(); }
 
-    // Without a battery no thread outlives its window.
+    /** Without a battery no thread outlives its window. */
     void init()
     {
         DeviceTest::init();
         setUnit("Battery.available"_s, "0"_s);
     }
 
-    // Pictures of the sheet are there, but for those that it has never had.
+    /** Pictures of the sheet are there, but for those that it has never had. */
     void pictures()
     {
         Stage stage;
@@ -243,7 +243,8 @@ private slots:
         verifyNear(image.pixelColor(20, 2), pageTop);
     }
 
-    // Display and slider are one piece: their outer corners are round, those between them aren't.
+    /** Display and slider are one piece: their outer corners are round, those between them aren't.
+     */
     void corners_data()
     {
         QTest::addColumn<Make>("make");
@@ -350,7 +351,7 @@ private slots:
         verifyNear(image.pixelColor(150, 12), amberTop);
     }
 
-    // Between the page's edge and the handle the groove is a bar of 5 pixels.
+    /** Between the page's edge and the handle the groove is a bar of 5 pixels. */
     void sliderGroove()
     {
         Stage stage;
@@ -375,7 +376,7 @@ private slots:
         QTest::newRow("down") << QStyle::SC_SpinBoxDown;
     }
 
-    // A pressed arrow gives way by a pixel to the right and down.
+    /** A pressed arrow gives way by a pixel to the right and down. */
     void spinArrows()
     {
         QFETCH(QStyle::SubControl, button);
@@ -427,7 +428,7 @@ private slots:
         verifyNear(image.pixelColor(240, 4), greyTop);
     }
 
-    // Its indicator is a picture that isn't there.
+    /** Its indicator is a picture that isn't there. */
     void radioButton()
     {
         Stage stage;
@@ -529,7 +530,7 @@ private slots:
         verifyNear(image.pixelColor(100, 197), pageBottom);
     }
 
-    // A tool-tip inherits the labels' white, which its own ground wouldn't let one read.
+    /** A tool-tip inherits the labels' white, which its own ground wouldn't let one read. */
     void toolTip()
     {
         Stage stage;
@@ -548,7 +549,7 @@ private slots:
         takeWarnings();
     }
 
-    // A dark desktop changes nothing: palette, style and font are the program's own.
+    /** A dark desktop changes nothing: palette, style and font are the program's own. */
     void ownLook()
     {
         Stage stage;

@@ -61,7 +61,8 @@ private slots:
     }
 
 private:
-    // File dialogs would be half of an ordinary run's time and have nothing to do with the unit.
+    /** File dialogs would be half of an ordinary run's time and have nothing to do with the unit.
+     */
     bool isWorthPressing(const QAbstractButton *button) override
     {
         const QString name = button->objectName();

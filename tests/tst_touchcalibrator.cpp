@@ -111,8 +111,8 @@ private slots:
         QVERIFY(window.isComplete());
     }
 
-    // The target to be touched is the only amber one, those behind it have a tick instead of a
-    // cross.
+    /** The target to be touched is the only amber one, those behind it have a tick instead of a
+     * cross. */
     void showsTheNextTarget()
     {
         CalibrationWindow window(CalibrationWindow::Points::Five);
@@ -142,7 +142,7 @@ private slots:
         QCOMPARE(ended.constFirst().constFirst().toBool(), false);
     }
 
-    // A minute without a tap, which is made a moment here.
+    /** A minute without a tap, which is made a moment here. */
     void givesUpWhenNobodyTouches()
     {
         CalibrationWindow window(CalibrationWindow::Points::Five);

@@ -132,7 +132,7 @@ private slots:
         PageTest::cleanup();
     }
 
-    // The form without its page, whose slots Qt then misses.
+    /** The form without its page, whose slots Qt then misses. */
     void unitTextBeforeAnyParameter()
     {
         QDialog dialog;
@@ -576,7 +576,7 @@ private slots:
 
     void dumpOfFailures_data() { addFailureRows({"Touch_getAdvancedSetting"_s}); }
 
-    // Each failure is looked up before the next read.
+    /** Each failure is looked up before the next read. */
     void dumpOfFailures()
     {
         QFETCH(QString, operation);
@@ -601,7 +601,7 @@ private slots:
         QCOMPARE(lines.count(), parameterCount + 1);
     }
 
-    // The controller gets its time before each read of the dump, and before no other.
+    /** The controller gets its time before each read of the dump, and before no other. */
     void dumpPauses()
     {
         const std::vector<int> oneDump(parameterCount, 10);

@@ -24,7 +24,7 @@ const QChar mark(0x00AB);
 using Caption = std::pair<QString, QString>;
 using Captions = std::set<Caption>;
 
-// What pages set at run time and translate all the same.
+/** What pages set at run time and translate all the same. */
 Captions runTimeCaptions()
 {
     const QString about = "tabAboutDlg"_s;
@@ -193,7 +193,7 @@ private slots:
             QVERIFY2(text.startsWith("styleSheet: "_s), qPrintable(text));
     }
 
-    // Each caption is asked for under its form's name, and nothing else is.
+    /** Each caption is asked for under its form's name, and nothing else is. */
     void captionsAreTranslated()
     {
         PseudoLocale locale;

@@ -141,7 +141,7 @@ private slots:
         QCOMPARE(Buzzer_setVolume(buzzer, 9), DEVICE_OK);
     }
 
-    // Arguments, results and out values as the journal has them, of each operation once.
+    /** Arguments, results and out values as the journal has them, of each operation once. */
     void everyOperationInTheJournal()
     {
         freshUnit();

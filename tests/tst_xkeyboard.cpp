@@ -62,7 +62,7 @@ private:
     std::unique_ptr<support::PseudoTerminal> modem;
     std::unique_ptr<XSession> session;
 
-    // The corner below the keyboard is black while there is none.
+    /** The corner below the keyboard is black while there is none. */
     bool isKeyboardUp() const
     {
         return server->screenPicture().pixelColor(2, screen.height() - 2).lightness() > 20;

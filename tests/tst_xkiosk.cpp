@@ -109,7 +109,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(session.hasEnded(), patience);
     }
 
-    // Weston's window on an X server of that size stands for the screen.
+    /** Weston's window on an X server of that size stands for the screen. */
     void westonsKioskShell()
     {
         const QTemporaryDir folder;

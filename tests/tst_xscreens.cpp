@@ -54,8 +54,8 @@ class XScreensTest : public QObject
     Q_OBJECT
 
 private slots:
-    // The window is whole, in the middle where nobody else decides, and as large as it was asked
-    // to be if that fits.
+    /** The window is whole, in the middle where nobody else decides, and as large as it was asked
+     * to be if that fits. */
     void whole_data()
     {
         QTest::addColumn<QSize>("screen");
@@ -122,8 +122,8 @@ private slots:
         QCOMPARE(session.errors(), words);
     }
 
-    // What doesn't fit a small screen comes by a finger, which chooses nothing on its way. Menu and
-    // Exit stay where they are.
+    /** What doesn't fit a small screen comes by a finger, which chooses nothing on its way. Menu
+     * and Exit stay where they are. */
     void small_data()
     {
         QTest::addColumn<QSize>("screen");
@@ -176,8 +176,8 @@ private slots:
         session.verifyEnd(0);
     }
 
-    // A window manager that stretches every window gets the content in the middle, and the window's
-    // ground around it.
+    /** A window manager that stretches every window gets the content in the middle, and the
+     * window's ground around it. */
     void stretched_data()
     {
         QTest::addColumn<QSize>("screen");

@@ -78,8 +78,8 @@ private slots:
         server.reset();
     }
 
-    // While a slow unit answers, the strip is on the screen and the list that was chosen from
-    // isn't. Nothing but the program itself paints there.
+    /** While a slow unit answers, the strip is on the screen and the list that was chosen from
+     * isn't. Nothing but the program itself paints there. */
     void waitNoticeIsOnTheScreen()
     {
         support::XSession session(*server);
@@ -107,8 +107,8 @@ private slots:
         QVERIFY(!session.journal().filter("Adc_release"_s).isEmpty());
     }
 
-    // The Escape that closes what stands in front of a page leaves the page as it is, however long
-    // the key is held; the next one leads to the menu.
+    /** The Escape that closes what stands in front of a page leaves the page as it is, however long
+     * the key is held; the next one leads to the menu. */
     void escapeBelongsToTheFront_data()
     {
         QTest::addColumn<QPoint>("entry");
@@ -161,7 +161,7 @@ private slots:
         session.verifyEnd(0);
     }
 
-    // A box while the pages are built stands before a window that nobody has seen yet.
+    /** A box while the pages are built stands before a window that nobody has seen yet. */
     void escapeBeforeTheWindow_data()
     {
         QTest::addColumn<int>("held");
@@ -184,8 +184,8 @@ private slots:
         session.verifyEnd(0);
     }
 
-    // The server repeats the key while it is held: one long press leads to the menu and stays
-    // there.
+    /** The server repeats the key while it is held: one long press leads to the menu and stays
+     * there. */
     void longEscapeLeadsToTheMenu()
     {
         support::XSession session(*managedServer, true);
@@ -226,7 +226,7 @@ private slots:
         verifyHandlesGivenBack(session);
     }
 
-    // The press that opens a list isn't the one that chooses in it, wherever it ends.
+    /** The press that opens a list isn't the one that chooses in it, wherever it ends. */
     void slideIntoListChoosesNothing()
     {
         support::XSession session(*server);
@@ -246,7 +246,7 @@ private slots:
         session.verifyEnd(0);
     }
 
-    // A text follows a finger, and an end of it that was out of sight is seen.
+    /** A text follows a finger, and an end of it that was out of sight is seen. */
     void reportFollowsFinger()
     {
         support::XSession session(*server);
@@ -298,8 +298,8 @@ private slots:
         verifyHandlesGivenBack(session);
     }
 
-    // The dialog of a firmware job stands before the window: neither can be closed until the job is
-    // over, and then everything goes on.
+    /** The dialog of a firmware job stands before the window: neither can be closed until the job
+     * is over, and then everything goes on. */
     void closeWaitsForFirmwareJob()
     {
         QTemporaryDir folder;
@@ -367,8 +367,8 @@ private slots:
         session.verifyEnd(0);
     }
 
-    // A command line that names no other mode, and what the desktop or the user wish for the look
-    // of programs, change nothing.
+    /** A command line that names no other mode, and what the desktop or the user wish for the look
+     * of programs, change nothing. */
     void looksTheSame_data()
     {
         QTest::addColumn<QStringList>("arguments");

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <utility>
@@ -39,6 +40,8 @@ void prepareEnvironment()
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QPA_PLATFORMTHEME", "");
+    static const QTemporaryDir settings; // its file dialog keeps there how it was left
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     // As fontconfig has it; the offscreen platform of other systems knows no such kinship.
     QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

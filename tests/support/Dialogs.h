@@ -40,6 +40,8 @@ public:
     /** Answers of the next dialogs, in order. */
     void plan(QMessageBox::StandardButton button);
     void plan(Answer answer);
+    /** Those that were planned for dialogs that haven't come. */
+    void forgetPlans() { answers.clear(); }
     /** The answer of dialogs without a plan from now on. */
     void setDefaultAnswer(Answer answer) { defaultAnswer = std::move(answer); }
     /** Types the path into the next file dialog and accepts it; an empty path cancels it. */

@@ -184,5 +184,6 @@ void PageTest::planBox(std::function<QString()> shown)
 
 QString PageTest::behindBox()
 {
+    dialogs.forgetPlans();
     return std::exchange(shownBehindBox, {});
 }

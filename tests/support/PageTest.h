@@ -81,10 +81,9 @@ protected:
      *  support::box() has it. */
     QStringList boxes(const QWidget *page);
 
-    /** Accepts the next box, and keeps what this tells of the page while it is open. A box must
-     * come. */
+    /** Accepts the next box, and keeps what this tells of the page while it is open. */
     void planBox(std::function<QString()> shown);
-    /** That, once; empty if no box has come. */
+    /** That, once; empty if no box has come. Boxes from now on have no plan. */
     QString behindBox();
 
 private:
