@@ -30,10 +30,14 @@ private slots:
         QFETCH(int, seed);
         seedForeignUnit(std::uint64_t(seed));
         sweepWindow();
-        // The LED page hands on whatever colour the device has; only Qt's style sheets mind.
-        for (const QString &warning : takeWarnings())
-            QCOMPARE(warning, "QColor::fromRgb: RGB parameters out of range"_s);
+        // The LED page hands on whatever colour the device has; only Qt's style sheets mind. And
+        // texts of the device may be of a script that the font of the tests doesn't have.
+        for (const QString &warning : takeWarnings()) {
+            if (!warning.trimmed().startsWith("OpenType support missing for"_s))
+                QCOMPARE(warning, "QColor::fromRgb: RGB parameters out of range"_s);
+        }
     }
+
     void jobs_data() { seeds(); }
 
     void jobs()
